@@ -1,0 +1,14 @@
+# The Debian 12 packages that the project needs, by purpose. Sourced by the scripts beside it.
+build_packages=(
+  g++ cmake ninja-build ccache pkg-config git
+  libicu-dev libxcb1-dev libxcb-xtest0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xfixes0-dev
+  libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
+  libxkbcommon-dev libxkbcommon-x11-dev
+  qt6-base-dev nlohmann-json3-dev libfmt-dev libcli11-dev libsndfile1-dev libpulse-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+run_packages=(qt6-qpa-plugins xkb-data)
+desktop_packages=(
+  xserver-xorg-core xserver-xorg-video-dummy xserver-xorg-dev openbox x11-xserver-utils x11-utils
+  x11-xkb-utils dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot
+)

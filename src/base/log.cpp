@@ -1,0 +1,59 @@
+#include "base/log.h"
+
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <mutex>
+#include <string>
+
+namespace quorlo {
+namespace {
+
+struct Log {
+  std::mutex mutex;
+  std::map<std::uint64_t, LogSink> sinks;
+  std::uint64_t lastSink = 0;
+  std::atomic<bool> debug = false;
+};
+
+// Never destroyed: threads may log until the very end of the process.
+Log& log() {
+  static auto* const instance = new Log;
+  return *instance;
+}
+
+void write(LogLevel level, std::string_view line) {
+  const std::lock_guard lock(log().mutex);
+  if (!log().sinks.empty()) {
+    log().sinks.rbegin()->second(level, line);
+    return;
+  }
+  std::string whole(line);
+  whole += '\n';
+  std::fwrite(whole.data(), 1, whole.size(), stderr);
+}
+
+}  // namespace
+
+void logError(std::string_view line) { write(LogLevel::error, line); }
+void logWarning(std::string_view line) { write(LogLevel::warning, line); }
+void logInfo(std::string_view line) { write(LogLevel::info, line); }
+
+void logDebug(std::string_view line) {
+  if (log().debug) write(LogLevel::debug, line);
+}
+
+void setDebugLogging(bool on) { log().debug = on; }
+
+Subscription redirectLog(LogSink sink) {
+  const std::lock_guard lock(log().mutex);
+  const auto id = ++log().lastSink;
+  log().sinks.emplace(id, std::move(sink));
+  return Subscription([id] {
+    const std::lock_guard relock(log().mutex);
+    log().sinks.erase(id);
+  });
+}
+
+}  // namespace quorlo
