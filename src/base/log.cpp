@@ -36,15 +36,23 @@ void write(LogLevel level, std::string_view line) {
 
 }  // namespace
 
-void logError(std::string_view line) { write(LogLevel::error, line); }
-void logWarning(std::string_view line) { write(LogLevel::warning, line); }
-void logInfo(std::string_view line) { write(LogLevel::info, line); }
+void logError(std::string_view line) {
+  write(LogLevel::error, line);
+}
+void logWarning(std::string_view line) {
+  write(LogLevel::warning, line);
+}
+void logInfo(std::string_view line) {
+  write(LogLevel::info, line);
+}
 
 void logDebug(std::string_view line) {
   if (log().debug) write(LogLevel::debug, line);
 }
 
-void setDebugLogging(bool on) { log().debug = on; }
+void setDebugLogging(bool on) {
+  log().debug = on;
+}
 
 Subscription redirectLog(LogSink sink) {
   const std::lock_guard lock(log().mutex);

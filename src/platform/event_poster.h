@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/key_codes.h"
+
+namespace quorlo {
+
+// Where a posted key enters the stream of events.
+enum class PostLocation {
+  session,           // seen by this program's own tap, as KeyDownEvent::Origin::posted
+  annotatedSession,  // delivered to the application only
+};
+
+// Synthetic key presses for the frontmost application. Main thread. Posting cannot fail as far as the
+// caller can know.
+class EventPoster {
+ public:
+  virtual ~EventPoster() = default;
+
+  // Presses and releases the key `count` times, back to back, with exactly the modifiers of `flags`:
+  // modifiers that the user holds do not leak in, and are held again afterwards if they still are.
+  // Command-V is the platform's paste chord: an adapter may press another chord where the frontmost
+  // application pastes by another.
+  virtual void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) = 0;
+};
+
+}  // namespace quorlo
