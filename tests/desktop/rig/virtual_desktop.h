@@ -1,0 +1,74 @@
+#pragma once
+
+#include "desktop/rig/child_process.h"
+#include "desktop/rig/key_layout.h"
+#include "desktop/rig/temp_dir.h"
+#include "desktop/rig/virtual_keyboard.h"
+#include "desktop/rig/window_list.h"
+#include "desktop/rig/xorg_server.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct xcb_connection_t;
+
+namespace quorlo {
+
+// A whole desktop of its own: X server, window manager, session bus, home directory, two keyboards and a
+// pointer. Nothing of the user's session is touched, and nothing is left when it ends.
+class VirtualDesktop {
+ public:
+  // Returns when a program can be started on it; the keyboards have the layout "us". Throws
+  // std::runtime_error that says which part did not start and the end of its log.
+  VirtualDesktop();
+  ~VirtualDesktop();
+  VirtualDesktop(const VirtualDesktop&) = delete;
+  VirtualDesktop& operator=(const VirtualDesktop&) = delete;
+
+  const std::string& display() const { return server_.display(); }
+  // What a program needs to live on this desktop; an empty value means "removed".
+  const Variables& variables() const { return variables_; }
+  std::filesystem::path home() const { return directory_ / "home"; }
+  std::filesystem::path configHome() const { return home() / ".config"; }
+  std::filesystem::path dataHome() const { return home() / ".local" / "share"; }
+  const std::filesystem::path& directory() const { return directory_.path(); }  // for files of the tests
+
+  // Starts a program; what it writes goes to output, or to "programs.log" in directory().
+  ChildProcess start(std::vector<std::string> words, const std::filesystem::path& output = {}) const;
+
+  VirtualKeyboard& keyboard() { return *keyboard_; }
+  VirtualKeyboard& secondKeyboard() { return *secondKeyboard_; }
+  VirtualPointer& pointer() { return *pointer_; }
+  WindowList& windows() { return *windows_; }
+  xcb_connection_t* connection() const { return connection_.get(); }
+  XorgServer& server() { return server_; }
+
+  // As setxkbmap takes them: "us", "de", "us(intl)"; options such as "compose:ralt".
+  void setLayout(const std::string& layout, const std::string& options = {});
+  // Reads the keyboard map again, when a program has changed it by other means.
+  void forgetLayout() { layout_.reset(); }
+
+  // Writes a PNG file. Throws std::runtime_error.
+  void screenshot(const std::filesystem::path& file) const;
+
+ private:
+  const KeyLayout& layout();
+  Command commandFor(std::vector<std::string> words) const;
+
+  TempDir directory_;
+  XorgServer server_;
+  Variables variables_;
+  std::shared_ptr<xcb_connection_t> connection_;
+  std::optional<ChildProcess> bus_;
+  std::optional<ChildProcess> windowManager_;
+  std::unique_ptr<KeyLayout> layout_;
+  std::unique_ptr<VirtualKeyboard> keyboard_;
+  std::unique_ptr<VirtualKeyboard> secondKeyboard_;
+  std::unique_ptr<VirtualPointer> pointer_;
+  std::unique_ptr<WindowList> windows_;
+};
+
+}  // namespace quorlo
