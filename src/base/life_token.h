@@ -15,8 +15,8 @@ class LifeToken {
 
   template <class Task>
   auto guard(Task task) const {
-    return [alive = std::weak_ptr<char>(alive_), task = std::move(task)]() mutable {
-      if (!alive.expired()) task();
+    return [alive = std::weak_ptr<char>(alive_), task = std::move(task)](auto&&... args) mutable {
+      if (!alive.expired()) task(std::forward<decltype(args)>(args)...);
     };
   }
 
