@@ -1,0 +1,175 @@
+#include "text/html_writer.h"
+
+#include "text/attributed_string.h"
+#include "text/base64.h"
+#include "text/utf.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <string_view>
+
+namespace quorlo {
+namespace {
+
+constexpr char16_t kObjectReplacement = 0xFFFC;
+
+// The older form of the charset declaration is the one that every reader of pasted HTML knows.
+constexpr std::string_view kHead =
+    "<!DOCTYPE html>\n<html><head><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\">"
+    "</head><body>";
+constexpr std::string_view kTail = "</body></html>\n";
+
+std::string escaped(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string cssColor(const Color& color) {
+  if (color.alpha == 255) return fmt::format("#{:02x}{:02x}{:02x}", color.red, color.green, color.blue);
+  return fmt::format("rgba({},{},{},{:.3f})", color.red, color.green, color.blue, color.alpha / 255.0);
+}
+
+// In a CSS string a backslash escapes; a line break would end it.
+std::string cssString(std::string_view text) {
+  std::string out = "'";
+  for (const char c : text) {
+    if (c == '\'' || c == '\\') out += '\\';
+    out += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+  }
+  return out + "'";
+}
+
+std::string style(const TextAttributes& attributes) {
+  std::string css;
+  if (attributes.fontFamily) css += "font-family:" + cssString(*attributes.fontFamily) + ";";
+  if (const auto& size = attributes.fontSizePoints; size && std::isfinite(*size) && *size > 0) {
+    css += fmt::format("font-size:{}pt;", *size);
+  }
+  if (attributes.foreground) css += "color:" + cssColor(*attributes.foreground) + ";";
+  if (attributes.background) css += "background-color:" + cssColor(*attributes.background) + ";";
+  return css;
+}
+
+struct Tags {
+  std::string open;
+  std::string close;
+
+  void nest(std::string_view name, std::string_view parameters = {}) {
+    open += fmt::format("<{}{}>", name, parameters);
+    close = fmt::format("</{}>", name) + close;
+  }
+};
+
+Tags tagsFor(const TextAttributes& attributes) {
+  Tags tags;
+  if (attributes.link) tags.nest("a", " href=\"" + escaped(*attributes.link) + "\"");
+  if (attributes.bold) tags.nest("b");
+  if (attributes.italic) tags.nest("i");
+  if (attributes.underline) tags.nest("u");
+  if (attributes.strikethrough) tags.nest("s");
+  if (const auto css = style(attributes); !css.empty()) tags.nest("span", " style=\"" + escaped(css) + "\"");
+  return tags;
+}
+
+class Writer {
+ public:
+  explicit Writer(std::u16string_view text) : text_(text) {}
+
+  void writeRun(const AttributedString::Run& run) {
+    // Runs that differ only in what has no look share their tags.
+    auto tags = tagsFor(run.attributes);
+    if (tags.open != tags_.open) {
+      out_ += tags_.close + tags.open;
+      tags_ = std::move(tags);
+    }
+    auto wordStart = run.range.location;
+    for (auto i = run.range.location; i < run.range.end(); ++i) {
+      if (!isSpecial(text_[i])) continue;
+      writeWord(wordStart, i);
+      writeSpecial(i, run.attributes);
+      wordStart = i + 1;
+    }
+    writeWord(wordStart, run.range.end());
+  }
+
+  std::string finish() {
+    out_ += tags_.close;
+    out_ += kTail;
+    return std::move(out_);
+  }
+
+ private:
+  static bool isLineBreak(char16_t c) {
+    return c == u'\n' || c == u'\r' || c == 0x85 || c == 0x2028 || c == 0x2029;
+  }
+  static bool isControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
+  static bool isSpecial(char16_t c) {
+    return c == u' ' || c == 0xA0 || c == kObjectReplacement || isLineBreak(c) || isControl(c);
+  }
+
+  void writeWord(std::size_t start, std::size_t end) {
+    if (start == end) return;
+    out_ += escaped(toUtf8(text_.substr(start, end - start)));
+    spaceCollapses_ = false;
+  }
+
+  void writeSpecial(std::size_t i, const TextAttributes& attributes) {
+    const auto c = text_[i];
+    if (isLineBreak(c)) {
+      const bool secondHalf = c == u'\n' && i > 0 && text_[i - 1] == u'\r';
+      if (!secondHalf) out_ += "<br>";
+      spaceCollapses_ = true;
+    } else if (c == u' ') {
+      // A space stays an ordinary one, at which lines may wrap, where a word comes before and something
+      // other than a line break comes behind.
+      const bool lastInLine = i + 1 == text_.size() || isLineBreak(text_[i + 1]);
+      const bool kept = !spaceCollapses_ && !lastInLine;
+      out_ += kept ? " " : "&nbsp;";
+      spaceCollapses_ = kept;
+    } else if (c == 0xA0) {
+      out_ += "&nbsp;";
+      spaceCollapses_ = false;
+    } else if (c == u'\t') {
+      out_ += "<span style=\"white-space:pre\">&#9;</span>";
+      spaceCollapses_ = false;
+    } else if (c == kObjectReplacement && attributes.image && attributes.image->bytes) {
+      out_ += fmt::format("<img src=\"data:{};base64,{}\">", escaped(attributes.image->mediaType),
+                          toBase64(*attributes.image->bytes));
+      spaceCollapses_ = false;
+    }
+  }
+
+  std::u16string_view text_;
+  std::string out_{kHead};
+  Tags tags_;                   // of the run being written
+  bool spaceCollapses_ = true;  // an ordinary space written here would not be seen
+};
+
+}  // namespace
+
+std::string toHtml(const AttributedString& text) {
+  Writer writer(text.string());
+  text.forEachRun([&](const AttributedString::Run& run) { writer.writeRun(run); });
+  return writer.finish();
+}
+
+}  // namespace quorlo
