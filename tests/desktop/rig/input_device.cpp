@@ -72,12 +72,14 @@ void InputDevice::button(int number, bool press) {
   send(&event, sizeof event);
 }
 
-void InputDevice::moveTo(int x, int y) {
+void InputDevice::moveTo(double x, double y) {
+  constexpr double kAxisRange = 0xFFFF;  // the driver's absolute axes, whatever the size of the screen
+
   auto event = blank<xf86ITEventMotion>(XF86IT_EVENT_MOTION);
   event.is_absolute = 1;
   event.valuators.mask[0] = 0b11;
-  event.valuators.valuators[0] = x;
-  event.valuators.valuators[1] = y;
+  event.valuators.valuators[0] = x * kAxisRange;
+  event.valuators.valuators[1] = y * kAxisRange;
   send(&event, sizeof event);
 }
 

@@ -19,7 +19,8 @@ class InputDevice {
 
   void key(uint8_t keycode, bool press);
   void button(int number, bool press);
-  void moveTo(int x, int y);
+  // To a part of the screen: 0 is its left (top) edge, 1 its right (bottom) one.
+  void moveTo(double x, double y);
 
  private:
   void send(const void* event, size_t size);

@@ -91,7 +91,8 @@ VirtualDesktop::VirtualDesktop() : server_(directory_.path()) {
   keyboard_ = std::make_unique<VirtualKeyboard>(directory_ / XorgServer::kKeyboardSocket, layoutNow);
   secondKeyboard_ =
       std::make_unique<VirtualKeyboard>(directory_ / XorgServer::kSecondKeyboardSocket, layoutNow);
-  pointer_ = std::make_unique<VirtualPointer>(directory_ / XorgServer::kPointerSocket);
+  pointer_ = std::make_unique<VirtualPointer>(directory_ / XorgServer::kPointerSocket, XorgServer::kWidth,
+                                              XorgServer::kHeight);
   if (!waitUntil([&] { return windows_->managerRuns() && std::filesystem::exists(busSocket); })) {
     throw std::runtime_error("The window manager or the session bus did not start:\n" +
                              readFile(directory_ / "programs.log"));

@@ -115,8 +115,12 @@ void VirtualKeyboard::releaseAll() {
   while (!down_.empty()) release(*down_.begin());
 }
 
+void VirtualPointer::moveTo(int x, int y) {
+  device_.moveTo((x + 0.5) / screenWidth_, (y + 0.5) / screenHeight_);
+}
+
 void VirtualPointer::click(int x, int y, int button) {
-  device_.moveTo(x, y);
+  moveTo(x, y);
   device_.button(button, true);
   device_.button(button, false);
 }

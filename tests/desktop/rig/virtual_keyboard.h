@@ -43,13 +43,17 @@ class VirtualKeyboard {
 // The pointer of the virtual desktop.
 class VirtualPointer {
  public:
-  explicit VirtualPointer(const std::filesystem::path& socket) : device_(socket) {}
+  VirtualPointer(const std::filesystem::path& socket, int screenWidth, int screenHeight)
+      : device_(socket), screenWidth_(screenWidth), screenHeight_(screenHeight) {}
 
-  void moveTo(int x, int y) { device_.moveTo(x, y); }
+  // In pixels of the screen.
+  void moveTo(int x, int y);
   void click(int x, int y, int button = 1);
 
  private:
   InputDevice device_;
+  int screenWidth_;
+  int screenHeight_;
 };
 
 }  // namespace quorlo

@@ -1,0 +1,63 @@
+// test-rich-editor DIRECTORY [--chat]
+//
+// A rich-text editor that writes what it holds to DIRECTORY/plain.txt and rich.html after every change. With
+// --chat, Return sends: the text is appended as a line to DIRECTORY/sent.txt and the field emptied.
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QKeyEvent>
+#include <QSaveFile>
+#include <QTextEdit>
+
+namespace {
+
+class Editor : public QTextEdit {
+ public:
+  Editor(const QString& directory, bool chat) : directory_(directory), chat_(chat) {
+    setWindowTitle("Rich editor");
+    setFontPointSize(20);
+    connect(this, &QTextEdit::textChanged, this, [this] { write(); });
+    write();
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (chat_ && event->key() == Qt::Key_Return) return send();
+    QTextEdit::keyPressEvent(event);
+  }
+
+ private:
+  void write() {
+    replace("rich.html", toHtml().toUtf8());
+    replace("plain.txt", toPlainText().toUtf8());  // last: who sees it finds the other as new
+  }
+
+  void replace(const QString& name, const QByteArray& content) {
+    QSaveFile file(directory_.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0 || !file.commit()) {
+      qFatal("Cannot write %s", qPrintable(file.fileName()));
+    }
+  }
+
+  void send() {
+    QFile sent(directory_.filePath("sent.txt"));
+    if (!sent.open(QIODevice::Append) || sent.write(toPlainText().toUtf8() + "\n") < 0) qFatal("Cannot send");
+    sent.close();
+    clear();
+  }
+
+  QDir directory_;
+  bool chat_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  const QStringList words = QCoreApplication::arguments();
+  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat]");
+  Editor editor(words[1], words.contains("--chat"));
+  editor.resize(600, 300);
+  editor.show();
+  return QApplication::exec();
+}
