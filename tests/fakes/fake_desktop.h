@@ -1,0 +1,136 @@
+#pragma once
+
+#include "fakes/fake_main_queue.h"
+#include "fakes/fake_pasteboard.h"
+#include "platform/accessibility_trust.h"
+#include "platform/event_poster.h"
+#include "platform/event_tap.h"
+#include "platform/keyboard_layout.h"
+#include "platform/mouse_monitor.h"
+#include "platform/typed_keys_hold.h"
+#include "platform/workspace.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+
+// An application with one text field that obeys keys and paste.
+struct FakeApplication {
+  std::shared_ptr<RunningApplication> record;
+  std::u16string text;
+  std::size_t caret = 0;
+  std::vector<PasteboardContents> pasted;
+
+  void receive(KeyCode code, ModifierFlags flags, std::u16string_view characters,
+               const FakePasteboard& pasteboard);
+};
+
+// Everything around the program: applications with text fields, a keyboard that somebody types on, a
+// mouse, a pasteboard and a clock. It stands behind the ports that deal with keys and applications.
+// Keystrokes in, text out.
+class FakeDesktop : public EventTap,
+                    public EventPoster,
+                    public TypedKeysHold,
+                    public MouseMonitor,
+                    public KeyboardLayout,
+                    public AccessibilityTrust,
+                    public Workspace {
+ public:
+  FakeMainQueue queue;
+  FakePasteboard pasteboard{queue};
+
+  FakeDesktop() { launch("org.example.Editor"); }
+
+  // The user's side.
+
+  FakeApplication& launch(std::optional<std::string> bundleIdentifier);
+  // Makes the application the active one; null for none.
+  void activate(FakeApplication* application);
+  FakeApplication& front() { return *active_; }
+  const std::u16string& text() { return front().text; }
+
+  // Types each character; "\b" is Backspace, "\n" and "\r" Return, "\t" Tab, "\x1b" Escape.
+  void type(std::u16string_view characters);
+  void press(KeyCode code, ModifierFlags flags = 0, std::u16string characters = {});
+  void clickMouse();
+  // Types and lets time pass until everything that follows is done.
+  void typeAndWait(std::u16string_view characters) {
+    type(characters);
+    queue.settle();
+  }
+
+  // The machine's side.
+
+  void grantTrust(bool trusted) { trusted_ = trusted; }
+  void refuseTaps(bool refuse) { refusesTaps_ = refuse; }
+  void timeOutTap();
+  bool hasTap() const { return port_ != nullptr; }
+  bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
+  bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }
+  bool holdsKeys() const { return holds_ > 0; }
+  void setLayoutKeys(std::optional<KeyCode> v) { vKeyCode_ = v; }
+
+  struct Post {
+    KeyCode code;
+    ModifierFlags flags;
+    PostLocation location;
+    int count;
+    bool operator==(const Post&) const = default;
+  };
+  std::vector<Post> posts;
+  std::vector<std::string> openedUrls;
+
+  // Ports.
+
+  std::unique_ptr<Port> create(Callback callback, void* userInfo) override;
+  void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
+  Subscription begin() override;
+  Subscription observeLeftMouseDown(std::function<void()> handler) override;
+  std::optional<KeyCode> keyCodeForCharacter(char16_t character) const override;
+  std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
+  bool isProcessTrusted() const override { return trusted_; }
+  const RunningApplications& runningApplications() const override { return running_; }
+  const std::string& ownBundleIdentifier() const override { return own_; }
+  bool openURL(std::string_view url) override {
+    openedUrls.emplace_back(url);
+    return true;
+  }
+
+ private:
+  struct TapPort : Port {
+    TapPort(FakeDesktop& d, Callback c, void* info) : desktop(d), callback(c), userInfo(info) {
+      desktop.port_ = this;
+    }
+    ~TapPort() override { desktop.port_ = nullptr; }
+    void enable() override { enabled = true; }
+    bool isEnabled() const override { return enabled; }
+
+    FakeDesktop& desktop;
+    Callback callback;
+    void* userInfo;
+    bool enabled = true;
+  };
+
+  void deliver(const KeyDownEvent& event);
+  void endHold();
+
+  std::vector<std::unique_ptr<FakeApplication>> applications_;
+  FakeApplication* active_ = nullptr;
+  RunningApplications running_;
+  TapPort* port_ = nullptr;
+  std::function<void()> mouseHandler_;
+  std::deque<KeyDownEvent> held_;
+  int holds_ = 0;
+  bool trusted_ = true;
+  bool refusesTaps_ = false;
+  std::optional<KeyCode> vKeyCode_ = key::kV;
+  std::string own_ = "org.quorlo.Quorlo";
+};
+
+}  // namespace quorlo
