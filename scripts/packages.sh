@@ -3,7 +3,7 @@ build_packages=(
   g++ cmake ninja-build ccache pkg-config git
   libicu-dev libxcb1-dev libxcb-xtest0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xfixes0-dev
   libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
-  libxkbcommon-dev libxkbcommon-x11-dev
+  libxkbcommon-dev libxkbcommon-x11-dev uuid-dev
   qt6-base-dev nlohmann-json3-dev libfmt-dev libcli11-dev libsndfile1-dev libpulse-dev
   libgtest-dev libgmock-dev libbenchmark-dev jq
 )

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "base/date.h"
+#include "base/life_token.h"
+#include "base/observers.h"
+#include "base/result.h"
+#include "base/subscription.h"
+#include "store/change_log.h"
+#include "store/entity.h"
+#include "store/expansion_index.h"
+#include "store/expansion_lookup.h"
+#include "store/fetch_request.h"
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorlo {
+
+class MainQueue;
+class ManagedObject;
+class QLSnippet;
+
+// The records of the library in memory, each of them once, with what has changed since the last save.
+// Fetches see unsaved changes. Main thread.
+//
+// Changes are told once per turn of the main queue: the first change of a turn puts
+// processPendingChanges into the queue.
+class ManagedObjectContext final : public ExpansionLookup {
+ public:
+  // Records get their uuid and creation date on insertion in the main context.
+  enum class Kind { main, background };
+
+  struct Configuration {
+    Kind kind = Kind::main;
+    std::string name = {};
+    std::string transactionAuthor = {};
+
+    std::function<Date()> now;  // the wall clock
+
+    // Makes a save permanent, whole or not at all; without one a save only accepts the changes.
+    std::function<Status(const ChangeSet&)> commit = nullptr;
+
+    // Called by every snippet and folder, on insertion and on fetch, so that whoever saves can begin to
+    // observe the context.
+    std::function<void(ManagedObjectContext&)> registerObserver = nullptr;
+
+    // The macro strings in a snippet's text, in the order of the text.
+    std::function<std::vector<std::u16string>(std::u16string_view)> findMacroStrings = nullptr;
+  };
+
+  ManagedObjectContext(MainQueue& mainQueue, Configuration configuration);
+  ManagedObjectContext(const ManagedObjectContext&) = delete;
+  ManagedObjectContext& operator=(const ManagedObjectContext&) = delete;
+  ~ManagedObjectContext() override;
+
+  Kind kind() const { return configuration_.kind; }
+  const std::string& name() const { return configuration_.name; }
+  void setName(std::string name) { configuration_.name = std::move(name); }
+  const std::string& transactionAuthor() const { return configuration_.transactionAuthor; }
+  void setTransactionAuthor(std::string author) { configuration_.transactionAuthor = std::move(author); }
+  Date now() const { return configuration_.now(); }
+
+  // The record must never have been in a context. A uuid and a creation date that it has are kept.
+  void insert(const std::shared_ptr<ManagedObject>& record);
+  template <std::derived_from<ManagedObject> Record>
+  std::shared_ptr<Record> insert() {
+    auto record = std::make_shared<Record>();
+    insert(record);
+    return record;
+  }
+
+  // Clears the record's relationships on both sides. Does nothing for a record of no or another context.
+  void deleteObject(ManagedObject& record);
+
+  // An error when the request names a property that the records do not have.
+  template <std::derived_from<ManagedObject> Record>
+  Result<std::vector<std::shared_ptr<Record>>> fetch(const FetchRequest<Record>& request) const {
+    auto found = fetch(Record::kEntity, request.predicate, request.sortDescriptors, request.fetchLimit);
+    if (!found) return found.error();
+    std::vector<std::shared_ptr<Record>> records;
+    records.reserve(found.value().size());
+    for (auto& each : found.value()) records.push_back(std::static_pointer_cast<Record>(std::move(each)));
+    return records;
+  }
+
+  // How many records a fetch with the predicate would return.
+  Result<std::size_t> count(Entity entity, const Predicate& predicate) const;
+
+  // Null when it is gone.
+  std::shared_ptr<ManagedObject> object(ObjectID id) const;
+
+  Result<std::shared_ptr<QLSnippet>> liveSnippet(std::u16string_view abbreviation) const override;
+  Result<bool> hasApp(std::string_view bundleID, std::int64_t type) const override;
+
+  bool hasChanges() const { return !unsaved_.empty(); }
+
+  // Tells the pending changes, then commits everything. After a failure all changes are still there.
+  Status save();
+
+  // Tells the observers what has changed since they were last told; nothing when nothing has.
+  void processPendingChanges();
+  Subscription observeObjectsDidChange(std::function<void(const ChangeSet&)> callback);
+
+ private:
+  friend class ManagedObject;
+  friend class QLSnippet;
+  friend class QLCategory;
+  friend class QLApp;
+  // Ascending by object identifier; a deleted record leaves a null until the table is tidied.
+  struct Table {
+    std::vector<std::shared_ptr<ManagedObject>> records;
+    std::vector<std::uint64_t> numbers;
+    std::uint64_t lastNumber = 0;
+    std::size_t deletedCount = 0;
+  };
+
+  Result<std::vector<std::shared_ptr<ManagedObject>>> fetch(Entity entity,
+                                                            const std::optional<Predicate>& predicate,
+                                                            const std::vector<SortDescriptor>& order,
+                                                            std::size_t limit) const;
+  Table& table(Entity entity) { return tables_[static_cast<std::size_t>(entity)]; }
+  const Table& table(Entity entity) const { return tables_[static_cast<std::size_t>(entity)]; }
+
+  void recordDidChange(ManagedObject& record, const Property& property);
+  void scheduleProcessing();
+  void registerObserver();
+  void followUpInsertionOf(QLSnippet& snippet);
+
+  MainQueue& mainQueue_;
+  Configuration configuration_;
+  std::array<Table, kEntityCount> tables_;
+  ExpansionIndex index_;
+  ChangeLog pending_;  // since the last notification
+  ChangeLog unsaved_;  // since the last save
+  bool processingIsScheduled_ = false;
+  std::vector<std::weak_ptr<QLSnippet>> followUps_;  // of this turn
+  Observers<const ChangeSet&> didChange_;
+  LifeToken life_;
+};
+
+}  // namespace quorlo
