@@ -23,6 +23,7 @@ std::u16string delimiter(ULocaleData* data, ULocaleDataDelimiterType type) {
 
 QuotationMarks quotationMarks(const std::string& localeName) {
   const auto withoutCharset = localeName.substr(0, localeName.find('.'));
+  if (withoutCharset.empty()) return {};
   char canonical[ULOC_FULLNAME_CAPACITY];
   UErrorCode status = U_ZERO_ERROR;
   uloc_canonicalize(withoutCharset.c_str(), canonical, sizeof canonical, &status);

@@ -32,19 +32,19 @@ struct ImageAttachment {
 // The look of a run of characters. What is absent is left to the place where the text lands, so that
 // text without attributes is plain text. Strings are UTF-8.
 struct TextAttributes {
-  std::optional<std::string> fontFamily;
-  std::optional<double> fontSizePoints;  // finite, above 0
+  std::optional<std::string> fontFamily = {};
+  std::optional<double> fontSizePoints = {};  // finite, above 0
   bool bold = false;
   bool italic = false;
   bool underline = false;
   bool strikethrough = false;
-  std::optional<Color> foreground;
-  std::optional<Color> background;
-  std::optional<std::string> link;  // a URL
-  std::optional<ImageAttachment> image;
+  std::optional<Color> foreground = {};
+  std::optional<Color> background = {};
+  std::optional<std::string> link = {};  // a URL
+  std::optional<ImageAttachment> image = {};
 
   // Marks that travel with a run and have no look of their own, by name.
-  std::map<std::string, std::string> custom;
+  std::map<std::string, std::string> custom = {};
 
   bool isPlain() const { return *this == TextAttributes{}; }
   bool operator==(const TextAttributes&) const = default;

@@ -1,0 +1,118 @@
+#include "base/life_token.h"
+#include "base/log.h"
+#include "base/observers.h"
+#include "base/result.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+TEST(Result, HoldsAValueOrWhatWentWrong) {
+  Result<std::unique_ptr<int>> value = std::make_unique<int>(7);
+  ASSERT_TRUE(value.ok());
+  EXPECT_EQ(*std::move(value).value(), 7);
+
+  // A string is a value even where the error is text too.
+  const Result<std::string> text = std::string("fine");
+  const Result<std::string> failed = Error{"broken"};
+  EXPECT_EQ(text.value(), "fine");
+  ASSERT_FALSE(failed);
+  EXPECT_EQ(failed.error().message, "broken");
+
+  EXPECT_TRUE(Status().ok());
+  EXPECT_EQ(Status(Error{"full"}).error().message, "full");
+}
+
+TEST(Subscription, EndsOnceWhicheverWayItGoes) {
+  int ends = 0;
+  {
+    Subscription first([&] { ++ends; });
+    Subscription second = std::move(first);
+    second.reset();
+    second.reset();
+    EXPECT_EQ(ends, 1);
+    second = Subscription([&] { ends += 10; });
+    second = Subscription([&] { ends += 100; });
+    EXPECT_EQ(ends, 11);
+  }
+  EXPECT_EQ(ends, 111);
+}
+
+TEST(Observers, HearInOrderAndMayComeAndGoDuringANotification) {
+  Observers<int> observers;
+  std::vector<std::string> heard;
+  std::optional<Subscription> second;
+  Subscription late;
+  const auto first = observers.add([&](int value) {
+    heard.push_back("first " + std::to_string(value));
+    if (value == 1) {
+      second.reset();
+      late = observers.add([&](int later) { heard.push_back("late " + std::to_string(later)); });
+    }
+  });
+  second = observers.add([&](int) { heard.push_back("second"); });
+  Subscription own;
+  own = observers.add([&](int value) {
+    heard.push_back("own " + std::to_string(value));
+    own.reset();
+  });
+
+  observers.notify(0);
+  observers.notify(1);
+  observers.notify(2);
+  EXPECT_EQ(heard, (std::vector<std::string>{"first 0", "second", "own 0", "first 1", "first 2", "late 2"}));
+}
+
+TEST(Observers, MayBeDestroyedByTheirOwnCallback) {
+  auto observers = std::make_unique<Observers<>>();
+  int calls = 0;
+  const auto first = observers->add([&] {
+    ++calls;
+    observers.reset();
+  });
+  const auto second = observers->add([&] { ++calls; });
+  observers->notify();
+  EXPECT_EQ(calls, 2);
+}
+
+TEST(LifeToken, GuardsTasksThatOutliveTheirObject) {
+  int runs = 0;
+  auto token = std::make_unique<LifeToken>();
+  auto task = token->guard([&] { ++runs; });
+  task();
+  token.reset();
+  task();
+  EXPECT_EQ(runs, 1);
+}
+
+TEST(Log, GoesToTheSinkSetLastAndBackToTheOneBefore) {
+  std::vector<std::string> outer;
+  std::vector<std::string> inner;
+  const auto sinkInto = [](std::vector<std::string>& lines) {
+    return [&lines](LogLevel level, std::string_view line) {
+      lines.push_back(std::to_string(static_cast<int>(level)) + " " + std::string(line));
+    };
+  };
+  const auto outerSubscription = redirectLog(sinkInto(outer));
+  {
+    const auto innerSubscription = redirectLog(sinkInto(inner));
+    logError("ERROR: #1");
+    logDebug("unheard");
+    setDebugLogging(true);
+    logDebug("heard");
+    setDebugLogging(false);
+  }
+  logWarning("WARNING: #2");
+  logInfo("Ready.");
+  EXPECT_EQ(inner, (std::vector<std::string>{"0 ERROR: #1", "3 heard"}));
+  EXPECT_EQ(outer, (std::vector<std::string>{"1 WARNING: #2", "2 Ready."}));
+}
+
+}  // namespace
+}  // namespace quorlo

@@ -1,0 +1,172 @@
+#include "text/attributed_string.h"
+
+#include "text/random_text.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+TextAttributes bold() {
+  return {.bold = true};
+}
+TextAttributes italic() {
+  return {.italic = true};
+}
+
+std::vector<std::pair<std::u16string, TextAttributes>> runsOf(const AttributedString& text) {
+  std::vector<std::pair<std::u16string, TextAttributes>> runs;
+  text.forEachRun([&](const AttributedString::Run& run) {
+    runs.emplace_back(text.string().substr(run.range.location, run.range.length), run.attributes);
+  });
+  return runs;
+}
+
+// The plainest thing that keeps the same promises: one set of attributes for each code unit.
+struct Model {
+  std::vector<std::pair<char16_t, TextAttributes>> units;
+
+  explicit Model(const AttributedString& text = {}) {
+    for (std::size_t i = 0; i < text.size(); ++i) units.emplace_back(text.string()[i], text.attributesAt(i));
+  }
+  auto at(std::size_t position) { return units.begin() + static_cast<std::ptrdiff_t>(position); }
+  void replace(TextRange range, const Model& other) {
+    units.erase(at(range.location), at(range.end()));
+    units.insert(at(range.location), other.units.begin(), other.units.end());
+  }
+};
+
+void expectSame(const AttributedString& text, const Model& model) {
+  ASSERT_EQ(text.size(), model.units.size());
+  bool plain = true;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    ASSERT_EQ(text.string()[i], model.units[i].first);
+    ASSERT_EQ(text.attributesAt(i), model.units[i].second);
+    plain = plain && model.units[i].second.isPlain();
+  }
+  ASSERT_EQ(text.isPlain(), plain);
+  std::size_t end = 0;
+  for (std::size_t i = 0; i < text.runCount(); ++i) {
+    const auto run = text.runAt(i);
+    ASSERT_EQ(run.range.location, end);
+    ASSERT_GT(run.range.length, 0u);
+    ASSERT_EQ(run.attributes, text.attributesAt(end));
+    ASSERT_TRUE(i == 0 || run.attributes != text.attributesAt(end - 1));
+    end = run.range.end();
+  }
+  ASSERT_EQ(end, text.size());
+}
+
+TEST(AttributedString, BehavesAsTextWithAttributesOnEachUnitWhateverIsDoneToIt) {
+  Random random(3);
+  for (int round = 0; round < 200; ++round) {
+    AttributedString text;
+    Model model;
+    for (int step = 0; step < 20; ++step) {
+      const auto other = randomAttributedString(random);
+      const auto attributes = pick(random, 2) == 0 ? TextAttributes() : randomAttributes(random);
+      const auto location = pick(random, text.size() + 1);
+      const TextRange range{location, pick(random, text.size() - location + 1)};
+      const TextRange part = TextRange{pick(random, 4), pick(random, 9)}.clampedTo(other.size());
+      switch (pick(random, 6)) {
+        case 0:
+          text.append(other, part);
+          model.replace({model.units.size(), 0}, Model(other.slice(part)));
+          break;
+        case 1:
+          text.replace(range, other);
+          model.replace(range, Model(other));
+          break;
+        case 2:
+          text.insert(location, other);
+          model.replace({location, 0}, Model(other));
+          break;
+        case 3:
+          text.setAttributes(range, attributes);
+          for (auto i = range.location; i < range.end(); ++i) model.units[i].second = attributes;
+          break;
+        case 4:
+          text.append(u"xyz", attributes);
+          model.replace({model.units.size(), 0}, Model(AttributedString(u"xyz", attributes)));
+          break;
+        default:
+          text.append(text, range);
+          model.replace({model.units.size(), 0},
+                        Model(text.slice({text.size() - range.length, range.length})));
+          break;
+      }
+      ASSERT_NO_FATAL_FAILURE(expectSame(text, model));
+      ASSERT_NO_FATAL_FAILURE(expectSame(text.slice(range), Model(text.slice(range))));
+    }
+  }
+}
+
+TEST(AttributedString, ReplacesManyPlacesAsItDoesOneByOneFromTheEnd) {
+  Random random(4);
+  for (int round = 0; round < 300; ++round) {
+    auto text = randomAttributedString(random);
+    std::vector<AttributedString::Replacement> replacements;
+    for (std::size_t at = pick(random, 3); at < text.size(); at += 1 + pick(random, 3)) {
+      const TextRange range{at, pick(random, 3)};
+      replacements.push_back({range, randomAttributedString(random)});
+      at = range.end();
+    }
+    auto expected = text;
+    for (auto it = replacements.rbegin(); it != replacements.rend(); ++it)
+      expected.replace(it->range, it->text);
+    text.replaceAll(replacements);
+    ASSERT_EQ(text, expected);
+  }
+}
+
+TEST(AttributedString, GivesReplacedTextTheLookOfItsPlace) {
+  TextAttributes picture = bold();
+  picture.image = ImageAttachment{nullptr, "image/png"};
+  AttributedString text(u"ab", bold());
+  text.append(u"cd", italic());
+  text.append(u"\uFFFC", picture);
+  const struct {
+    TextRange range;
+    TextAttributes expected;
+  } cases[] = {{{1, 3}, bold()}, {{2, 2}, italic()}, {{2, 0}, bold()}, {{0, 0}, bold()},
+               {{4, 1}, bold()}, {{5, 0}, bold()},   {{9, 9}, bold()}};
+  for (const auto& [range, expected] : cases) {
+    auto changed = text;
+    changed.replace(range, u"new");
+    const auto position = range.clampedTo(text.size()).location;
+    EXPECT_EQ(changed.string().substr(position, 3), u"new");
+    EXPECT_EQ(changed.attributesAt(position), expected) << range.location << " " << range.length;
+  }
+}
+
+TEST(AttributedString, MergesEqualNeighboursAndForgetsRunsThatAreGone) {
+  AttributedString text(u"one ");
+  text.append(u"two", bold());
+  text.append(u" three", bold());
+  EXPECT_EQ(runsOf(text),
+            (std::vector<std::pair<std::u16string, TextAttributes>>{{u"one ", {}}, {u"two three", bold()}}));
+  auto wholly = text;
+  wholly.setAttributes({0, 4}, bold());
+  EXPECT_EQ(wholly, AttributedString(u"one two three", bold()));
+  EXPECT_NE(wholly, text);
+  text.replace({4, 99}, AttributedString(u"plain"));
+  EXPECT_TRUE(text.isPlain());
+  EXPECT_EQ(text, AttributedString(u"one plain"));
+}
+
+TEST(AttributedString, ComparesPicturesByTheirBytes) {
+  const auto picture = [](std::vector<std::uint8_t> bytes) {
+    TextAttributes attributes;
+    attributes.image =
+        ImageAttachment{std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes)), "image/png"};
+    return AttributedString(u"\uFFFC", attributes);
+  };
+  EXPECT_EQ(picture({1, 2}), picture({1, 2}));
+  EXPECT_NE(picture({1, 2}), picture({1, 3}));
+}
+
+}  // namespace
+}  // namespace quorlo

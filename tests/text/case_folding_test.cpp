@@ -1,0 +1,69 @@
+#include "text/case_folding.h"
+
+#include "text/random_text.h"
+#include "text/utf.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+TEST(CaseFolding, FindsANeedleInAnyCaseButNotWithoutItsAccents) {
+  const struct {
+    std::u16string haystack;
+    std::u16string needle;
+    bool found;
+  } cases[] = {
+      {u"Kind Regards", u"regards", true},
+      {u"kind regards", u"REGARD", true},
+      {u"kind regards", u"regards!", false},
+      {u"STRASSE", u"straße", true},
+      {u"Weißbier", u"SSB", true},
+      {u"ΟΔΥΣΣΕΥΣ", u"οδυσσευς", true},  // both small sigmas
+      {u"café", u"CAFÉ", true},
+      {u"café", u"cafe", false},
+      {u"cafe\u0301", u"CAFÉ", true},  // é in two code points
+      {u"café", u"E\u0301", true},
+      {u"ﬁn", u"FIN", true},        // a ligature
+      {u"TITLE", u"tıtle", false},  // no Turkish rules
+      {u"İ", u"i\u0307", true},
+      {u"\U00010400x", u"\U00010428X", true},  // Deseret, outside the BMP
+      {u"a[b", u"A{B", false},                 // neighbours of the letters in ASCII
+      {u"text", u"", false},
+      {u"", u"", false},
+      {u"", u"a", false},
+  };
+  for (const auto& [haystack, needle, found] : cases) {
+    EXPECT_EQ(containsFolded(haystack, needle), found) << toUtf8(haystack) << " / " << toUtf8(needle);
+    EXPECT_EQ(FoldedNeedle(needle).isInFolded(foldCase(haystack)), found) << toUtf8(haystack);
+  }
+}
+
+TEST(CaseFolding, FindsANeedleAtEveryPlaceOfATextOfEveryLength) {
+  for (const std::u16string needle : {u"x", u"Xy", u"x-Y"}) {
+    for (std::size_t length = needle.size(); length < 100; ++length) {
+      for (std::size_t at = 0; at + needle.size() <= length; ++at) {
+        std::u16string haystack(length, u'X');
+        if (needle.size() == 1) haystack.assign(length, u'y');
+        EXPECT_FALSE(containsFolded(haystack, needle));
+        haystack.replace(at, needle.size(), needle);
+        ASSERT_TRUE(containsFolded(haystack, needle)) << toUtf8(haystack);
+        // Beside a letter outside ASCII at either end.
+        ASSERT_TRUE(containsFolded(u"Ä" + haystack + u"ß", needle)) << toUtf8(haystack);
+      }
+    }
+  }
+}
+
+TEST(CaseFolding, IsStableAndIndependentOfHowATextIsCut) {
+  Random random(2);
+  for (int round = 0; round < 2000; ++round) {
+    const auto text = randomText(random, 30);
+    const auto folded = foldCase(text);
+    EXPECT_EQ(foldCase(folded), folded) << toUtf8(text);
+    EXPECT_EQ(containsFolded(u"Q" + text + u"Q", text), !text.empty()) << toUtf8(text);
+  }
+}
+
+}  // namespace
+}  // namespace quorlo

@@ -1,0 +1,85 @@
+#include "text/utf.h"
+#include "text/base64.h"
+#include "text/locale_quotes.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(Utf, ReplacesEachIllFormedSequenceAndNamesTheFirst) {
+  const struct {
+    std::string utf8;
+    std::u16string utf16;
+    std::size_t illFormedAt;  // npos: none
+  } cases[] = {
+      {"", u"", std::string::npos},
+      {"aé€🙂\0z"s, u"aé€🙂\0z"s, std::string::npos},
+      {"\xEF\xBF\xBF\xF4\x8F\xBF\xBF", u"\uFFFF\U0010FFFF", std::string::npos},
+      {"ab\xFFz", u"ab\uFFFDz", 2},
+      {"é\x80", u"é\uFFFD", 2},
+      {"\xC0\xAF", u"\uFFFD\uFFFD", 0},                      // overlong "/"
+      {"a\xED\xA0\x80", u"a\uFFFD\uFFFD\uFFFD", 1},          // a surrogate
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD", 0},  // above U+10FFFF
+      {"🙂\xF0\x9F\x99", u"🙂\uFFFD", 4},                // cut off
+      {"\xE2\x82z\xE2", u"\uFFFDz\uFFFD", 0},
+  };
+  for (const auto& [utf8, utf16, illFormedAt] : cases) {
+    EXPECT_EQ(toUtf16(utf8), utf16) << utf8;
+    const auto strict = toUtf16Strict(utf8);
+    EXPECT_EQ(strict.ok(), illFormedAt == std::string::npos) << utf8;
+    if (strict) {
+      EXPECT_EQ(toUtf8(strict.value()), utf8);
+    } else {
+      EXPECT_NE(strict.error().message.find("byte " + std::to_string(illFormedAt) + "."), std::string::npos)
+          << strict.error().message;
+    }
+  }
+}
+
+TEST(Utf, WritesLoneSurrogatesAsTheReplacementCharacter) {
+  EXPECT_EQ(toUtf8(u"a\xD83Dz\xDE42"), "a\uFFFDz\uFFFD");
+  EXPECT_EQ(toUtf8(u"\xDE42\xD83D\xDE42\xD83D"), "\uFFFD🙂\uFFFD");
+  EXPECT_TRUE(isWellFormed(u"a🙂"));
+  EXPECT_FALSE(isWellFormed(u"a\xDE42\xD83D"));
+}
+
+TEST(Base64, WritesAndReadsTheVectorsOfTheStandard) {
+  const std::pair<std::string, std::string> vectors[] = {{"", ""},
+                                                         {"f", "Zg=="},
+                                                         {"fo", "Zm8="},
+                                                         {"foo", "Zm9v"},
+                                                         {"foob", "Zm9vYg=="},
+                                                         {"fooba", "Zm9vYmE="},
+                                                         {"foobar", "Zm9vYmFy"},
+                                                         {"\xFB\xEF\xFF", "++//"}};
+  for (const auto& [plain, encoded] : vectors) {
+    const std::vector<std::uint8_t> bytes(plain.begin(), plain.end());
+    EXPECT_EQ(toBase64(bytes), encoded);
+    const auto decoded = fromBase64(encoded);
+    ASSERT_TRUE(decoded.ok()) << encoded;
+    EXPECT_EQ(decoded.value(), bytes);
+  }
+  for (const auto* bad :
+       {"Z", "Zg=", "Zg", "=", "====", "Z===", "Zh==", "Zm9=", "Zg==Zg==", "Zm9\n", "Zm-_"}) {
+    EXPECT_FALSE(fromBase64(bad).ok()) << bad;
+  }
+}
+
+TEST(QuotationMarks, AreThoseOfTheLocaleOrPlainOnes) {
+  EXPECT_EQ(quotationMarks("en_US"), (QuotationMarks{u"“", u"”"}));
+  for (const auto* german : {"de", "de_DE", "de-DE", "de_DE.UTF-8"}) {
+    EXPECT_EQ(quotationMarks(german), (QuotationMarks{u"„", u"“"})) << german;
+  }
+  EXPECT_EQ(quotationMarks("fr_FR.UTF-8"), (QuotationMarks{u"«", u"»"}));
+  EXPECT_EQ(quotationMarks("ja"), (QuotationMarks{u"「", u"」"}));
+  for (const std::string unknown : {"xx_XX", "tlh", "no such locale", "../../etc"}) {
+    EXPECT_EQ(quotationMarks(unknown), QuotationMarks()) << unknown;
+  }
+  EXPECT_EQ(quotationMarks(std::string(500, 'x')), QuotationMarks());
+}
+
+}  // namespace
+}  // namespace quorlo
