@@ -1,6 +1,6 @@
 # The Debian 12 packages that the project needs, by purpose. Sourced by the scripts beside it.
 build_packages=(
-  g++ cmake ninja-build ccache pkg-config git
+  g++ cmake ninja-build ccache pkg-config git gettext
   libicu-dev libxcb1-dev libxcb-xtest0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xfixes0-dev
   libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
   libxkbcommon-dev libxkbcommon-x11-dev uuid-dev
