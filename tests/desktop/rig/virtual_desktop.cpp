@@ -42,7 +42,8 @@ constexpr const char* kOpenboxConfiguration = R"(<?xml version="1.0" encoding="U
 
 }  // namespace
 
-VirtualDesktop::VirtualDesktop() : server_(directory_.path()) {
+VirtualDesktop::VirtualDesktop(const std::vector<std::string>& serverArguments)
+    : server_(directory_.path(), serverArguments) {
   const auto run = directory_ / "run";
   for (const auto& path : {home(), configHome(), dataHome(), home() / ".cache", run}) {
     std::filesystem::create_directories(path);

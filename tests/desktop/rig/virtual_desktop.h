@@ -23,7 +23,8 @@ class VirtualDesktop {
  public:
   // Returns when a program can be started on it; the keyboards have the layout "us". Throws
   // std::runtime_error that says which part did not start and the end of its log.
-  VirtualDesktop();
+  // More arguments go to the X server, for one with a fault: {"-extension", "XTEST"} leaves an extension out.
+  explicit VirtualDesktop(const std::vector<std::string>& serverArguments = {});
   ~VirtualDesktop();
   VirtualDesktop(const VirtualDesktop&) = delete;
   VirtualDesktop& operator=(const VirtualDesktop&) = delete;

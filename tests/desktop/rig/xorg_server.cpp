@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace quorlo {
 
@@ -72,12 +73,18 @@ std::string xorgProgram() {
   return access(kDirect, X_OK) == 0 ? kDirect : "Xorg";
 }
 
-Command serverCommand(const std::filesystem::path& directory, int (&displayPipe)[2]) {
+Command serverCommand(const std::filesystem::path& directory, const std::vector<std::string>& moreArguments,
+                      int (&displayPipe)[2]) {
   if (pipe2(displayPipe, O_CLOEXEC) != 0) throw std::runtime_error("Cannot create a pipe");
   writeFile(directory / "xorg.conf", configuration(directory));
-  return {.words = {xorgProgram(), "-noreset", "-novtswitch", "-sharevts", "-nolisten", "tcp", "-config",
-                    directory / "xorg.conf", "-logfile", directory / "xorg.log", "-displayfd",
-                    std::to_string(displayPipe[1])},
+  std::vector<std::string> words{xorgProgram(), "-noreset",
+                                 "-novtswitch", "-sharevts",
+                                 "-nolisten",   "tcp",
+                                 "-config",     directory / "xorg.conf",
+                                 "-logfile",    directory / "xorg.log",
+                                 "-displayfd",  std::to_string(displayPipe[1])};
+  words.insert(words.end(), moreArguments.begin(), moreArguments.end());
+  return {.words = std::move(words),
           .variables = {},
           .output = directory / "xorg.out",
           .inheritedFd = displayPipe[1],
@@ -90,8 +97,8 @@ std::string tail(const std::string& text) {
 
 }  // namespace
 
-XorgServer::XorgServer(const std::filesystem::path& directory)
-    : process_(serverCommand(directory, displayPipe_)) {
+XorgServer::XorgServer(const std::filesystem::path& directory, const std::vector<std::string>& moreArguments)
+    : process_(serverCommand(directory, moreArguments, displayPipe_)) {
   close(displayPipe_[1]);
   fcntl(displayPipe_[0], F_SETFL, O_NONBLOCK);
   std::string number;  // the server writes "3\n" once it listens

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -13,7 +14,7 @@ namespace quorlo {
 class XorgServer {
  public:
   // Returns when clients can connect. Throws std::runtime_error with the end of the server's log.
-  explicit XorgServer(const std::filesystem::path& directory);
+  XorgServer(const std::filesystem::path& directory, const std::vector<std::string>& moreArguments);
 
   const std::string& display() const { return display_; }  // ":3"
   bool running() { return process_.running(); }

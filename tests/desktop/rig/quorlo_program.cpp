@@ -1,0 +1,48 @@
+#include "desktop/rig/quorlo_program.h"
+
+#include "desktop/rig/wait.h"
+
+#include <stdexcept>
+
+namespace quorlo {
+
+namespace {
+
+void writeSettings(const std::filesystem::path& file, const StoredSettings& settings) {
+  std::string text = "[General]\n";
+  for (const auto& [key, value] : settings) text += key + "=" + value + "\n";
+  std::filesystem::create_directories(file.parent_path());
+  writeFile(file, text);
+}
+
+std::filesystem::path freshLog(const VirtualDesktop& desktop) {
+  const auto path = desktop.directory() / "quorlo.log";
+  std::filesystem::remove(path);
+  return path;
+}
+
+ChildProcess startProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
+                          const StoredSettings& settings, const std::filesystem::path& log) {
+  StoredSettings standard{{"AutoPasteEnabled", "true"}, {"PlaySound", "false"}};
+  StoredSettings appGroup{{"AbbreviationsEnabled", "true"}};
+  for (const auto& [key, value] : settings) (appGroup.contains(key) ? appGroup : standard)[key] = value;
+  writeSettings(desktop.configHome() / "quorlo" / "quorlo.conf", standard);
+  writeSettings(desktop.configHome() / "quorlo" / "group.conf", appGroup);
+  const auto file = desktop.directory() / "library.json";
+  writeFile(file, library);
+  return desktop.start({program, "--library", file}, log);
+}
+
+}  // namespace
+
+QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
+                             const StoredSettings& settings)
+    : log_(freshLog(desktop)), process_(startProgram(desktop, program, library, settings, log_)) {
+  const auto watches = [this] { return log().find("Adding eventTap") != std::string::npos; };
+  waitUntil([&] { return watches() || !process_.running(); });
+  if (!watches() || !process_.running()) {
+    throw std::runtime_error("Quorlo does not watch the keyboard. It wrote:\n" + log());
+  }
+}
+
+}  // namespace quorlo

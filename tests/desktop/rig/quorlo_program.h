@@ -1,0 +1,32 @@
+#pragma once
+
+#include "desktop/rig/virtual_desktop.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace quorlo {
+
+// The value of a setting as the file holds it, by key: {"AbbreviationsTriggerType", "1"}.
+using StoredSettings = std::map<std::string, std::string>;
+
+// Quorlo itself, at work on a virtual desktop. Abbreviations and Auto-Paste are on unless the settings say
+// otherwise; the expansion sound is off.
+class QuorloProgram {
+ public:
+  // Writes the settings, starts the program with a library (the text of a JSON document) and returns once
+  // it watches the keyboard. Throws std::runtime_error with what the program wrote.
+  QuorloProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
+                const StoredSettings& settings = {});
+
+  ChildProcess& process() { return process_; }
+  // Everything written to standard output and standard error so far.
+  std::string log() const { return readFile(log_); }
+
+ private:
+  std::filesystem::path log_;
+  ChildProcess process_;
+};
+
+}  // namespace quorlo
