@@ -1,0 +1,59 @@
+#include "base/localized.h"
+#include "base/log.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kTranslations = QUORLO_TRANSLATIONS;
+constexpr std::u16string_view kPasteHint = u"Press ⌘V to insert snippet.";
+
+TEST(Localized, NamesThePlatformsChordInEveryLanguageEvenInTheCLocale) {
+  EXPECT_EQ(localized(kPasteHint), kPasteHint);
+  ASSERT_EQ(setenv("LC_ALL", "C", 1), 0);
+  for (const std::vector<std::string>& languages :
+       {std::vector<std::string>{}, {"en"}, {"en_GB", "de_DE"}, {"tlh_XX"}}) {
+    const auto translations = loadCatalogues(kTranslations, languages);
+    EXPECT_EQ(localized(kPasteHint), u"Press Ctrl+V to insert snippet.");
+    EXPECT_EQ(localized(u"No catalogue has this."), u"No catalogue has this.");
+  }
+  EXPECT_EQ(localized(kPasteHint), kPasteHint);
+}
+
+TEST(Localized, TakesTheFirstLanguageThatHasACatalogue) {
+  const auto translations = loadCatalogues(kTranslations, {"tlh_XX", "de_AT", "en_US"});
+  EXPECT_EQ(localized(kPasteHint), u"Drücke Strg+V, um das Snippet einzufügen.");
+}
+
+TEST(Localized, LeavesOutADamagedCatalogueWhereverItIsCut) {
+  std::ifstream whole(kTranslations / "en.mo", std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(whole), {});
+  ASSERT_GT(bytes.size(), 28U);
+  const auto directory = fs::path(testing::TempDir()) / "cut_catalogue";
+  fs::create_directories(directory);
+  std::vector<std::string> lines;
+  const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
+  // The last byte only ends the last text.
+  for (std::size_t length = 0; length + 1 < bytes.size(); ++length) {
+    std::ofstream(directory / "en.mo", std::ios::binary) << bytes.substr(0, length);
+    lines.clear();
+    const auto translations = loadCatalogues(directory, {"en"});
+    EXPECT_EQ(localized(kPasteHint), kPasteHint) << length;
+    ASSERT_EQ(lines.size(), 1U) << length;
+    EXPECT_NE(lines[0].find("en.mo"), std::string::npos);
+  }
+  fs::remove_all(directory);
+}
+
+}  // namespace
+}  // namespace quorlo
