@@ -56,9 +56,9 @@ void AttributedString::append(const AttributedString& other) {
 void AttributedString::append(const AttributedString& other, TextRange part) {
   part = part.clampedTo(other.size());
   if (part.length == 0) return;
-  if (&other == this) return append(slice(part));
   if (!other.isPlain()) {
     const auto offset = size();
+    // By index: `other` may be this string, whose runs grow behind the part.
     for (auto i = other.runIndexAt(part.location); i < other.runs_.size(); ++i) {
       const auto start = std::max(other.runs_[i].start, part.location);
       if (start >= part.end()) break;

@@ -8,9 +8,9 @@
 
 namespace quorlo {
 
-// Whether the bytes are one CBOR item (RFC 8949) of definite lengths, without tags, nested no deeper
-// than `maxDepth` containers, complete and with nothing behind it. The library's reader recurses with
-// the nesting of its input; what passes here cannot exhaust the stack or claim more than is there.
+// Whether the bytes begin with one complete CBOR item (RFC 8949) of definite lengths, without tags and
+// nested no deeper than `maxDepth` containers. The library's reader recurses with the nesting of its
+// input and throws on impossible lengths; what passes here cannot bring it to either.
 Status checkCbor(std::span<const std::uint8_t> bytes, std::size_t maxDepth);
 
 }  // namespace quorlo
