@@ -60,13 +60,13 @@ void VirtualKeyboard::tap(uint8_t keycode) {
   release(keycode);
 }
 
-void VirtualKeyboard::press(const std::string& name) {
-  press(layout_().keyNamed(fullName(name)).keycode);
+uint8_t VirtualKeyboard::keycodeOf(const std::string& name) const {
+  return layout_().keyNamed(fullName(name)).keycode;
 }
 
-void VirtualKeyboard::release(const std::string& name) {
-  release(layout_().keyNamed(fullName(name)).keycode);
-}
+void VirtualKeyboard::press(const std::string& name) { press(keycodeOf(name)); }
+
+void VirtualKeyboard::release(const std::string& name) { release(keycodeOf(name)); }
 
 void VirtualKeyboard::tap(const std::string& chord) {
   const auto plus = chord.find('+', 1);

@@ -27,6 +27,9 @@ class VirtualKeyboard {
   // "Return", or a chord such as "Ctrl+s" and "Ctrl+Shift+v".
   void tap(const std::string& chord);
 
+  // The key that gives this name without modifiers.
+  uint8_t keycodeOf(const std::string& name) const;
+
   // Types UTF-8 text as a person does, with Shift, AltGr and dead keys where the layout needs them.
   void type(std::string_view text, std::chrono::microseconds gap = {});
   // As a fast typist: each key goes down before the one before it is up. Needs text without modifiers.
