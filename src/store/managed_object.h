@@ -63,12 +63,13 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
 
  private:
   friend class ManagedObjectContext;
+  friend class Relationship;
 
   virtual void awakeFromInsert(ManagedObjectContext&) {}
   virtual void awakeFromFetch() {}
 
-  // Clears both sides of every relationship, marking the other side as changed.
-  virtual void nullifyRelationships() {}
+  // Clears both sides of every relationship, marking the other side as changed, and leaves the indexes.
+  virtual void prepareForDeletion() {}
   // Forgets every relationship without a trace; the other side is forgotten too.
   virtual void dropRelationships() {}
 

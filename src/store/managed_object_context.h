@@ -114,9 +114,12 @@ class ManagedObjectContext final : public ExpansionLookup {
   friend class QLCategory;
   friend class QLApp;
   // Ascending by object identifier; a deleted record leaves a null until the table is tidied.
+  struct Row {
+    std::uint64_t number;
+    std::shared_ptr<ManagedObject> record;
+  };
   struct Table {
-    std::vector<std::shared_ptr<ManagedObject>> records;
-    std::vector<std::uint64_t> numbers;
+    std::vector<Row> rows;
     std::uint64_t lastNumber = 0;
     std::size_t deletedCount = 0;
   };
@@ -131,7 +134,9 @@ class ManagedObjectContext final : public ExpansionLookup {
   void recordDidChange(ManagedObject& record, const Property& property);
   void scheduleProcessing();
   void registerObserver();
-  void followUpInsertionOf(QLSnippet& snippet);
+  void scheduleFollowUps();
+  void followUpLater(QLSnippet& inserted);
+  std::vector<std::u16string> macroStrings(std::u16string_view text) const;
 
   MainQueue& mainQueue_;
   Configuration configuration_;

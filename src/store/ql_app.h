@@ -41,7 +41,7 @@ class QLApp final : public ManagedObject {
   friend class QLSnippet;
   friend class QLCategory;
   void awakeFromInsert(ManagedObjectContext& context) override;
-  void nullifyRelationships() override;
+  void prepareForDeletion() override;
   void dropRelationships() override;
 
   std::string bundleID_;

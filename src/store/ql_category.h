@@ -112,7 +112,7 @@ class QLCategory final : public ManagedObject {
   friend class QLSnippet;
   void awakeFromInsert(ManagedObjectContext& context) override;
   void awakeFromFetch() override;
-  void nullifyRelationships() override;
+  void prepareForDeletion() override;
   void dropRelationships() override;
   void touch();
 

@@ -19,6 +19,7 @@ namespace quorlo {
 class QLApp;
 class QLCategory;
 class SnippetImage;
+class SnippetTextCache;
 
 // One snippet. It is live unless it is in the trash (it has a deletionDate) or in a shared folder.
 class QLSnippet final : public ManagedObject {
@@ -114,12 +115,11 @@ class QLSnippet final : public ManagedObject {
   const AttributedString& attributedString() const;
   const AttributedString& attributedStringWithoutAttachments() const;
 
-  // Not stored: the pictures of the text, in its order. They stay the same objects until the text has
-  // changed and updateImages is called or had been asked for.
+  // Not stored: the pictures of the text, in its order. They stay the same objects, whatever becomes of
+  // the text, until updateImages is called or, having been asked for, the text changes next.
   const std::vector<std::shared_ptr<SnippetImage>>& images();
   void updateImages();
-  bool updatesImagesAfterTextChange() const { return updatesImagesAfterTextChange_; }
-  void setUpdatesImagesAfterTextChange(bool updates) { updatesImagesAfterTextChange_ = updates; }
+  void updateImagesAfterNextTextChange() { updatesImagesAfterTextChange_ = true; }
 
   // Not stored: the title as an observer last saw it.
   const std::u16string& lastTitle() const { return lastTitle_; }
@@ -129,16 +129,19 @@ class QLSnippet final : public ManagedObject {
   friend class ManagedObjectContext;
   friend class QLApp;
   friend class QLCategory;
-  class Reindexing;
-  struct TextCache;
 
   void awakeFromInsert(ManagedObjectContext& context) override;
   void awakeFromFetch() override;
-  void nullifyRelationships() override;
+  void prepareForDeletion() override;
   void dropRelationships() override;
   void touch();
   void deriveTitle();
-  void textDidChange();
+  void replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText);
+  SnippetTextCache& cache() const;
+
+  // Around every change of what makes the snippet live or of its abbreviation.
+  void leaveIndex();
+  void enterIndex();
 
   std::string uuid_;
   std::optional<Date> creationDate_;
@@ -154,7 +157,7 @@ class QLSnippet final : public ManagedObject {
   QLCategory* category_ = nullptr;
   RecordSet<QLApp> allowedApps_;
   RecordSet<QLApp> blockedSnippets_;
-  mutable std::unique_ptr<TextCache> cache_;
+  mutable std::unique_ptr<SnippetTextCache> cache_;
   std::vector<std::shared_ptr<SnippetImage>> images_;
   std::u16string lastTitle_;
   bool titleIsCustom_ = false;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/localized.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quorlo {
+
+// The text to show for `baseText` with `argument` in place of its first "%d" or "%@".
+std::u16string localizedFormat(std::u16string_view baseText, std::u16string_view argument);
+std::u16string localizedFormat(std::u16string_view baseText, std::int64_t number);
+
+}  // namespace quorlo

@@ -1,0 +1,205 @@
+#include "store/managed_object_context.h"
+
+#include "platform/main_queue.h"
+#include "store/managed_object.h"
+#include "store/ql_snippet.h"
+
+#include <algorithm>
+#include <cassert>
+#include <compare>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+constexpr Seconds kFollowUpDelay(0.2);
+constexpr std::size_t kTidyAfterDeletions = 64;
+
+const Property* foreignProperty(Entity entity, const std::optional<Predicate>& predicate,
+                                const std::vector<SortDescriptor>& order) {
+  if (predicate) {
+    if (const auto* found = predicate->propertyForeignTo(entity)) return found;
+  }
+  const auto found =
+      std::ranges::find_if(order, [entity](const auto& each) { return each.key->entity != entity; });
+  return found == order.end() ? nullptr : found->key;
+}
+
+Error foreignPropertyError(Entity entity, const Property& property) {
+  return {std::string(entityName(entity)) + " records have no property " + std::string(property.name) +
+          " of " + std::string(entityName(property.entity)) + " records"};
+}
+
+bool comesBefore(const ManagedObject& left, const ManagedObject& right,
+                 const std::vector<SortDescriptor>& order) {
+  for (const auto& [key, ascending] : order) {
+    const auto result = compare(key->read(left), key->read(right));
+    if (std::is_lt(result)) return ascending;
+    if (std::is_gt(result)) return !ascending;
+  }
+  return left.objectID() < right.objectID();
+}
+
+}  // namespace
+
+ManagedObjectContext::ManagedObjectContext(MainQueue& mainQueue, Configuration configuration)
+    : mainQueue_(mainQueue), configuration_(std::move(configuration)) {}
+
+ManagedObjectContext::~ManagedObjectContext() {
+  for (auto& each : tables_) {
+    for (auto& row : each.rows) {
+      if (!row.record) continue;
+      row.record->dropRelationships();
+      row.record->context_ = nullptr;
+    }
+  }
+}
+
+void ManagedObjectContext::insert(const std::shared_ptr<ManagedObject>& record) {
+  assert(record->objectID_.number == 0);
+  if (record->objectID_.number != 0) return;
+  auto& into = table(record->entity());
+  record->objectID_.number = ++into.lastNumber;
+  record->context_ = this;
+  into.rows.push_back({into.lastNumber, record});
+  record->awakeFromInsert(*this);
+  pending_.noteInsertion(record);
+  unsaved_.noteInsertion(record);
+  scheduleProcessing();
+}
+
+void ManagedObjectContext::deleteObject(ManagedObject& record) {
+  if (record.context_ != this) return;
+  const auto held = record.shared_from_this();
+  record.prepareForDeletion();
+  record.context_ = nullptr;
+  record.isDeleted_ = true;
+
+  auto& from = table(record.entity());
+  std::ranges::lower_bound(from.rows, record.objectID_.number, {}, &Row::number)->record = nullptr;
+  if (++from.deletedCount > kTidyAfterDeletions && 2 * from.deletedCount > from.rows.size()) {
+    std::erase_if(from.rows, [](const Row& row) { return !row.record; });
+    from.deletedCount = 0;
+  }
+  pending_.noteDeletion(held);
+  unsaved_.noteDeletion(held);
+  scheduleProcessing();
+}
+
+Result<std::vector<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetch(
+    Entity entity, const std::optional<Predicate>& predicate, const std::vector<SortDescriptor>& order,
+    std::size_t limit) const {
+  if (const auto* foreign = foreignProperty(entity, predicate, order))
+    return foreignPropertyError(entity, *foreign);
+
+  std::vector<ManagedObject*> found;
+  for (const auto& row : table(entity).rows) {
+    if (!row.record || (predicate && !predicate->evaluate(*row.record))) continue;
+    found.push_back(row.record.get());
+    if (order.empty() && found.size() == limit) break;
+  }
+  const auto wanted = limit == 0 ? found.size() : std::min(limit, found.size());
+  if (!order.empty()) {
+    std::ranges::partial_sort(
+        found, found.begin() + static_cast<std::ptrdiff_t>(wanted),
+        [&order](const auto* left, const auto* right) { return comesBefore(*left, *right, order); });
+  }
+  std::vector<std::shared_ptr<ManagedObject>> records;
+  records.reserve(wanted);
+  for (std::size_t i = 0; i < wanted; ++i) {
+    found[i]->awakeFromFetch();
+    records.push_back(found[i]->shared_from_this());
+  }
+  return records;
+}
+
+Result<std::size_t> ManagedObjectContext::count(Entity entity, const Predicate& predicate) const {
+  if (const auto* foreign = predicate.propertyForeignTo(entity))
+    return foreignPropertyError(entity, *foreign);
+  return static_cast<std::size_t>(std::ranges::count_if(table(entity).rows, [&predicate](const Row& row) {
+    return row.record && predicate.evaluate(*row.record);
+  }));
+}
+
+std::shared_ptr<ManagedObject> ManagedObjectContext::object(ObjectID id) const {
+  const auto& rows = table(id.entity).rows;
+  const auto found = std::ranges::lower_bound(rows, id.number, {}, &Row::number);
+  return found == rows.end() || found->number != id.number ? nullptr : found->record;
+}
+
+Result<std::shared_ptr<QLSnippet>> ManagedObjectContext::liveSnippet(std::u16string_view abbreviation) const {
+  auto* const snippet = index_.abbreviations.find(abbreviation);
+  if (snippet == nullptr) return std::shared_ptr<QLSnippet>();
+  snippet->awakeFromFetch();
+  return std::static_pointer_cast<QLSnippet>(snippet->shared_from_this());
+}
+
+Result<bool> ManagedObjectContext::hasApp(std::string_view bundleID, std::int64_t type) const {
+  return index_.hasApp(bundleID, type);
+}
+
+Status ManagedObjectContext::save() {
+  processPendingChanges();
+  if (!hasChanges()) return {};
+  const auto changes = unsaved_.changes();
+  if (configuration_.commit) {
+    if (auto status = configuration_.commit(changes); !status) return status;
+  }
+  unsaved_.clear();
+  for (const auto& each : changes.updated) each->changedProperties_.clear();
+  return {};
+}
+
+void ManagedObjectContext::processPendingChanges() {
+  scheduleFollowUps();
+  if (pending_.empty()) return;
+  const auto changes = pending_.changes();
+  pending_.clear();
+  didChange_.notify(changes);
+}
+
+Subscription ManagedObjectContext::observeObjectsDidChange(std::function<void(const ChangeSet&)> callback) {
+  return didChange_.add(std::move(callback));
+}
+
+void ManagedObjectContext::recordDidChange(ManagedObject& record, const Property& property) {
+  pending_.noteUpdate(record);
+  unsaved_.noteUpdate(record);
+  auto& changed = record.changedProperties_;
+  if (!unsaved_.holdsInsertionOf(record) && std::ranges::find(changed, &property) == changed.end()) {
+    changed.push_back(&property);
+  }
+  scheduleProcessing();
+}
+
+void ManagedObjectContext::scheduleProcessing() {
+  if (std::exchange(processingIsScheduled_, true)) return;
+  mainQueue_.run(life_.guard([this] {
+    processingIsScheduled_ = false;
+    processPendingChanges();
+  }));
+}
+
+void ManagedObjectContext::registerObserver() {
+  if (configuration_.registerObserver) configuration_.registerObserver(*this);
+}
+
+std::vector<std::u16string> ManagedObjectContext::macroStrings(std::u16string_view text) const {
+  return configuration_.findMacroStrings ? configuration_.findMacroStrings(text)
+                                         : std::vector<std::u16string>();
+}
+
+void ManagedObjectContext::followUpLater(QLSnippet& inserted) {
+  followUps_.push_back(std::static_pointer_cast<QLSnippet>(inserted.shared_from_this()));
+}
+
+void ManagedObjectContext::scheduleFollowUps() {
+  if (followUps_.empty()) return;
+  mainQueue_.runAfter(kFollowUpDelay, life_.guard([inserted = std::exchange(followUps_, {})] {
+    for (const auto& each : inserted) {
+      if (const auto snippet = each.lock()) snippet->deriveTitle();
+    }
+  }));
+}
+
+}  // namespace quorlo

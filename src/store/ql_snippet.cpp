@@ -1,0 +1,333 @@
+#include "store/ql_snippet.h"
+
+#include "base/localized.h"
+#include "store/localized_format.h"
+#include "store/managed_object_context.h"
+#include "store/ql_app.h"
+#include "store/ql_category.h"
+#include "store/relationship.h"
+#include "store/snippet_image.h"
+#include "store/snippet_text_cache.h"
+#include "store/uuid.h"
+#include "text/graphemes.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+constexpr char16_t kAttachmentCharacter = 0xFFFC;
+constexpr std::size_t kLongestDerivedTitle = 60;  // user-perceived characters
+
+const QLSnippet& snippet(const ManagedObject& record) {
+  return static_cast<const QLSnippet&>(record);
+}
+
+template <class T>
+ValueView orNil(const std::optional<T>& value) {
+  return value ? ValueView(*value) : ValueView();
+}
+
+// To-many relationships and rich text have no value to compare.
+ValueView unread(const ManagedObject&) {
+  return {};
+}
+
+std::size_t imageCount(const AttributedString& text) {
+  std::size_t count = 0;
+  text.forEachRun([&](const AttributedString::Run& run) {
+    if (!run.attributes.image) return;
+    const auto characters = std::u16string_view(text.string()).substr(run.range.location, run.range.length);
+    count += static_cast<std::size_t>(std::ranges::count(characters, kAttachmentCharacter));
+  });
+  return count;
+}
+
+// The first line that is not blank, without the blanks around it.
+std::u16string firstLine(std::u16string_view text) {
+  constexpr std::u16string_view kBlanks = u" \t\r\n\u00A0\u2028\u2029\uFFFC";
+  const auto start = std::min(text.find_first_not_of(kBlanks), text.size());
+  auto line = text.substr(start, text.find_first_of(u"\r\n\u2028\u2029", start) - start);
+  line = line.substr(0, line.find_last_not_of(kBlanks) + 1);
+  const auto starts = graphemeStarts(line.substr(0, 64 * kLongestDerivedTitle));
+  if (starts.size() > kLongestDerivedTitle) line = line.substr(0, starts[kLongestDerivedTitle]);
+  return std::u16string(line);
+}
+
+}  // namespace
+
+constinit const Attribute<std::string_view> QLSnippet::kUuid{
+    {kEntity, "uuid",
+     [](const ManagedObject& record) -> ValueView { return std::string_view(snippet(record).uuid_); }}};
+constinit const Attribute<Date> QLSnippet::kCreationDate{
+    {kEntity, "creationDate",
+     [](const ManagedObject& record) -> ValueView { return orNil(snippet(record).creationDate_); }}};
+constinit const Attribute<Date> QLSnippet::kModifiedDate{
+    {kEntity, "modifiedDate",
+     [](const ManagedObject& record) -> ValueView { return orNil(snippet(record).modifiedDate_); }}};
+constinit const Attribute<Date> QLSnippet::kDeletionDate{
+    {kEntity, "deletionDate",
+     [](const ManagedObject& record) -> ValueView { return orNil(snippet(record).deletionDate_); }}};
+constinit const Attribute<std::u16string_view> QLSnippet::kTitle{
+    {kEntity, "title",
+     [](const ManagedObject& record) -> ValueView { return std::u16string_view(snippet(record).title_); }}};
+constinit const Attribute<std::int64_t> QLSnippet::kTitleIsCustom{
+    {kEntity, "titleIsCustom",
+     [](const ManagedObject& record) -> ValueView { return std::int64_t{snippet(record).titleIsCustom_}; }}};
+constinit const Attribute<std::u16string_view> QLSnippet::kAbbreviation{
+    {kEntity, "abbreviation", [](const ManagedObject& record) -> ValueView {
+       const std::u16string_view value = snippet(record).abbreviation_;
+       return value.empty() ? ValueView() : value;
+     }}};
+constinit const Attribute<std::u16string_view> QLSnippet::kPlainText{
+    {kEntity, "plainText", [](const ManagedObject& record) -> ValueView {
+       return std::u16string_view(snippet(record).plainText_);
+     }}};
+constinit const Attribute<std::int64_t> QLSnippet::kFormatted{
+    {kEntity, "formatted",
+     [](const ManagedObject& record) -> ValueView { return snippet(record).formatted_; }}};
+constinit const Attribute<std::int64_t> QLSnippet::kUseCount{
+    {kEntity, "useCount",
+     [](const ManagedObject& record) -> ValueView { return snippet(record).useCount_; }}};
+constinit const Property QLSnippet::kText{kEntity, "text", unread};
+constinit const Property QLSnippet::kNumberOFImagesString{kEntity, "numberOFImagesString", unread};
+constinit const Attribute<const ManagedObject*> QLSnippet::kCategory{
+    {kEntity, "category", [](const ManagedObject& record) -> ValueView {
+       const ManagedObject* category = snippet(record).category_;
+       return category == nullptr ? ValueView() : category;
+     }}};
+constinit const Attribute<std::int64_t> QLSnippet::kCategoryType{
+    {kEntity, "category.type", [](const ManagedObject& record) -> ValueView {
+       const auto* category = snippet(record).category_;
+       return category == nullptr ? ValueView() : category->type();
+     }}};
+constinit const Attribute<std::int64_t> QLSnippet::kCategorySourceType{
+    {kEntity, "category.sourceType", [](const ManagedObject& record) -> ValueView {
+       const auto* category = snippet(record).category_;
+       return category == nullptr ? ValueView() : category->sourceType();
+     }}};
+constinit const Property QLSnippet::kAllowedApps{kEntity, "allowedApps", unread};
+constinit const Property QLSnippet::kBlockedSnippets{kEntity, "blockedSnippets", unread};
+
+QLSnippet::QLSnippet() : ManagedObject(kEntity) {}
+QLSnippet::~QLSnippet() = default;
+
+void QLSnippet::setUuid(std::string uuid) {
+  set(uuid_, std::move(uuid), kUuid);
+}
+void QLSnippet::setCreationDate(Date date) {
+  set(creationDate_, std::optional(date), kCreationDate);
+}
+void QLSnippet::setModifiedDate(Date date) {
+  set(modifiedDate_, std::optional(date), kModifiedDate);
+}
+
+void QLSnippet::setDeletionDate(std::optional<Date> date) {
+  if (date == deletionDate_) return;
+  leaveIndex();
+  deletionDate_ = date;
+  enterIndex();
+  didChange(kDeletionDate);
+}
+
+void QLSnippet::moveToTrash() {
+  if (const auto* context = managedObjectContext()) setDeletionDate(context->now());
+}
+
+bool QLSnippet::isLive() const {
+  return !deletionDate_ &&
+         (category_ == nullptr || category_->sourceType() != static_cast<std::int64_t>(SourceType::Public));
+}
+
+void QLSnippet::setTitle(std::u16string title) {
+  if (set(title_, std::move(title), kTitle)) touch();
+}
+
+std::u16string QLSnippet::displayTitle() const {
+  return title_.empty() ? localized(u"Untitled") : title_;
+}
+
+void QLSnippet::setTitleIsCustom(bool isCustom) {
+  set(titleIsCustom_, isCustom, kTitleIsCustom);
+}
+
+void QLSnippet::setAbbreviation(std::u16string abbreviation) {
+  if (abbreviation == abbreviation_) return;
+  leaveIndex();
+  abbreviation_ = std::move(abbreviation);
+  enterIndex();
+  didChange(kAbbreviation);
+  touch();
+}
+
+AttributedString QLSnippet::text() const {
+  return richText_ ? *richText_ : AttributedString(plainText_);
+}
+
+void QLSnippet::setText(AttributedString text) {
+  if (text.isPlain()) {
+    if (richText_ || text.string() != plainText_) replaceText(text.string(), nullptr);
+    return;
+  }
+  if (richText_ && *richText_ == text) return;
+  auto plainText = text.string();
+  replaceText(std::move(plainText), std::make_unique<const AttributedString>(std::move(text)));
+}
+
+void QLSnippet::setPlainText(std::u16string text) {
+  if (text != plainText_) replaceText(std::move(text), nullptr);
+}
+
+void QLSnippet::replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText) {
+  const auto images = richText ? imageCount(*richText) : 0;
+  const bool hasOtherPlainText = plainText != plainText_;
+  const bool hasOtherImageCount = images != imageCount_;
+  plainText_ = std::move(plainText);
+  richText_ = std::move(richText);
+  imageCount_ = images;
+  cache_.reset();
+  if (std::exchange(updatesImagesAfterTextChange_, false)) updateImages();
+
+  didChange(kText);
+  if (hasOtherPlainText) didChange(kPlainText);
+  if (hasOtherImageCount) didChange(kNumberOFImagesString);
+  touch();
+}
+
+void QLSnippet::setFormatted(std::int64_t rawValue) {
+  if (set(formatted_, rawValue, kFormatted)) touch();
+}
+
+void QLSnippet::setUseCount(std::int64_t count) {
+  set(useCount_, count, kUseCount);
+}
+
+std::u16string QLSnippet::useCountText() const {
+  return localizedFormat(u"This snippet has been used %d times.", useCount_);
+}
+
+std::shared_ptr<QLCategory> QLSnippet::category() const {
+  return category_ == nullptr ? nullptr : std::static_pointer_cast<QLCategory>(category_->shared_from_this());
+}
+
+void QLSnippet::setCategory(QLCategory* category) {
+  if (category == category_ || (category != nullptr && !sharesContextWith(*category))) return;
+  auto* const former = category_;
+  leaveIndex();
+  category_ = category;
+  enterIndex();
+  if (former != nullptr) former->snippets_.remove(this);
+  if (category != nullptr) category->snippets_.add(this);
+
+  didChange(kCategory);
+  if (former != nullptr) former->didChange(QLCategory::kSnippets);
+  if (category != nullptr) category->didChange(QLCategory::kSnippets);
+}
+
+void QLSnippet::addAllowedApp(QLApp& app) {
+  Relationship::join(*this, allowedApps_, &kAllowedApps, app, app.allowedSnippets_, &QLApp::kAllowedSnippets);
+}
+void QLSnippet::removeAllowedApp(QLApp& app) {
+  Relationship::part(*this, allowedApps_, &kAllowedApps, app, app.allowedSnippets_, &QLApp::kAllowedSnippets);
+}
+void QLSnippet::addBlockedSnippet(QLApp& app) {
+  Relationship::join(*this, blockedSnippets_, &kBlockedSnippets, app, app.blockedApps_, &QLApp::kBlockedApps);
+}
+void QLSnippet::removeBlockedSnippet(QLApp& app) {
+  Relationship::part(*this, blockedSnippets_, &kBlockedSnippets, app, app.blockedApps_, &QLApp::kBlockedApps);
+}
+
+SnippetTextCache& QLSnippet::cache() const {
+  if (!cache_) cache_ = std::make_unique<SnippetTextCache>();
+  return *cache_;
+}
+
+const std::vector<std::u16string>& QLSnippet::macroStrings() const {
+  return cache().macroStrings([this] {
+    const auto* context = managedObjectContext();
+    return context == nullptr ? std::vector<std::u16string>() : context->macroStrings(plainText_);
+  });
+}
+
+const std::u16string& QLSnippet::plainTextWithoutMacros() const {
+  return cache().plainTextWithoutMacros(plainText_, macroStrings());
+}
+std::size_t QLSnippet::numberOfCharacters() const {
+  return cache().numberOfCharacters(plainText_);
+}
+const AttributedString& QLSnippet::attributedString() const {
+  return richText_ ? *richText_ : cache().plainAttributedString(plainText_);
+}
+const AttributedString& QLSnippet::attributedStringWithoutAttachments() const {
+  return imageCount_ == 0 ? attributedString() : cache().withoutAttachments(attributedString());
+}
+
+const std::vector<std::shared_ptr<SnippetImage>>& QLSnippet::images() {
+  if (!imagesAreBuilt_) updateImages();
+  return images_;
+}
+
+void QLSnippet::updateImages() {
+  imagesAreBuilt_ = true;
+  images_.clear();
+  if (!richText_) return;
+  const auto self = std::static_pointer_cast<QLSnippet>(shared_from_this());
+  richText_->forEachRun([&](const AttributedString::Run& run) {
+    if (!run.attributes.image) return;
+    const auto& [bytes, mediaType] = *run.attributes.image;
+    images_.push_back(std::make_shared<SnippetImage>(self, mediaType, bytes));
+  });
+}
+
+void QLSnippet::awakeFromInsert(ManagedObjectContext& context) {
+  if (context.kind() == ManagedObjectContext::Kind::main) {
+    if (uuid_.empty()) uuid_ = randomUuid();
+    if (!creationDate_) creationDate_ = context.now();
+    context.followUpLater(*this);
+  }
+  enterIndex();
+  context.registerObserver();
+}
+
+void QLSnippet::awakeFromFetch() {
+  if (uuid_.empty()) setUuid(randomUuid());
+  managedObjectContext()->registerObserver();
+}
+
+// The index comes last, as setting the category enters it.
+void QLSnippet::prepareForDeletion() {
+  setCategory(nullptr);
+  for (auto* each : Relationship::copy(allowedApps_)) removeAllowedApp(*each);
+  for (auto* each : Relationship::copy(blockedSnippets_)) removeBlockedSnippet(*each);
+  leaveIndex();
+}
+
+void QLSnippet::dropRelationships() {
+  category_ = nullptr;
+  allowedApps_.clear();
+  blockedSnippets_.clear();
+  isIndexed_ = false;
+}
+
+void QLSnippet::touch() {
+  if (const auto* context = managedObjectContext()) setModifiedDate(context->now());
+}
+
+void QLSnippet::deriveTitle() {
+  if (!title_.empty() || titleIsCustom_ || isDeleted()) return;
+  setTitle(firstLine(plainText_));
+}
+
+void QLSnippet::leaveIndex() {
+  if (std::exchange(isIndexed_, false)) managedObjectContext()->index_.abbreviations.remove(*this);
+}
+
+void QLSnippet::enterIndex() {
+  auto* context = managedObjectContext();
+  if (context == nullptr || abbreviation_.empty() || !isLive()) return;
+  context->index_.abbreviations.add(*this);
+  isIndexed_ = true;
+}
+
+}  // namespace quorlo
