@@ -93,11 +93,12 @@ bool contains(std::u16string_view haystack, std::u16string_view needle) {
   const auto* const backs = fronts + needle.size() - 1;
   std::size_t i = 0;
   for (; i + kBlock <= positions; i += kBlock) {
-    bool candidate = false;
+    char16_t least = 0xFFFF;  // 0 where both ends match
     for (std::size_t k = 0; k < kBlock; ++k) {
-      candidate |= (fronts[i + k] == needle.front()) & (backs[i + k] == needle.back());
+      const auto differing = (fronts[i + k] ^ needle.front()) | (backs[i + k] ^ needle.back());
+      least = std::min(least, static_cast<char16_t>(differing));
     }
-    if (candidate && haystack.substr(i, kBlock + needle.size() - 1).find(needle) != haystack.npos)
+    if (least == 0 && haystack.substr(i, kBlock + needle.size() - 1).find(needle) != haystack.npos)
       return true;
   }
   return haystack.substr(i).find(needle) != haystack.npos;

@@ -22,7 +22,7 @@ class FoldedNeedle {
 
   bool isIn(std::u16string_view haystack) const;
 
-  // For haystacks that are kept in the form of foldCase.
+  // For haystacks that are kept in the form of foldCase; outside ASCII many times faster than isIn.
   bool isInFolded(std::u16string_view foldedHaystack) const;
 
  private:
