@@ -2,8 +2,9 @@
 
 #include "app/settings/json_list.h"
 #include "base/log.h"
+#include "store/fetch_request.h"
+#include "store/ql_snippet.h"
 #include "store/snippet_type.h"
-#include "store/sort_descriptor.h"
 
 #include <cmath>
 #include <limits>
@@ -16,22 +17,22 @@ namespace {
 constexpr Seconds kDefaultPasteDelay{0.2};
 constexpr Seconds kFormatBarDelay{0.25};
 
-std::string_view sortKey(SnippetSortOption option) {
+const Property& sortKey(SnippetSortOption option) {
   switch (option) {
     case SnippetSortOption::title:
-      return "title";
+      return QLSnippet::kTitle;
     case SnippetSortOption::creationDate:
-      return "creationDate";
+      return QLSnippet::kCreationDate;
     case SnippetSortOption::modificationDate:
-      return "modifiedDate";
+      return QLSnippet::kModifiedDate;
     case SnippetSortOption::abbreviation:
-      return "abbreviation";
+      return QLSnippet::kAbbreviation;
     case SnippetSortOption::type:
-      return "formatted";
+      return QLSnippet::kFormatted;
     case SnippetSortOption::useCount:
-      return "useCount";
+      return QLSnippet::kUseCount;
   }
-  return {};
+  return QLSnippet::kCreationDate;
 }
 
 template <class Enum>
@@ -155,7 +156,7 @@ void SettingsController::setSnippetsSortOption(SnippetSortOption option) {
 }
 
 std::vector<SortDescriptor> SettingsController::sortDescriptorsFor(SnippetSortOption option) const {
-  return {SortDescriptor{std::string(sortKey(option)), ascendingSnippetSortation()}};
+  return {SortDescriptor{&sortKey(option), ascendingSnippetSortation()}};
 }
 
 void SettingsController::setSelectedCategoryUUID(std::optional<std::string> uuid) {
