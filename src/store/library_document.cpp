@@ -1,0 +1,188 @@
+#include "store/library_document.h"
+
+#include "base/log.h"
+#include "store/abbreviation_rules.h"
+#include "store/json_document.h"
+#include "store/library_exchange.h"
+#include "store/managed_object_context.h"
+#include "store/ql_app.h"
+#include "store/ql_category.h"
+#include "store/ql_snippet.h"
+#include "text/utf.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+// Puts a checked document into a context.
+class LibraryInsertion {
+ public:
+  LibraryInsertion(ManagedObjectContext& context, const LibraryExchange& library)
+      : context_(context), library_(library) {}
+
+  // Finds what the library already holds, and what the document expects there in vain.
+  Status prepare() {
+    auto snippets = context_.fetch<QLSnippet>({});
+    auto folders = context_.fetch<QLCategory>({});
+    if (!snippets) return snippets.error();
+    if (!folders) return folders.error();
+    for (const auto& each : snippets.value()) snippets_.emplace(each->uuid(), each.get());
+    for (const auto& each : folders.value()) folders_.emplace(each->uuid(), each.get());
+
+    std::unordered_map<std::string_view, std::size_t> inDocument;
+    for (const auto& each : library_.snippets) inDocument.emplace(each.uuid, 0);
+    for (const auto& folder : library_.folders) {
+      for (const auto& uuid : folder.snippets) {
+        if (inDocument.contains(uuid) || snippets_.contains(uuid)) continue;
+        return Error{"The folder \"" + toUtf8(folder.title) + "\" names the snippet " + uuid +
+                     ", which is neither in the document nor in the library: add it or remove its name."};
+      }
+    }
+    return {};
+  }
+
+  LibraryReadReport insert() {
+    for (const auto& each : library_.folders) insertFolder(each);
+    for (const auto& each : library_.snippets) insertSnippet(each);
+    for (const auto& each : library_.excludedApplications) app(each, AppType::Excluded);
+    return std::move(report_);
+  }
+
+ private:
+  void insertFolder(const FolderExchange& form) {
+    auto& folder = folders_[form.uuid];
+    if (folder == nullptr) {
+      folder = newFolder(form);
+      ++report_.addedFolders;
+    }
+    for (const auto& uuid : form.snippets) folderOf_.emplace(uuid, folder);
+  }
+
+  QLCategory* newFolder(const FolderExchange& form) {
+    const auto folder = std::make_shared<QLCategory>();
+    const bool isShared = form.type == static_cast<std::int64_t>(CategoryType::SharedFolder);
+    folder->setUuid(form.uuid);
+    folder->setTitle(form.title);
+    folder->setType(form.type);
+    folder->setSourceType(static_cast<std::int64_t>(isShared ? SourceType::Public : SourceType::Folders));
+    folder->setSort(form.sort);
+    folder->setShortcutKeyCode(form.shortcutKeyCode);
+    folder->setShortcutModifierFlags(form.shortcutModifierFlags);
+    folder->setExpansionBehavior(form.expansionBehavior);
+    context_.insert(folder);
+    for (const auto& each : form.allowedApps) folder->addAllowedApp(app(each, AppType::Allowed));
+    for (const auto& each : form.blockedApps) folder->addBlockedApp(app(each, AppType::Blocked));
+    return folder.get();
+  }
+
+  void insertSnippet(const SnippetExchange& form) {
+    if (snippets_.contains(form.uuid)) {
+      ++report_.presentSnippets;
+      return;
+    }
+    const auto found = folderOf_.find(form.uuid);
+    auto* const folder = found == folderOf_.end() ? nullptr : found->second;
+    const auto snippet = std::make_shared<QLSnippet>();
+    snippet->setUuid(form.uuid);
+    snippet->setTitle(form.title);
+    snippet->setTitleIsCustom(!form.title.empty());
+    snippet->setText(form.text);
+    snippet->setFormatted(form.formatted);
+    if (const auto obstacle = obstacleFor(form, folder)) {
+      warn(*snippet, form.abbreviation, *obstacle);
+    } else {
+      snippet->setAbbreviation(form.abbreviation);
+    }
+    context_.insert(snippet);
+    snippet->setCategory(folder);
+    ++report_.addedSnippets;
+  }
+
+  std::optional<std::string> obstacleFor(const SnippetExchange& form, const QLCategory* folder) const {
+    if (const auto fault = faultOfAbbreviation(form.abbreviation)) {
+      return *fault == AbbreviationFault::tooLong ? "is longer than 30 characters" : "contains a space";
+    }
+    const bool isShared =
+        folder != nullptr && folder->sourceType() == static_cast<std::int64_t>(SourceType::Public);
+    if (isShared) return std::nullopt;
+    const auto holder = context_.liveSnippet(form.abbreviation);
+    if (!holder || !holder.value()) return std::nullopt;
+    return "is already in use by \"" + toUtf8(holder.value()->displayTitle()) + "\"";
+  }
+
+  void warn(const QLSnippet& snippet, std::u16string_view abbreviation, const std::string& obstacle) {
+    const auto message = "The abbreviation \"" + toUtf8(abbreviation) + "\" of \"" +
+                         toUtf8(snippet.displayTitle()) + "\" " + obstacle +
+                         "; the snippet was kept without it.";
+    logWarning("WARNING: #ldc7Abr - " + message);
+    report_.warnings.push_back(message);
+  }
+
+  QLApp& app(const std::string& bundleID, AppType type) {
+    const auto rawType = static_cast<std::int64_t>(type);
+    const auto predicate = Predicate::all(
+        {QLApp::kBundleID.equals(bundleID).inParentheses(), QLApp::kType.equals(rawType).inParentheses()});
+    const auto found = context_.fetch<QLApp>({.predicate = predicate, .fetchLimit = 1});
+    if (found && !found.value().empty()) return *found.value().front();
+    const auto app = std::make_shared<QLApp>();
+    app->setBundleID(bundleID);
+    app->setType(rawType);
+    context_.insert(app);
+    return *app;
+  }
+
+  ManagedObjectContext& context_;
+  const LibraryExchange& library_;
+  LibraryReadReport report_;
+  std::unordered_map<std::string, QLSnippet*> snippets_;  // in the library before
+  std::unordered_map<std::string, QLCategory*> folders_;
+  std::unordered_map<std::string_view, QLCategory*> folderOf_;  // by snippet
+};
+
+}  // namespace
+
+Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,
+                                      ManagedObjectContext& context) {
+  const auto fault = [name](const Error& error) { return Error{std::string(name) + ": " + error.message}; };
+  const auto value = parseJson(json);
+  if (!value) return fault(value.error());
+  const auto library = libraryFromJson(value.value());
+  if (!library) return fault(library.error());
+  LibraryInsertion insertion(context, library.value());
+  if (const auto status = insertion.prepare(); !status) return fault(status.error());
+  return insertion.insert();
+}
+
+Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context) {
+  const auto content = readDocumentFile(file);
+  if (!content) return content.error();
+  return readLibrary(content.value(), file.string(), context);
+}
+
+std::string writeLibrary(const ManagedObjectContext& context) {
+  LibraryExchange library;
+  if (const auto snippets = context.fetch<QLSnippet>({.predicate = QLSnippet::kDeletionDate.isNil()})) {
+    for (const auto& each : snippets.value()) library.snippets.push_back(exchangeForm(*each));
+  }
+  const auto isUsers = Predicate::any({
+      QLCategory::kType.equals(static_cast<std::int64_t>(CategoryType::Folder)),
+      QLCategory::kType.equals(static_cast<std::int64_t>(CategoryType::SharedFolder)),
+  });
+  if (const auto folders = context.fetch<QLCategory>({isUsers, QLCategory::sortDescriptors()})) {
+    for (const auto& each : folders.value()) library.folders.push_back(exchangeForm(*each));
+  }
+  const auto isExcluded = QLApp::kType.equals(static_cast<std::int64_t>(AppType::Excluded));
+  if (const auto apps = context.fetch<QLApp>({.predicate = isExcluded})) {
+    for (const auto& each : apps.value()) library.excludedApplications.push_back(each->bundleID());
+  }
+  return toJson(library).dump(2) + '\n';
+}
+
+}  // namespace quorlo
