@@ -1,0 +1,195 @@
+#include "engine/abbreviations_monitor.h"
+
+#include "app/settings/settings_controller.h"
+#include "base/log.h"
+#include "engine/accessibility_manager.h"
+#include "engine/expansion_rules.h"
+#include "platform/main_queue.h"
+#include "platform/mouse_monitor.h"
+#include "platform/workspace.h"
+#include "store/expansion_lookup.h"
+#include "store/folder_types.h"
+#include "store/persistence_controller.h"
+#include "store/ql_snippet.h"
+#include "store/use_recorder.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+constexpr Seconds kFirstUpdateDelay{0.1};
+constexpr int kLongestTailWithinWord = 29;
+constexpr auto kExcluded = static_cast<std::int64_t>(AppType::Excluded);
+
+bool isResetKey(KeyCode code) {
+  switch (code) {
+    case key::kForwardDelete:
+    case key::kLeftArrow:
+    case key::kRightArrow:
+    case key::kDownArrow:
+    case key::kUpArrow:
+    case key::kReturn:
+    case key::kTab:
+    case key::kSpace:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool isSameApplication(const RunningApplication* a, const RunningApplication* b) {
+  if (a == nullptr || b == nullptr) return a == b;
+  return a->processIdentifier == b->processIdentifier;
+}
+
+}  // namespace
+
+AbbreviationsMonitor::AbbreviationsMonitor(const Dependencies& dependencies)
+    : use_(dependencies), lastActiveApplication(use_.accessibility.frontmostApplication()) {
+  use_.persistence.observeObjectsDidChange(use_.persistence.managedObjectContext());
+  settingsObservation_ = use_.settings.observe([this](Setting setting) {
+    if (setting == Setting::abbreviationsEnabled) updateEventTap();
+  });
+  use_.queue.runAfter(kFirstUpdateDelay, life_.guard([this] { updateEventTap(); }));
+}
+
+void AbbreviationsMonitor::updateEventTap() {
+  abbreviationMouseEventMonitor.reset();
+  if (!use_.settings.abbreviationsEnabled()) {
+    if (_eventTap) {
+      logInfo("Removing eventTap");
+      _eventTap.reset();
+    }
+    return;
+  }
+  abbreviationMouseEventMonitor = use_.mouse.observeLeftMouseDown([this] {
+    logDebug("leftMouseDown");
+    potentialAbbreviation_.clear();
+  });
+  logInfo("Adding eventTap");
+  eventTap();
+}
+
+EventTap::Port* AbbreviationsMonitor::eventTap() {
+  if (!_eventTap) _eventTap = use_.tap.create(&AbbreviationsMonitor::eventTapCallback, this);
+  if (_eventTap) return _eventTap.get();
+
+  if (use_.accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert)) {
+    logError("ERROR: #rfkKFKF");
+  } else {
+    logError("ERROR #sgikiuu - Unable to invoke CGEvent.tapCreate. Please enable Accessibility.");
+    // Observed above: monitoring stops.
+    use_.settings.setAbbreviationsEnabled(false);
+  }
+  return nullptr;
+}
+
+TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDownEvent* event,
+                                                  void* userInfo) {
+  if (userInfo == nullptr) {
+    logError("ERROR: #srgojKk");
+    return TapVerdict::pass;
+  }
+  auto& monitor = *static_cast<AbbreviationsMonitor*>(userInfo);
+  if (type == TapEventType::kCGEventTapDisabledByTimeout) {
+    logError("ERROR: #4ughugir - kCGEventTapDisabledByTimeout");
+    if (monitor._eventTap) monitor._eventTap->enable();
+    return TapVerdict::pass;
+  }
+  if (event == nullptr) return TapVerdict::pass;
+  return monitor.handleKeyDown(*event) ? TapVerdict::swallow : TapVerdict::pass;
+}
+
+bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
+  const auto& frontmost = use_.accessibility.frontmostApplication();
+  if (frontmost && frontmost->bundleIdentifier && isApplicationExcluded(*frontmost->bundleIdentifier)) {
+    return false;
+  }
+  if (!use_.settings.abbreviationsEnabled()) return false;
+  if (!isSameApplication(frontmost.get(), lastActiveApplication.get())) potentialAbbreviation_.clear();
+
+  const bool mayExpand = event.origin == KeyDownEvent::Origin::keyboard;
+  const auto trigger = use_.settings.abbreviationsTriggerType();
+  bool swallow = false;
+  if (mayExpand && trigger == AbbreviationTriggerType::delimiterKey &&
+      use_.settings.activeAbbreviationKeyStrings().contains(event.characters)) {
+    if (const auto match = findTypedAbbreviation(); match.snippet) {
+      if (!folderAllowsExpansion(*match.snippet, frontmost.get())) return false;
+      expand(match, event.characters);
+      swallow = true;
+    }
+  }
+
+  editBuffer(event);
+  lastActiveApplication = frontmost;
+
+  if (mayExpand && trigger == AbbreviationTriggerType::lastSymbol) {
+    if (const auto match = findTypedAbbreviation();
+        match.snippet && folderAllowsExpansion(*match.snippet, frontmost.get())) {
+      expand(match, {});
+      return true;
+    }
+  }
+  return swallow;
+}
+
+void AbbreviationsMonitor::editBuffer(const KeyDownEvent& event) {
+  const bool hasSpace = event.characters.find_first_of(u" \u00A0") != std::u16string::npos;
+  if (isResetKey(event.keyCode) || hasSpace || (event.flags & modifier::kCommand) != 0) {
+    potentialAbbreviation_.clear();
+  } else if (event.keyCode == key::kBackspace) {
+    potentialAbbreviation_.removeLast();
+  } else {
+    potentialAbbreviation_.append(event.characters);
+  }
+}
+
+AbbreviationsMonitor::Match AbbreviationsMonitor::findTypedAbbreviation() const {
+  const auto typed = potentialAbbreviation_.text();
+  return findSnippet(typed, typed, potentialAbbreviation_.graphemeCount(),
+                     use_.settings.expandAbbreviationWithinWord(), 1);
+}
+
+AbbreviationsMonitor::Match AbbreviationsMonitor::findSnippet(std::u16string_view candidate,
+                                                              std::u16string_view fullText,
+                                                              std::size_t fullTextCount, bool withinWord,
+                                                              int depth) const {
+  while (!candidate.empty()) {
+    const auto found = use_.lookup.liveSnippet(candidate);
+    if (!found) {
+      logError("ERROR: #23854; Couldn't fetch Snippet. " + found.error().message);
+    } else if (found.value()) {
+      return {found.value(), candidate};
+    }
+    if (!withinWord || depth > kLongestTailWithinWord) break;
+    // A count of characters taken as an offset in UTF-16 units: in text beyond the Basic Multilingual
+    // Plane the tails begin earlier than their depth says.
+    const auto tail = static_cast<std::size_t>(depth);
+    if (fullTextCount <= tail) break;
+    candidate = fullText.substr(fullTextCount - tail);
+    ++depth;
+  }
+  return {};
+}
+
+bool AbbreviationsMonitor::isApplicationExcluded(const std::string& bundleIdentifier) const {
+  if (bundleIdentifier == use_.workspace.ownBundleIdentifier()) return true;
+  const auto excluded = use_.lookup.hasApp(bundleIdentifier, kExcluded);
+  return excluded.ok() && excluded.value();
+}
+
+void AbbreviationsMonitor::expand(const Match& match, std::u16string_view delimiter) {
+  auto content = match.snippet->text();
+  if (!delimiter.empty() && !use_.settings.removeTriggerKey()) content.append(delimiter);
+  const auto typed = graphemeCount(match.matchedText) + graphemeCount(delimiter);
+  use_.paste.pasteSnippet(
+      std::move(content), match.snippet, std::u16string(match.matchedText),
+      [&persistence = use_.persistence, snippet = match.snippet, typed](std::size_t inserted) {
+        recordUse(persistence, *snippet, static_cast<std::int64_t>(inserted),
+                  static_cast<std::int64_t>(typed));
+      });
+}
+
+}  // namespace quorlo

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "base/life_token.h"
+#include "base/subscription.h"
+#include "engine/paste_controller.h"
+#include "platform/event_tap.h"
+#include "text/graphemes.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quorlo {
+
+class AccessibilityManager;
+class ExpansionLookup;
+class MainQueue;
+class MouseMonitor;
+class PersistenceController;
+class QLSnippet;
+class SettingsController;
+class Workspace;
+struct RunningApplication;
+
+// Watches every key typed in any application, recognises when the tail of what was typed is the
+// abbreviation of a live snippet, and hands the snippet to the paste controller. One instance; main
+// thread. What a key press costs depends neither on how much was typed nor on the size of the library.
+class AbbreviationsMonitor {
+ public:
+  struct Dependencies {
+    MainQueue& queue;
+    EventTap& tap;
+    MouseMonitor& mouse;
+    Workspace& workspace;
+    SettingsController& settings;
+    AccessibilityManager& accessibility;
+    PersistenceController& persistence;
+    const ExpansionLookup& lookup;
+    PasteController& paste;
+  };
+
+  // Monitoring begins 0.1 s later, if abbreviations are enabled. The references must outlive the monitor.
+  explicit AbbreviationsMonitor(const Dependencies& dependencies);
+
+  static AbbreviationsMonitor& shared();
+
+  // Brings monitoring in line with the setting AbbreviationsEnabled.
+  void updateEventTap();
+
+  // `userInfo` is the monitor.
+  static TapVerdict eventTapCallback(TapEventType type, const KeyDownEvent* event, void* userInfo);
+
+  // True means that the key press is swallowed.
+  bool handleKeyDown(const KeyDownEvent& event);
+
+  struct Match {
+    std::shared_ptr<QLSnippet> snippet;  // null for none
+    std::u16string_view matchedText;     // a part of the candidate
+  };
+
+  // The live snippet whose abbreviation is `candidate` or, within a word, a tail of `fullText`: the
+  // shortest that matches, up to 29 characters. `depth` is the length of the next tail to try.
+  Match findSnippet(std::u16string_view candidate, std::u16string_view fullText, std::size_t fullTextCount,
+                    bool withinWord, int depth) const;
+
+  std::u16string_view potentialAbbreviation() const { return potentialAbbreviation_.text(); }
+
+ private:
+  EventTap::Port* eventTap();
+  void addEventTap();
+  bool isApplicationExcluded(const std::string& bundleIdentifier) const;
+  Match findTypedAbbreviation() const;
+  void editBuffer(const KeyDownEvent& event);
+  void expand(const Match& match, std::u16string_view delimiter);
+
+  Dependencies use_;
+  GraphemeBuffer potentialAbbreviation_;
+  Subscription abbreviationMouseEventMonitor;
+  std::unique_ptr<EventTap::Port> _eventTap;
+  std::shared_ptr<const RunningApplication> lastActiveApplication;
+  Subscription settingsObservation_;
+  LifeToken life_;
+};
+
+}  // namespace quorlo

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "app/settings/settings_controller.h"
+#include "app/settings/sound_manager.h"
+#include "engine/abbreviations_monitor.h"
+#include "engine/accessibility_manager.h"
+#include "engine/paste_controller.h"
+#include "engine/snippet_preparation.h"
+#include "fakes/fake_alerts.h"
+#include "fakes/fake_audio_player.h"
+#include "fakes/fake_background_queue.h"
+#include "fakes/fake_desktop.h"
+#include "fakes/fake_environment.h"
+#include "fakes/fake_own_application.h"
+#include "fakes/fake_user_defaults.h"
+#include "fakes/fake_user_notifications.h"
+#include "store/folder_types.h"
+#include "store/managed_object_context.h"
+#include "store/persistence_controller.h"
+#include "store/ql_app.h"
+#include "store/ql_category.h"
+#include "store/ql_snippet.h"
+#include "store/ql_user.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace quorlo {
+
+// A preparation whose outcome the test chooses; hands the content on in one piece until told otherwise.
+class ChosenPreparation : public SnippetPreparation {
+ public:
+  void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) override {
+    if (!outcome) return whole_.prepare(std::move(content), snippet, std::move(completion));
+    completion(*outcome);
+  }
+
+  std::optional<std::optional<PreparedSnippet>> outcome;
+
+ private:
+  WholeTextPreparation whole_;
+};
+
+// The whole program on a fake desktop, with abbreviations on.
+struct ExpansionWorld : testing::Test {
+  ExpansionWorld() {
+    settings.setAccessibilityCheck(
+        [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
+    settings.setPlaySound(false);
+    settings.setAbbreviationsEnabled(true);
+    desktop.queue.settle();
+  }
+
+  std::shared_ptr<QLSnippet> add(std::u16string abbreviation, std::u16string text) {
+    auto snippet = context.insert<QLSnippet>();
+    snippet->setText(AttributedString(std::move(text)));
+    snippet->setAbbreviation(std::move(abbreviation));
+    return snippet;
+  }
+
+  std::shared_ptr<QLCategory> addFolder(ExpansionBehavior behavior, QLSnippet& snippet) {
+    auto folder = context.insert<QLCategory>();
+    folder->setExpansionBehavior(static_cast<std::int64_t>(behavior));
+    snippet.setCategory(folder.get());
+    return folder;
+  }
+
+  std::shared_ptr<QLApp> addApp(const std::string& bundleID, AppType type) {
+    auto app = context.insert<QLApp>();
+    app->setBundleID(bundleID);
+    app->setType(static_cast<std::int64_t>(type));
+    return app;
+  }
+
+  void useLastSymbol() { settings.setAbbreviationsTriggerType(AbbreviationTriggerType::lastSymbol); }
+
+  FakeDesktop desktop;
+  FakeUserDefaults defaults;
+  FakeEnvironment environment;
+  FakeAlerts alerts;
+  FakeAudioPlayer player;
+  FakeBackgroundQueue background;
+  FakeOwnApplication ownApplication;
+  FakeUserNotifications notifications;
+  ChosenPreparation preparation;
+
+  SettingsController settings{defaults, desktop.queue, [this] { return environment.now(); },
+                              [] { return std::nullopt; }};
+  PersistenceController persistence{desktop.queue, environment};
+  ManagedObjectContext& context = persistence.managedObjectContext();
+  SoundManager sound{settings, environment, player, background};
+  AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
+  PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, ownApplication,
+                         notifications, settings, sound, preparation}};
+  AbbreviationsMonitor monitor{
+      {desktop.queue, desktop, desktop, desktop, settings, accessibility, persistence, context, paste}};
+};
+
+}  // namespace quorlo
