@@ -1,0 +1,111 @@
+// The whole program on a virtual desktop: how long an expansion takes beyond its documented delay, what the
+// program weighs with 10,000 snippets, and how often it wakes while nothing happens.
+//
+// quorlo_desktop_bench [--figures FILE]; the program is the one of the same build.
+
+#include "desktop/rig/quorlo_program.h"
+#include "desktop/rig/virtual_desktop.h"
+#include "desktop/rig/wait.h"
+#include "figures.h"
+#include "target_window.h"
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr int kExpansions = 60;
+constexpr milliseconds kStartDelay{50};  // before the first piece, by design
+constexpr int kIdleSeconds = 10;
+
+std::string library(int snippets) {
+  std::string text =
+      R"({"snippets": [{"uuid": "SIG", "title": "sig", "text": "Kind regards", "formatted": 0, "abbreviation": "sig"})";
+  for (int i = 1; i < snippets; ++i) {
+    text += fmt::format(
+        R"(, {{"uuid": "U{0}", "title": "Snippet {0}", "text": "The text of snippet {0}, a line of the usual length, with some more words", "formatted": 0, "abbreviation": "Q{0}"}})",
+        i);
+  }
+  return text + "]}";
+}
+
+// The number behind `name` in a status file of /proc.
+std::int64_t statusValue(const std::filesystem::path& file, const std::string& name) {
+  std::ifstream in(file);
+  std::string word;
+  while (in >> word) {
+    std::int64_t value = 0;
+    if (word == name + ":" && in >> value) return value;
+  }
+  throw std::runtime_error(file.string() + " has no " + name);
+}
+
+std::int64_t wakeUps(pid_t process) {
+  std::int64_t sum = 0;
+  for (const auto& task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process))) {
+    sum += statusValue(task.path() / "status", "voluntary_ctxt_switches");
+    std::ifstream children(task.path() / "children");
+    pid_t child = 0;
+    while (children >> child) sum += wakeUps(child);
+  }
+  return sum;
+}
+
+double expandOverhead(VirtualDesktop& desktop) {
+  auto& keyboard = desktop.keyboard();
+  TargetWindow target(desktop.display(), keyboard.keycodeOf("v"));
+  desktop.windows().activate(target.window());
+  std::vector<double> samples;
+  for (int i = 0; i < kExpansions; ++i) {
+    target.ownClipboard("what the user copied");
+    target.serve(milliseconds(50));
+    keyboard.type("sig", milliseconds(10));
+    const auto begin = TargetWindow::Clock::now();
+    keyboard.tap("space");
+    const auto end = target.waitForPaste();
+    if (target.pasted() != "Kind regards ") throw std::runtime_error("pasted: " + target.pasted());
+    samples.push_back(std::chrono::duration<double, std::milli>(end - begin - kStartDelay).count());
+    target.serve(milliseconds(600));  // until the clipboard has been given back
+  }
+  return percentile(samples, 0.95);
+}
+
+void run(Figures& figures) {
+  VirtualDesktop desktop;
+  QuorloProgram quorlo(desktop, QUORLO, library(10'000));
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+
+  const auto before = wakeUps(quorlo.process().pid());
+  std::this_thread::sleep_for(std::chrono::seconds(kIdleSeconds));
+  const auto after = wakeUps(quorlo.process().pid());
+  figures.add("idle_wakeups_per_s", static_cast<double>(after - before) / kIdleSeconds);
+
+  figures.add("expand_overhead_p95_ms", expandOverhead(desktop));
+
+  const auto status = fmt::format("/proc/{}/status", quorlo.process().pid());
+  figures.add("rss_mb_10k", static_cast<double>(statusValue(status, "VmRSS")) / 1024);
+}
+
+}  // namespace
+}  // namespace quorlo
+
+int main(int argc, char** argv) {
+  try {
+    quorlo::Figures figures(argc, argv);
+    quorlo::run(figures);
+  } catch (const std::exception& problem) {
+    std::cerr << "desktop bench: " << problem.what() << "\n";
+    return 1;
+  }
+}
