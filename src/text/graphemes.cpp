@@ -1,5 +1,7 @@
 #include "text/graphemes.h"
 
+#include "base/fatal.h"
+
 #include <unicode/localpointer.h>
 #include <unicode/ubrk.h>
 #include <unicode/utf16.h>
@@ -7,8 +9,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace quorlo {
 namespace {
@@ -28,8 +28,7 @@ bool isPrintableAscii(std::u16string_view text) {
 // The rules are part of ICU's own data library, without which the program does not load.
 void require(UErrorCode status) {
   if (U_SUCCESS(status)) return;
-  std::fprintf(stderr, "ICU cannot find character boundaries: %s\n", u_errorName(status));
-  std::abort();
+  fatal("ERROR: ICU cannot find character boundaries: " + std::string(u_errorName(status)));
 }
 
 // A break iterator is costly to make and cheap to set to another text.

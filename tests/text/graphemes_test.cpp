@@ -47,11 +47,11 @@ TEST(GraphemeBuffer, KeepsTheBoundariesOfTheWholeTextWhateverIsTyped) {
     GraphemeBuffer buffer;
     std::u16string typed;
     for (int key = 0; key < 60; ++key) {
-      const auto keyText = randomText(random, 3);
       if (pick(random, 6) == 0) {
         typed.resize(lastGraphemeStart(typed));
         buffer.removeLast();
       } else {
+        const auto keyText = randomText(random, 3);
         typed += keyText;
         buffer.append(keyText);
       }
@@ -59,22 +59,21 @@ TEST(GraphemeBuffer, KeepsTheBoundariesOfTheWholeTextWhateverIsTyped) {
       ASSERT_NO_FATAL_FAILURE(expectAsCounted(buffer));
     }
     buffer.clear();
-    EXPECT_TRUE(buffer.empty());
     EXPECT_EQ(buffer.graphemeCount(), 0u);
   }
 }
 
 TEST(GraphemeBuffer, LooksOnlyAtTheEndsOfAnEndlessCluster) {
   const std::u16string marks(200, u'\u0301');
-  for (const std::u16string start :
-       {u"e", u"\U0001F468", u"\U0001F1E9\U0001F1EA", u"\U0001F1E9", u"\u1100"}) {
-    for (const std::u16string end : {u"", u"\u200D", u"\u0903", u"\u200D\xD83D"}) {
-      for (const std::u16string next :
+  const std::initializer_list<std::u16string> starts = {u"e", u"\U0001F468", u"\U0001F1E9\U0001F1EA",
+                                                        u"\U0001F1E9", u"\u1100"};
+  const std::initializer_list<std::u16string> ends = {u"", u"\u200D", u"\u0903", u"\u200D\xD83D"};
+  for (const auto& start : starts) {
+    for (const auto& end : ends) {
+      for (const auto* next :
            {u"a", u"\u0301", u"\U0001F469", u"\U0001F1EB", u"\u1161", u"\r\n", u"\xDC69"}) {
         GraphemeBuffer buffer;
-        buffer.append(start + marks);
-        buffer.append(end);
-        buffer.append(next);
+        for (const auto& part : {start + marks, end, std::u16string(next)}) buffer.append(part);
         ASSERT_NO_FATAL_FAILURE(expectAsCounted(buffer));
       }
     }
