@@ -13,6 +13,10 @@ if(QUORLO_CCACHE)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # False alarms in optimised std::string concatenation (GCC bug 105651).
+  add_compile_options(-Wno-restrict)
+endif()
 if(QUORLO_WERROR)
   add_compile_options(-Werror)
 endif()
