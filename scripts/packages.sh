@@ -8,6 +8,7 @@ build_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev jq
 )
 run_packages=(qt6-qpa-plugins xkb-data)
+lint_packages=(clang-format clang-tidy)
 desktop_packages=(
   xserver-xorg-core xserver-xorg-video-dummy xserver-xorg-dev openbox x11-xserver-utils x11-utils
   x11-xkb-utils dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot
