@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/user_notifications.h"
+
+#include <memory>
+
+namespace quorlo {
+
+class MainQueue;
+
+// Notifications of the desktop (freedesktop.org's Desktop Notifications Specification). The session bus
+// is met at the first notification; without a bus or a server, notifications are lost. Needs the
+// QCoreApplication.
+class DBusUserNotifications final : public UserNotifications {
+ public:
+  explicit DBusUserNotifications(MainQueue& queue);
+  ~DBusUserNotifications() override;
+
+  void post(UserNotification notification) override;
+  void setActionHandler(ActionHandler handler) override;
+
+ private:
+  class Server;
+
+  MainQueue& queue_;
+  std::shared_ptr<Server> server_;
+};
+
+}  // namespace quorlo

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/main_queue.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+class QObject;
+class QTimer;
+
+namespace quorlo {
+
+// The main queue on Qt's event loop; tasks run in nested loops (modal alerts) too. Made and destroyed on
+// the main thread, within the life of the QCoreApplication.
+class QtMainQueue final : public MainQueue {
+ public:
+  QtMainQueue();
+  ~QtMainQueue() override;
+
+  void run(Task task) override;
+  void runAfter(Seconds delay, Task task) override;
+  Instant now() const override { return std::chrono::steady_clock::now(); }
+
+ private:
+  void add(Instant due, Task task);
+  // Runs what is due and was queued before the call; what those tasks queue waits for the next turn of
+  // the event loop, so that endless work leaves Qt its share.
+  void runDue();
+  void setTimer();
+
+  std::mutex mutex_;  // guards the tasks and lastTask_
+  std::map<std::pair<Instant, std::uint64_t>, Task> tasks_;
+  std::uint64_t lastTask_ = 0;
+  std::unique_ptr<QTimer> timer_;
+  std::unique_ptr<QObject> wakeUps_;  // receives the calls of other threads
+};
+
+}  // namespace quorlo

@@ -1,0 +1,52 @@
+#include "ui/qt_own_application.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QWidget>
+
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+// Windows in the user's sense: neither menus nor tool tips. An alert that waits for its answer counts as
+// none, for hiding it would answer it.
+std::vector<QWidget*> visibleWindows() {
+  std::vector<QWidget*> windows;
+  for (auto* const widget : QApplication::topLevelWidgets()) {
+    const auto type = widget->windowType();
+    const auto isWindow = type == Qt::Window || (type == Qt::Dialog && !widget->isModal());
+    if (isWindow && widget->isVisible()) windows.push_back(widget);
+  }
+  return windows;
+}
+
+}  // namespace
+
+struct QtOwnApplication::HiddenWindows {
+  std::vector<QPointer<QWidget>> windows;  // null for one closed for good meanwhile
+};
+
+QtOwnApplication::QtOwnApplication() : hidden_(std::make_unique<HiddenWindows>()) {}
+
+QtOwnApplication::~QtOwnApplication() = default;
+
+bool QtOwnApplication::hasVisibleWindows() const {
+  return !visibleWindows().empty();
+}
+
+void QtOwnApplication::hide() {
+  for (auto* const window : visibleWindows()) {
+    hidden_->windows.emplace_back(window);
+    window->hide();
+  }
+}
+
+void QtOwnApplication::unhide() {
+  for (const auto& window : std::exchange(hidden_->windows, {})) {
+    if (window) window->show();
+  }
+}
+
+}  // namespace quorlo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/environment.h"
+
+namespace quorlo {
+
+// The environment variables, the clock and the folders of this session.
+class SystemEnvironment final : public Environment {
+ public:
+  // `programDirectory` is where the running program lies.
+  explicit SystemEnvironment(std::filesystem::path programDirectory);
+
+  Date now() const override;
+
+  // From LANGUAGE, LC_ALL, LC_TIME and LANG.
+  std::vector<std::string> preferredLanguages() const override;
+  std::string timeZone() const override;
+  std::filesystem::path dataDirectory() const override;
+  std::filesystem::path resourcesDirectory() const override;
+
+  // The languages of the program's own texts: as above, but with LC_MESSAGES in the place of LC_TIME.
+  std::vector<std::string> textLanguages() const;
+
+  // Where the settings lie; may not exist yet.
+  std::filesystem::path configDirectory() const;
+
+ private:
+  std::filesystem::path programDirectory_;
+};
+
+}  // namespace quorlo

@@ -1,0 +1,159 @@
+#include "fakes/fake_main_queue.h"
+#include "ui/dbus_user_notifications.h"
+#include "ui/event_loop.h"
+#include "ui/pulse_audio_player.h"
+#include "ui/qt_alerts.h"
+#include "ui/qt_own_application.h"
+#include "ui/system_environment.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QMessageBox>
+#include <QProcess>
+#include <QTimer>
+#include <QWidget>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+TEST(SystemEnvironment, ListsTheLanguagesOfTheSession) {
+  const SystemEnvironment environment("/usr/bin");
+  const auto languages = [&](const char* language, const char* all, const char* time, const char* lang) {
+    setenv("LANGUAGE", language, 1);
+    setenv("LC_ALL", all, 1);
+    setenv("LC_TIME", time, 1);
+    setenv("LANG", lang, 1);
+    unsetenv("LC_MESSAGES");
+    return environment.preferredLanguages();
+  };
+  EXPECT_THAT(languages("", "", "", ""), ElementsAre("en"));
+  EXPECT_THAT(languages("", "C", "POSIX", "C.UTF-8"), ElementsAre("en"));
+  EXPECT_THAT(languages("", "", "de_DE.UTF-8", "en_GB.UTF-8"), ElementsAre("de_DE", "en_GB"));
+  EXPECT_THAT(environment.textLanguages(), ElementsAre("en_GB"));
+  EXPECT_THAT(languages("pt_BR:pt::en", "", "", "pt_BR@euro"), ElementsAre("pt_BR", "pt", "en"));
+}
+
+TEST(SystemEnvironment, FindsItsResourcesInTheBuildTreeAndWhereItIsInstalled) {
+  EXPECT_EQ(SystemEnvironment(fs::path(QUORLO_RESOURCES).parent_path() / "bin").resourcesDirectory(),
+            QUORLO_RESOURCES);
+  EXPECT_EQ(SystemEnvironment("/opt/quorlo/bin").resourcesDirectory(), "/opt/quorlo/share/quorlo");
+}
+
+TEST(PulseAudioPlayer, MeasuresSoundsAndIsSilentWithoutAServer) {
+  PulseAudioPlayer player;
+  const auto tap = fs::path(QUORLO_RESOURCES) / "sounds" / "Tap.wav";
+  EXPECT_NEAR(player.duration(tap).value().count(), 0.12, 0.001);
+  EXPECT_FALSE(player.duration("/nowhere.wav").ok());
+  EXPECT_FALSE(player.duration("/etc/passwd").ok());
+  setenv("PULSE_SERVER", "unix:/nowhere", 1);
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(player.play(tap).ok());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_FALSE(player.play("/nowhere.wav").ok());
+}
+
+TEST(QtAlerts, AnswersWithTheButtonChosenAndTheLastOneWhenClosed) {
+  QtAlerts alerts;
+  const Alert alert{u"<b>Message</b>", u"More", {u"Open System Settings", u"Deny"}};
+  const auto answer = [&](auto user) {
+    QTimer::singleShot(0, [&] { user(*qobject_cast<QMessageBox*>(QApplication::activeModalWidget())); });
+    return alerts.runModal(alert);
+  };
+  EXPECT_EQ(answer([](QMessageBox& box) { box.buttons().front()->click(); }), 0U);
+  EXPECT_EQ(answer([](QMessageBox& box) { box.buttons().back()->click(); }), 1U);
+  EXPECT_EQ(answer([](QMessageBox& box) { box.close(); }), 1U);
+}
+
+TEST(QtOwnApplication, ShowsAgainTheWindowsThatItHid) {
+  QtOwnApplication application;
+  QWidget open, closed;
+  QWidget menu(nullptr, Qt::Popup);
+  open.show();
+  menu.show();
+  ASSERT_TRUE(application.hasVisibleWindows());
+  {
+    QWidget destroyedMeanwhile;
+    destroyedMeanwhile.show();
+    application.hide();
+  }
+  EXPECT_FALSE(application.hasVisibleWindows());
+  application.unhide();
+  EXPECT_TRUE(open.isVisible());
+  EXPECT_FALSE(closed.isVisible());
+}
+
+// Shows nothing; keeps what it is sent.
+class NotificationServer : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+ public:
+  std::vector<QStringList> shown;  // title, body, actions
+
+ public Q_SLOTS:
+  uint Notify(const QString&, uint, const QString&, const QString& title, const QString& body,
+              const QStringList& actions, const QVariantMap&, int) {
+    shown.push_back(QStringList{title, body} + actions);
+    return static_cast<uint>(shown.size());
+  }
+
+ Q_SIGNALS:
+  void ActionInvoked(uint notification, const QString& action);
+};
+
+TEST(DBusUserNotifications, ShowAfterTheirDelayAndReportTheirOwnActions) {
+  QProcess daemon;
+  daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+  ASSERT_TRUE(daemon.waitForReadyRead());
+  const auto address = QString::fromUtf8(daemon.readAllStandardOutput()).trimmed();
+  qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
+  auto bus = QDBusConnection::connectToBus(address, "server");
+  NotificationServer server;
+  ASSERT_TRUE(bus.registerObject("/org/freedesktop/Notifications", &server,
+                                 QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+  ASSERT_TRUE(bus.registerService("org.freedesktop.Notifications"));
+
+  FakeMainQueue queue;
+  DBusUserNotifications notifications(queue);
+  std::vector<std::string> chosen;
+  notifications.setActionHandler([&](const std::string& category) { chosen.push_back(category); });
+  notifications.post({u"Title", u"1 < 2", "First", u"Don't show again", Seconds(0.1)});
+  queue.advance(Seconds(0.09));
+  runEventLoopFor(Seconds(0.01));
+  EXPECT_TRUE(server.shown.empty());
+  queue.advance(Seconds(0.01));
+  ASSERT_TRUE(runEventLoopUntil([&] { return server.shown.size() == 1; }));
+  EXPECT_EQ(server.shown[0], (QStringList{"Title", "1 &lt; 2", "action", "Don't show again"}));
+  Q_EMIT server.ActionInvoked(99, "action");
+  Q_EMIT server.ActionInvoked(1, "default");
+  EXPECT_TRUE(runEventLoopUntil([&] {
+    Q_EMIT server.ActionInvoked(1, "action");
+    return !chosen.empty();
+  }));
+  EXPECT_EQ(chosen[0], "First");
+
+  QDBusConnection::disconnectFromBus("server");
+  daemon.terminate();
+  daemon.waitForFinished();
+  notifications.post({u"Lost", u"", "", u"", Seconds(0)});
+  queue.settle();
+  runEventLoopFor(Seconds(0.01));
+}
+
+}  // namespace
+}  // namespace quorlo
+
+#include "desktop_services_test.moc"
