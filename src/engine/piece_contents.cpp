@@ -53,7 +53,9 @@ PasteboardItem pieceContents(const AttributedString& piece, SnippetType type) {
   PasteboardItem item;
   const auto plain = plainForm(piece.string());
   if (type == SnippetType::image) addFirstPicture(item, piece);
-  if (type == SnippetType::image || type == SnippetType::formatted) addHtml(item, piece);
+  // Where nothing is styled, HTML would only bring the style of its reader's defaults.
+  const bool mayBeRich = type == SnippetType::image || type == SnippetType::formatted;
+  if (mayBeRich && !piece.isPlain()) addHtml(item, piece);
   // Beside a picture, blank text would be taken for the content by programs that prefer text.
   if (type != SnippetType::image || !isBlank(plain)) item.setText(toUtf8(plain));
   return item;
