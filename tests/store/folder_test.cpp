@@ -1,0 +1,136 @@
+#include "test_library.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+
+namespace quorlo {
+namespace {
+
+using Titles = std::vector<std::u16string>;
+
+// One snippet for each way in which folders tell snippets apart.
+struct MixedLibrary : TestLibrary {
+  std::shared_ptr<QLCategory> userFolder = folder(CategoryType::Folder);
+  std::shared_ptr<QLCategory> trashFolder = folder(CategoryType::Trash, SourceType::General);
+  std::shared_ptr<QLCategory> sharedFolder = folder(CategoryType::SharedFolder, SourceType::Public);
+
+  MixedLibrary() {
+    add(u"plain", 0);
+    add(u"formatted", 1)->setCategory(userFolder.get());
+    add(u"image", 2)->setCategory(sharedFolder.get());
+    add(u"code", 8)->setUseCount(1);
+    add(u"odd", 3)->setCategory(userFolder.get());
+    add(u"used in trash folder", 0)->setUseCount(5);
+    last->setCategory(trashFolder.get());
+    add(u"trashed", 8)->setUseCount(5);
+    last->setCategory(userFolder.get());
+    last->moveToTrash();
+  }
+
+  std::shared_ptr<QLSnippet> add(std::u16string title, std::int64_t formatted) {
+    last = snippet(std::move(title));
+    last->setFormatted(formatted);
+    return last;
+  }
+  std::shared_ptr<QLSnippet> last;
+};
+
+TEST(Folder, ShowsTheSnippetsOfItsKind) {
+  const std::map<CategoryType, Titles> expected{
+      {CategoryType::AllSnippets, {u"plain", u"formatted", u"image", u"code", u"odd"}},
+      {CategoryType::Macros, {}},
+      {CategoryType::Popular, {u"code"}},
+      {CategoryType::PlainText, {u"plain", u"used in trash folder"}},
+      {CategoryType::Formatted, {u"formatted"}},
+      {CategoryType::Image, {u"image"}},
+      {CategoryType::Code, {u"code"}},
+      {CategoryType::Folder, {u"formatted", u"odd"}},
+      {CategoryType::SharedFolder, {}},
+      {CategoryType::Trash, {u"trashed"}},
+  };
+  MixedLibrary library;
+  for (const auto& [type, titles] : expected) {
+    library.userFolder->setType(static_cast<std::int64_t>(type));
+    EXPECT_EQ(library.titles({.predicate = library.userFolder->predicate()}), titles)
+        << static_cast<int>(type);
+    EXPECT_EQ(library.userFolder->numberOfSnippets(), titles.size());
+  }
+  library.userFolder->setType(5);
+  EXPECT_EQ(library.titles({.predicate = library.userFolder->predicate()}), Titles{});
+}
+
+TEST(Folder, LogsEachTimeThatASharedFolderIsAskedForItsPredicate) {
+  MixedLibrary library;
+  for (int i = 0; i < 2; ++i) library.sharedFolder->predicate();
+  EXPECT_EQ(library.log, std::vector<std::string>(2, "Not yet implemented #dthjddd2"));
+}
+
+TEST(Folder, TakesTitleAndSymbolFromItsTypeAndAnnouncesBothWithIt) {
+  TestLibrary library;
+  const auto folder = library.folder(CategoryType::Folder);
+  folder->setTitle(u"Letters");
+  std::vector<std::string> announced;
+  const auto subscription =
+      folder->observeChanges([&](std::string_view name) { announced.emplace_back(name); });
+  folder->setType(static_cast<std::int64_t>(CategoryType::AllSnippets));
+  EXPECT_EQ(folder->title(), u"All Snippets");
+  for (const auto* name : {"type", "title", "image"}) {
+    EXPECT_EQ(std::ranges::count(announced, name), 1) << name;
+  }
+  folder->setType(static_cast<std::int64_t>(CategoryType::SharedFolder));
+  EXPECT_EQ(folder->title(), u"Letters");
+  EXPECT_EQ(folder->image(), "folder.badge.person.crop");
+}
+
+TEST(Folder, JoinsKeyCodeAndModifiersInItsShortcut) {
+  QLCategory folder;
+  EXPECT_EQ(folder.shortcutValue(), std::nullopt);
+  folder.setShortcutValue(Shortcut{.keyCode = 49, .modifierFlags = modifier::kCommand | modifier::kShift});
+  EXPECT_EQ(folder.shortcutKeyCode(), 49);
+  EXPECT_EQ(folder.shortcutModifierFlags(), 0x120000);
+  folder.setShortcutValue(std::nullopt);
+  EXPECT_EQ(folder.shortcutKeyCode(), std::nullopt);
+  EXPECT_EQ(folder.shortcutValue(), std::nullopt);
+}
+
+TEST(Folder, IsListedBySectionPlaceAndType) {
+  TestLibrary library;
+  const auto add = [&library](std::u16string title, SourceType source, std::int64_t sort, CategoryType type) {
+    const auto folder = library.folder(type, source);
+    folder->setSort(sort);
+    folder->setTitle(std::move(title));
+  };
+  add(u"shared", SourceType::Public, 0, CategoryType::SharedFolder);
+  add(u"second", SourceType::Folders, 2, CategoryType::Folder);
+  add(u"first", SourceType::Folders, 1, CategoryType::Folder);
+  add(u"", SourceType::General, 5, CategoryType::Trash);
+  add(u"", SourceType::General, 5, CategoryType::Popular);
+  Titles titles;
+  const auto folders = library.context.fetch<QLCategory>({.sortDescriptors = QLCategory::sortDescriptors()});
+  for (const auto& each : folders.value()) titles.push_back(each->title());
+  EXPECT_EQ(titles, (Titles{u"Popular", u"Trash", u"first", u"second", u"shared"}));
+  EXPECT_EQ(folders.value().front()->sourceName(), u"");
+  EXPECT_EQ(folders.value().back()->sourceName(), u"Public");
+}
+
+TEST(Enumerations, ExistOnlyForTheirRawValues) {
+  std::vector<std::int64_t> snippetTypes, sourceTypes, categoryTypes, behaviors;
+  for (std::int64_t raw = -20; raw <= 120; ++raw) {
+    if (snippetType(raw)) snippetTypes.push_back(raw);
+    if (sourceType(raw)) sourceTypes.push_back(raw);
+    if (categoryType(raw)) categoryTypes.push_back(raw);
+    if (expansionBehavior(raw)) behaviors.push_back(raw);
+  }
+  EXPECT_EQ(snippetTypes, (std::vector<std::int64_t>{0, 1, 2, 8}));
+  EXPECT_EQ(sourceTypes, (std::vector<std::int64_t>{0, 10, 20}));
+  EXPECT_EQ(categoryTypes, (std::vector<std::int64_t>{-10, -9, -8, -7, -6, -5, -4, 0, 10, 100}));
+  EXPECT_EQ(behaviors, (std::vector<std::int64_t>{0, 10, 20, 30}));
+  EXPECT_EQ(displayName(SnippetType::code), u"Code");
+  EXPECT_EQ(symbolName(SnippetType::plainText), "text.justify.left");
+  EXPECT_EQ(title(ExpansionBehavior::AllApplicationsWithExeption), u"All Applications, except");
+}
+
+}  // namespace
+}  // namespace quorlo

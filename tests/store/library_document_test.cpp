@@ -1,0 +1,225 @@
+#include "store/library_document.h"
+
+#include "store/library_exchange.h"
+#include "test_library.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace quorlo {
+namespace {
+
+using Titles = std::vector<std::u16string>;
+
+constexpr std::string_view kLibrary = R"({
+  "version": 1,
+  "snippets": [
+    {"uuid": "A", "title": "Signature", "text": "Kind regards", "formatted": 0, "abbreviation": "sig"},
+    {"uuid": "b-2", "title": "", "text": {"string": "Hi", "runs": [{"location": 0, "length": 2, "bold": true}]}},
+    {"text": "no uuid", "abbreviation": null}
+  ],
+  "folders": [
+    {"uuid": "F", "title": "Work", "sort": -3, "expansionBehavior": 20, "allowedApps": ["org.example.Editor"],
+     "blockedApps": ["org.example.Editor"], "snippets": ["A"]},
+    {"title": "Shared", "type": 10, "snippets": ["b-2"]}
+  ],
+  "excludedApplications": ["org.example.Terminal"]
+})";
+
+TEST(LibraryDocument, FillsAnEmptyLibrary) {
+  TestLibrary library;
+  const auto report = readLibrary(kLibrary, "test.json", library.context);
+  ASSERT_TRUE(report) << report.error().message;
+  EXPECT_EQ(report.value().addedSnippets, 3U);
+  EXPECT_EQ(report.value().addedFolders, 2U);
+  const auto signature = library.controller.snippet("A");
+  EXPECT_EQ(signature->plainText(), u"Kind regards");
+  EXPECT_TRUE(signature->titleIsCustom());
+  EXPECT_EQ(library.context.liveSnippet(u"sig").value(), signature);
+  const auto folder = signature->category();
+  EXPECT_EQ(folder->uuid(), "F");
+  EXPECT_EQ(folder->sort(), -3);
+  EXPECT_EQ(folder->expansionBehavior(), 20);
+  ASSERT_EQ(folder->allowedApps().size(), 1U);
+  EXPECT_NE(*folder->allowedApps().begin(), *folder->blockedApps().begin());
+
+  const auto shared = library.controller.snippet("b-2");
+  EXPECT_EQ(shared->type(), SnippetType::formatted);
+  EXPECT_TRUE(shared->text().attributesAt(0).bold);
+  EXPECT_FALSE(shared->isLive());
+  EXPECT_TRUE(library.context.hasApp("org.example.Terminal", 0).value());
+}
+
+TEST(LibraryDocument, AddsNothingWhenReadTwiceAndLeavesTheUsersChangesAlone) {
+  TestLibrary library;
+  ASSERT_TRUE(readLibrary(kLibrary, "test.json", library.context));
+  library.controller.snippet("A")->setPlainText(u"mine");
+  library.queue.settle();
+  const auto again = readLibrary(kLibrary, "test.json", library.context);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again.value().addedSnippets + again.value().addedFolders, 0U);
+  EXPECT_EQ(again.value().presentSnippets, 3U);
+  EXPECT_FALSE(library.context.hasChanges());
+  EXPECT_EQ(library.controller.snippet("A")->plainText(), u"mine");
+}
+
+TEST(LibraryDocument, TakesAPlainListOfSnippetsAndTellsTheOnesWithoutUuidApartByContent) {
+  TestLibrary library;
+  const auto report = readLibrary("\xEF\xBB\xBF[{\"text\": \"a\"}, {\"text\": \"b\"}, {\"text\": \"a\"}]",
+                                  "list", library.context);
+  ASSERT_TRUE(report) << report.error().message;
+  EXPECT_EQ(report.value().addedSnippets, 2U);
+}
+
+TEST(LibraryDocument, KeepsASnippetWithoutAnAbbreviationThatCannotBe) {
+  TestLibrary library;
+  library.snippet(u"Old", u"taken");
+  const std::string thirtyOne = "0123456789012345678901234567890";
+  const auto report = readLibrary(R"({"snippets": [
+      {"uuid": "1", "title": "First", "text": "t", "abbreviation": "two"},
+      {"uuid": "2", "title": "Second", "text": "t", "abbreviation": "two"},
+      {"uuid": "3", "title": "Third", "text": "t", "abbreviation": "taken"},
+      {"uuid": "4", "title": "Fourth", "text": "t", "abbreviation": "a b"},
+      {"uuid": "5", "title": "Fifth", "text": "t", "abbreviation": ")" +
+                                      thirtyOne + R"("},
+      {"uuid": "6", "title": "Sixth", "text": "t", "abbreviation": ")" +
+                                      thirtyOne.substr(1) + R"("},
+      {"uuid": "7", "title": "Shared", "text": "t", "abbreviation": "two"}],
+      "folders": [{"type": 10, "snippets": ["7"]}]})",
+                                  "test.json", library.context);
+  ASSERT_TRUE(report) << report.error().message;
+  EXPECT_EQ(report.value().addedSnippets, 7U);
+  const std::vector<std::string> expected{
+      R"(The abbreviation "two" of "Second" is already in use by "First"; the snippet was kept without it.)",
+      R"(The abbreviation "taken" of "Third" is already in use by "Old"; the snippet was kept without it.)",
+      R"(The abbreviation "a b" of "Fourth" contains a space; the snippet was kept without it.)",
+      R"(The abbreviation ")" + thirtyOne +
+          R"(" of "Fifth" is longer than 30 characters; the snippet was kept without it.)",
+  };
+  EXPECT_EQ(report.value().warnings, expected);
+  ASSERT_EQ(library.log.size(), 4U);
+  EXPECT_EQ(library.log[0], "WARNING: #ldc7Abr - " + expected[0]);
+  EXPECT_EQ(library.controller.snippet("2")->abbreviation(), u"");
+  EXPECT_EQ(library.controller.snippet("6")->abbreviation().size(), 30U);
+  EXPECT_EQ(library.controller.snippet("7")->abbreviation(), u"two");
+}
+
+TEST(LibraryDocument, RefusesAFaultyDocumentWholeAndSaysWhereTheFaultIs) {
+  const std::vector<std::pair<std::string, std::string>> cases{
+      {"", "Line 1, column 1 is not JSON"},
+      {"{\n  \"snippets\": [\n    \"ä\" x]}", "Line 3, column 9 is not JSON"},
+      {R"([{"text": "a"}, {"text": "a)", "Line 1, column"},
+      {"[{\"text\": \"\xFF\"}]", "Line 1, column 12 is not JSON"},
+      {"[1e999]", "out of range"},
+      {std::string(1'000'000, '['), "nested too deeply"},
+      {"3", "is not an object"},
+      {R"([{"text": "a"}, 7])", "\"[1]\" is not an object"},
+      {R"([{"text": "a"}, {"title": "b"}])", "\"[1].text\" is missing: every snippet needs a text."},
+      {R"([{"text": null}])", "\"[0].text\""},
+      {R"([{"text": {"string": "a", "runs": [{"location": 0, "length": 9}]}}])", "\"[0].text\""},
+      {R"([{"text": "a", "title": 5}])", "\"[0].title\" is not a string."},
+      {R"([{"text": "a", "formatted": 3}])", "\"[0].formatted\" is no type of snippet: use 0"},
+      {R"([{"text": "a", "formatted": "code"}])", "\"[0].formatted\" is not a whole number."},
+      {R"([{"text": "a", "formatted": 18446744073709551615}])", "\"[0].formatted\" is not a whole number."},
+      {R"([{"text": "a", "abreviation": "x"}])", "\"[0].abreviation\" is not a key of a snippet"},
+      {R"([{"text": "a", "uuid": "U"}, {"text": "b", "uuid": "U"}])",
+       "\"[1].uuid\" stands in the document before"},
+      {R"({"version": 2, "snippets": []})", "\"version\" is not 1"},
+      {R"({"snipets": []})", "\"snipets\" is not a key of a library"},
+      {R"({"snippets": {}})", "\"snippets\" is not a list."},
+      {R"({"snippets": [{"text": "a"}], "folders": [{"type": 100}]})",
+       "\"folders[0].type\" is no type of folder"},
+      {R"({"folders": [{"expansionBehavior": 5}]})",
+       "\"folders[0].expansionBehavior\" is no expansion behavior"},
+      {R"({"folders": [{"allowedApps": [""]}]})", "\"folders[0].allowedApps[0]\" is empty."},
+      {R"({"folders": [{"title": "W", "snippets": ["U"]}]})",
+       "The folder \"W\" names the snippet U, which is neither"},
+      {R"({"snippets": [{"text": "a", "uuid": "U"}],
+           "folders": [{"title": "V", "snippets": ["U"]}, {"title": "W", "snippets": ["U"]}]})",
+       "The snippet U is in two folders, \"V\" and \"W\""},
+  };
+  TestLibrary library;
+  for (const auto& [json, message] : cases) {
+    const auto result = readLibrary(json, "my.json", library.context);
+    ASSERT_FALSE(result) << json;
+    EXPECT_EQ(result.error().message.find("my.json: "), 0U) << result.error().message;
+    EXPECT_NE(result.error().message.find(message), std::string::npos) << result.error().message;
+    EXPECT_FALSE(library.context.hasChanges()) << json;
+  }
+}
+
+TEST(LibraryDocument, SaysWhyAFileCannotBeRead) {
+  TestLibrary library;
+  const auto folder = std::filesystem::temp_directory_path();
+  const auto missing = readLibraryFile(folder / "quorlo-no-such-file.json", library.context);
+  ASSERT_FALSE(missing);
+  EXPECT_EQ(missing.error().message,
+            (folder / "quorlo-no-such-file.json").string() + " cannot be read: No such file or directory.");
+  const auto directory = readLibraryFile(folder, library.context);
+  ASSERT_FALSE(directory);
+  EXPECT_NE(directory.error().message.find("it is a folder"), std::string::npos);
+}
+
+TEST(LibraryDocument, RefusesEveryTruncatedDocumentAndIsNeverHalfRead) {
+  for (std::size_t length = 0; length + 1 < kLibrary.size(); ++length) {
+    TestLibrary library;
+    ASSERT_FALSE(readLibrary(kLibrary.substr(0, length), "cut", library.context)) << length;
+    ASSERT_FALSE(library.context.hasChanges());
+  }
+}
+
+TEST(SnippetForm, HasExactlyFiveKeysInOrderAndTextAsAStringUnlessItHasAttributes) {
+  QLSnippet snippet;
+  snippet.setUuid("U");
+  snippet.setTitle(u"T");
+  snippet.setPlainText(u"P\n");
+  snippet.setFormatted(8);
+  snippet.setAbbreviation(u"a");
+  EXPECT_EQ(toJson(exchangeForm(snippet)).dump(),
+            R"({"uuid":"U","title":"T","text":"P\n","formatted":8,"abbreviation":"a"})");
+  TextAttributes italic;
+  italic.italic = true;
+  snippet.setText(AttributedString(u"rich", italic));
+  EXPECT_TRUE(toJson(exchangeForm(snippet))["text"].is_object());
+}
+
+TEST(LibraryDocument, ReadsBackWhatItWrote) {
+  std::mt19937 random(3);
+  const auto pick = [&random](std::size_t count) { return static_cast<std::size_t>(random() % count); };
+  for (int round = 0; round < 20; ++round) {
+    TestLibrary library;
+    std::vector<std::shared_ptr<QLCategory>> folders;
+    for (std::size_t i = 0; i < pick(4); ++i) {
+      const bool isShared = pick(3) == 0;
+      folders.push_back(library.folder(isShared ? CategoryType::SharedFolder : CategoryType::Folder,
+                                       isShared ? SourceType::Public : SourceType::Folders));
+      folders.back()->setTitle(u"F\u00FC");
+      folders.back()->setExpansionBehavior(static_cast<std::int64_t>(10 * pick(4)));
+      if (pick(2) == 0) folders.back()->setShortcutValue(Shortcut{49, modifier::kOption});
+      if (pick(2) == 0) folders.back()->addBlockedApp(*library.app("org.example.App", AppType::Blocked));
+    }
+    library.app("org.example.Excluded");
+    for (std::size_t i = 0; i < pick(8); ++i) {
+      const auto snippet = library.snippet(u"t\"\u2028", std::u16string(i, u'\u00E9'));
+      TextAttributes attributes;
+      attributes.bold = pick(2) == 0;
+      attributes.custom["mark"] = "x";
+      snippet->setText(
+          AttributedString(u"text \xD83D\xDE00 \xD800", pick(2) == 0 ? attributes : TextAttributes()));
+      snippet->setFormatted(static_cast<std::int64_t>(kSnippetTypes[pick(4)]));
+      if (!folders.empty() && pick(2) == 0) snippet->setCategory(folders[pick(folders.size())].get());
+    }
+    const auto written = writeLibrary(library.context);
+    TestLibrary copy;
+    const auto report = readLibrary(written, "written", copy.context);
+    ASSERT_TRUE(report) << report.error().message;
+    EXPECT_EQ(writeLibrary(copy.context), written);
+  }
+}
+
+}  // namespace
+}  // namespace quorlo

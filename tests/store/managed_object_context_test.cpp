@@ -1,0 +1,209 @@
+#include "store/managed_object_context.h"
+
+#include "store/record_set.h"
+#include "test_library.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+namespace quorlo {
+namespace {
+
+std::vector<std::string_view> names(const std::vector<const Property*>& properties) {
+  std::vector<std::string_view> found;
+  for (const auto* each : properties) found.push_back(each->name);
+  return found;
+}
+
+TEST(Context, ShowsUnsavedChangesToFetchesAndEachRecordOnce) {
+  TestLibrary library;
+  const auto snippet = library.snippet(u"a");
+  EXPECT_EQ(library.context.fetch<QLSnippet>({}).value().front(), snippet);
+  EXPECT_EQ(library.context.object(snippet->objectID()), snippet);
+  snippet->setTitle(u"b");
+  EXPECT_EQ(library.titles({.predicate = QLSnippet::kTitle.equals(u"b")}).size(), 1U);
+  library.context.deleteObject(*snippet);
+  EXPECT_TRUE(library.titles({}).empty());
+  EXPECT_EQ(library.context.object(snippet->objectID()), nullptr);
+}
+
+TEST(Context, TellsTheChangesOfATurnTogetherEachRecordInOneList) {
+  TestLibrary library;
+  const auto kept = library.snippet(u"kept");
+  const auto doomed = library.snippet(u"doomed");
+  library.queue.runDue();
+
+  std::vector<ChangeSet> heard;
+  const auto subscription =
+      library.context.observeObjectsDidChange([&](const ChangeSet& changes) { heard.push_back(changes); });
+  kept->setTitle(u"x");
+  kept->setUseCount(1);
+  doomed->setTitle(u"y");
+  library.context.deleteObject(*doomed);
+  const auto fresh = library.snippet(u"fresh");
+  library.context.deleteObject(*library.snippet(u"came and went"));
+  EXPECT_TRUE(heard.empty());
+  library.queue.runDue();
+  ASSERT_EQ(heard.size(), 1U);
+  using Records = std::vector<std::shared_ptr<ManagedObject>>;
+  EXPECT_EQ(heard[0].inserted, Records{fresh});
+  EXPECT_EQ(heard[0].updated, Records{kept});
+  EXPECT_EQ(heard[0].deleted, Records{doomed});
+
+  fresh->setTitle(u"again");
+  library.context.processPendingChanges();
+  ASSERT_EQ(heard.size(), 2U);
+  EXPECT_EQ(heard[1].updated, Records{fresh});
+  library.queue.runDue();
+  EXPECT_EQ(heard.size(), 2U);
+}
+
+TEST(Context, KnowsWhatASaveHasToStore) {
+  TestLibrary library;
+  EXPECT_FALSE(library.context.hasChanges());
+  const auto snippet = library.snippet(u"a");
+  EXPECT_TRUE(snippet->changedProperties().empty());
+  ASSERT_TRUE(library.context.save());
+  EXPECT_FALSE(library.context.hasChanges());
+
+  snippet->setUseCount(1);
+  snippet->setDeletionDate(Date{});
+  snippet->setUseCount(2);
+  EXPECT_EQ(names(snippet->changedProperties()), (std::vector<std::string_view>{"useCount", "deletionDate"}));
+  library.context.deleteObject(*library.snippet(u"came and went"));
+  ASSERT_TRUE(library.context.save());
+  ASSERT_EQ(library.commits.size(), 2U);
+  EXPECT_TRUE(library.commits[1].inserted.empty());
+  EXPECT_EQ(library.commits[1].updated.size(), 1U);
+  EXPECT_TRUE(library.commits[1].deleted.empty());
+  EXPECT_TRUE(snippet->changedProperties().empty());
+}
+
+TEST(Context, KeepsAllChangesWhenASaveFails) {
+  TestLibrary library;
+  const auto snippet = library.snippet(u"a");
+  ASSERT_TRUE(library.context.save());
+  snippet->setTitle(u"b");
+  library.snippet(u"new");
+  library.commitResult = Error{"the disk is full"};
+  EXPECT_FALSE(library.context.save());
+  EXPECT_TRUE(library.context.hasChanges());
+  library.commitResult = {};
+  ASSERT_TRUE(library.context.save());
+  EXPECT_EQ(library.commits.back().inserted.size(), 1U);
+  EXPECT_EQ(library.commits.back().updated.size(), 1U);
+}
+
+TEST(Context, KeepsBothSidesOfARelationshipInStep) {
+  TestLibrary library;
+  const auto first = library.folder(CategoryType::Folder);
+  const auto second = library.folder(CategoryType::Folder);
+  const auto app = library.app("org.example.Editor");
+  const auto snippet = library.snippet(u"a");
+  snippet->setCategory(first.get());
+  snippet->setCategory(second.get());
+  EXPECT_TRUE(first->snippets().empty());
+  EXPECT_TRUE(second->snippets().contains(snippet.get()));
+
+  snippet->addAllowedApp(*app);
+  snippet->addBlockedSnippet(*app);
+  EXPECT_TRUE(app->allowedSnippets().contains(snippet.get()));
+  EXPECT_TRUE(app->blockedApps().contains(snippet.get()));
+  snippet->removeAllowedApp(*app);
+  EXPECT_TRUE(app->allowedSnippets().empty());
+  EXPECT_FALSE(app->blockedApps().empty());
+}
+
+TEST(Context, NullifiesRelationshipsOnDeletionAndMarksTheOtherSide) {
+  TestLibrary library;
+  const auto folder = library.folder(CategoryType::Folder);
+  const auto app = library.app("org.example.Editor");
+  const auto snippet = library.snippet(u"a");
+  snippet->setCategory(folder.get());
+  snippet->addAllowedApp(*app);
+  folder->addBlockedApp(*app);
+  ASSERT_TRUE(library.context.save());
+
+  library.context.deleteObject(*app);
+  EXPECT_TRUE(snippet->allowedApps().empty());
+  EXPECT_TRUE(folder->blockedApps().empty());
+  EXPECT_EQ(names(snippet->changedProperties()), std::vector<std::string_view>{"allowedApps"});
+
+  library.context.deleteObject(*folder);
+  EXPECT_EQ(snippet->category(), nullptr);
+  EXPECT_EQ(names(snippet->changedProperties()), (std::vector<std::string_view>{"allowedApps", "category"}));
+
+  const auto other = library.folder(CategoryType::Folder);
+  snippet->setCategory(other.get());
+  library.context.deleteObject(*snippet);
+  EXPECT_TRUE(other->snippets().empty());
+}
+
+TEST(Context, LeavesRecordsSafeToHoldAfterDeletionAndAfterItsOwnEnd) {
+  auto library = std::make_unique<TestLibrary>();
+  const auto folder = library->folder(CategoryType::Folder);
+  const auto deleted = library->snippet(u"deleted", u"del");
+  const auto held = library->snippet(u"held", u"hold");
+  held->setCategory(folder.get());
+  library->context.deleteObject(*deleted);
+  EXPECT_TRUE(deleted->isDeleted());
+  EXPECT_EQ(deleted->managedObjectContext(), nullptr);
+  deleted->setTitle(u"still a record");
+  deleted->setAbbreviation(u"x");
+  deleted->setCategory(folder.get());
+  EXPECT_EQ(deleted->category(), nullptr);
+  EXPECT_EQ(library->context.liveSnippet(u"x").value(), nullptr);
+  library->context.deleteObject(*deleted);
+
+  library.reset();
+  EXPECT_EQ(held->category(), nullptr);
+  held->setAbbreviation(u"y");
+  held->moveToTrash();
+  EXPECT_EQ(held->title(), u"held");
+}
+
+TEST(Context, RefusesRelationshipsWithRecordsOfAnotherContext) {
+  TestLibrary library, other;
+  const auto foreign = other.folder(CategoryType::Folder);
+  const auto snippet = library.snippet(u"a");
+  snippet->setCategory(foreign.get());
+  EXPECT_EQ(snippet->category(), nullptr);
+  EXPECT_TRUE(foreign->snippets().empty());
+}
+
+TEST(Context, StillFindsRecordsAfterMostWereDeleted) {
+  TestLibrary library;
+  std::vector<std::shared_ptr<QLSnippet>> snippets;
+  for (int i = 0; i < 400; ++i) snippets.push_back(library.snippet(u"s"));
+  for (int i = 0; i < 400; ++i) {
+    if (i % 10 != 0) library.context.deleteObject(*snippets[static_cast<std::size_t>(i)]);
+  }
+  EXPECT_EQ(library.titles({}).size(), 40U);
+  for (const auto& each : snippets) {
+    EXPECT_EQ(library.context.object(each->objectID()), each->isDeleted() ? nullptr : each);
+  }
+}
+
+TEST(RecordSet, HoldsWhatASetHoldsThroughGrowthAndShrinking) {
+  std::mt19937 random(1);
+  std::vector<int> values(60);
+  RecordSet<int> records;
+  std::set<int*> expected;
+  for (int step = 0; step < 4000; ++step) {
+    int* const value = &values[random() % values.size()];
+    const bool grows = random() % 100 < (step / 500 % 2 == 0 ? 80U : 20U);
+    if (grows) {
+      EXPECT_EQ(records.add(value), expected.insert(value).second);
+    } else {
+      EXPECT_EQ(records.remove(value), expected.erase(value) == 1);
+    }
+    ASSERT_EQ(std::set<int*>(records.begin(), records.end()), expected);
+    ASSERT_EQ(records.size(), expected.size());
+  }
+}
+
+}  // namespace
+}  // namespace quorlo

@@ -1,0 +1,110 @@
+#include "store/persistence_controller.h"
+
+#include "test_library.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+TEST(PersistenceController, SavesManyChangesOnceThreeAndAHalfSecondsAfterTheFirst) {
+  TestLibrary library;
+  const auto snippet = library.snippet(u"a");
+  for (int i = 1; i <= 34; ++i) {
+    library.queue.advance(Seconds(0.1));
+    snippet->setUseCount(i);
+  }
+  EXPECT_TRUE(library.commits.empty());
+  library.queue.advance(Seconds(0.2));
+  EXPECT_EQ(library.commits.size(), 1U);
+  EXPECT_FALSE(library.context.hasChanges());
+
+  library.queue.settle();
+  EXPECT_EQ(library.commits.size(), 1U);
+  snippet->setUseCount(0);
+  library.queue.settle();
+  EXPECT_EQ(library.commits.size(), 2U);
+}
+
+TEST(PersistenceController, ObservesTheContextOnceHoweverManyAsk) {
+  TestLibrary library;
+  std::size_t saves = 0;
+  for (int i = 0; i < 5; ++i) library.controller.observeObjectsDidChange(library.context);
+  library.snippet(u"a");
+  library.snippet(u"b");
+  library.queue.runDue();
+  library.controller.save();
+  saves = library.commits.size();
+  // The one save that is scheduled finds nothing to do, and nothing else is scheduled.
+  library.queue.advance(Seconds(3.6));
+  EXPECT_EQ(library.commits.size(), saves);
+  EXPECT_TRUE(library.queue.idle());
+}
+
+TEST(PersistenceController, LogsAFailedSaveAndTriesAgainAfterTheNextChange) {
+  TestLibrary library;
+  library.commitResult = Error{"the disk is full"};
+  const auto snippet = library.snippet(u"a");
+  library.queue.settle();
+  EXPECT_EQ(library.log, std::vector<std::string>{"Unresolved error the disk is full"});
+  EXPECT_TRUE(library.context.hasChanges());
+  library.commitResult = {};
+  snippet->setTitle(u"b");
+  library.queue.settle();
+  ASSERT_EQ(library.commits.size(), 1U);
+  EXPECT_EQ(library.commits[0].inserted.size(), 1U);
+}
+
+TEST(PersistenceController, DefersARequestedSaveOnlyDuringTheFirstThreeSeconds) {
+  TestLibrary library;
+  library.context.insert<QLUser>();
+  library.queue.advance(Seconds(1));
+  library.controller.requestDeferredSave();
+  library.controller.requestDeferredSave();
+  library.queue.advance(Seconds(3.4));
+  EXPECT_TRUE(library.commits.empty());
+  library.queue.advance(Seconds(0.2));
+  EXPECT_EQ(library.commits.size(), 1U);
+
+  library.context.insert<QLUser>();
+  library.controller.requestDeferredSave();
+  EXPECT_EQ(library.commits.size(), 2U);
+}
+
+TEST(PersistenceController, DropsWhatItHasScheduledWhenItGoes) {
+  FakeMainQueue queue;
+  FakeEnvironment environment;
+  int commits = 0;
+  {
+    PersistenceController controller(queue, environment, {.commit = [&commits](const ChangeSet&) {
+                                       ++commits;
+                                       return Status();
+                                     }});
+    controller.managedObjectContext().insert<QLSnippet>();
+    controller.requestDeferredSave();
+    queue.runDue();
+  }
+  queue.settle();
+  EXPECT_EQ(commits, 0);
+}
+
+TEST(PersistenceController, AnswersTheFetchesOfTheProgram) {
+  TestLibrary library;
+  const auto trashed = library.snippet(u"trashed", u"sig");
+  trashed->moveToTrash();
+  EXPECT_EQ(library.controller.snippetForAbbreviation(u"sig"), trashed);
+  const auto live = library.snippet(u"live", u"sig");
+  EXPECT_EQ(library.controller.snippetForAbbreviation(u"sig"), live);
+  EXPECT_EQ(library.controller.snippetForAbbreviation(u"SIG"), nullptr);
+  EXPECT_EQ(library.controller.snippet(trashed->uuid()), trashed);
+  EXPECT_EQ(library.controller.snippet("none"), nullptr);
+  const auto app = library.app("org.example.Editor");
+  EXPECT_EQ(library.controller.ruleApplication("org.example.Editor", 0), app);
+  EXPECT_EQ(library.controller.ruleApplication("org.example.Editor", 1), nullptr);
+  const auto user = library.controller.currentUser();
+  EXPECT_EQ(library.controller.currentUser(), user);
+  EXPECT_EQ(user->wordsPerMinute(), 40);
+}
+
+}  // namespace
+}  // namespace quorlo

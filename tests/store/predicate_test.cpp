@@ -1,0 +1,102 @@
+#include "store/predicate.h"
+
+#include "store/snippet_predicates.h"
+#include "test_library.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+TEST(Predicate, PrintsTheDocumentedTextWithoutWhatTheUserWrote) {
+  TestLibrary library;
+  const auto folder = library.folder(CategoryType::Folder);
+  EXPECT_EQ(
+      liveAbbreviation(u"secret").text(),
+      "(abbreviation == %@) AND (deletionDate == nil AND (category == nil OR category.sourceType != 20))");
+  EXPECT_EQ(outsideSharedFolders().text(), "category == nil OR category.sourceType != 20");
+  EXPECT_EQ(folder->predicate().text(), "category == %@ AND deletionDate == nil");
+  EXPECT_EQ(QLSnippet::kPlainText.contains(u"secret").text(), "plainText CONTAINS[c] %@");
+  EXPECT_EQ(QLSnippet::kDeletionDate.atMost(Date{}).text(), "deletionDate <= %@");
+  EXPECT_EQ(QLUser::kSavedMinutes.greaterThan(2.5).text(), "savedMinutes > 2.5");
+  EXPECT_EQ(Predicate::always(false).text(), "FALSEPREDICATE");
+}
+
+TEST(Predicate, TakesAMissingFolderForOneOfAnotherTypeAndEveryOtherComparisonWithNilForFalse) {
+  QLSnippet snippet;
+  const Date date(std::chrono::seconds(5));
+  EXPECT_TRUE(QLSnippet::kCategoryType.differsFrom(100).evaluate(snippet));
+  EXPECT_TRUE(QLSnippet::kCategoryType.isNil().evaluate(snippet));
+  EXPECT_FALSE(QLSnippet::kCategoryType.equals(100).evaluate(snippet));
+  EXPECT_FALSE(QLSnippet::kAbbreviation.contains(u"").evaluate(snippet));
+  for (const auto& each :
+       {QLSnippet::kDeletionDate.atMost(date), QLSnippet::kDeletionDate.lessThan(date),
+        QLSnippet::kDeletionDate.atLeast(date), QLSnippet::kDeletionDate.greaterThan(date)}) {
+    EXPECT_FALSE(each.evaluate(snippet)) << each.text();
+  }
+}
+
+TEST(Predicate, ComparesAtTheBoundaryAsItSays) {
+  QLSnippet snippet;
+  snippet.setUseCount(3);
+  const auto holds = [&snippet](const Predicate& each) { return each.evaluate(snippet); };
+  EXPECT_TRUE(holds(QLSnippet::kUseCount.equals(3)));
+  EXPECT_TRUE(holds(QLSnippet::kUseCount.atMost(3)));
+  EXPECT_TRUE(holds(QLSnippet::kUseCount.atLeast(3)));
+  EXPECT_FALSE(holds(QLSnippet::kUseCount.lessThan(3)));
+  EXPECT_FALSE(holds(QLSnippet::kUseCount.greaterThan(3)));
+  EXPECT_FALSE(holds(QLSnippet::kUseCount.differsFrom(3)));
+}
+
+TEST(Predicate, MatchesAbbreviationsExactlyAndSearchesTextsCaselessly) {
+  QLSnippet snippet;
+  snippet.setAbbreviation(u"Sig");
+  snippet.setPlainText(u"Grüße aus der Straße");
+  EXPECT_TRUE(QLSnippet::kAbbreviation.equals(u"Sig").evaluate(snippet));
+  EXPECT_FALSE(QLSnippet::kAbbreviation.equals(u"sig").evaluate(snippet));
+  EXPECT_TRUE(QLSnippet::kPlainText.contains(u"STRASSE").evaluate(snippet));
+  EXPECT_FALSE(QLSnippet::kPlainText.contains(u"").evaluate(snippet));
+}
+
+TEST(Predicate, KeepsTheFolderThatItComparesWith) {
+  TestLibrary library;
+  auto folder = library.folder(CategoryType::Folder);
+  const auto snippet = library.snippet(u"a");
+  snippet->setCategory(folder.get());
+  const auto predicate = folder->predicate();
+  EXPECT_TRUE(predicate.evaluate(*snippet));
+  library.context.deleteObject(*folder);
+  folder.reset();
+  EXPECT_FALSE(predicate.evaluate(*snippet));
+}
+
+TEST(Fetch, RefusesPropertiesThatTheRecordsDoNotHave) {
+  TestLibrary library;
+  const auto wrongPredicate = library.context.fetch<QLSnippet>(
+      {.predicate =
+           Predicate::all({QLSnippet::kTitle.equals(u"a"), QLApp::kType.equals(0).inParentheses()})});
+  ASSERT_FALSE(wrongPredicate);
+  EXPECT_EQ(wrongPredicate.error().message, "Snippet records have no property type of App records");
+  EXPECT_FALSE(library.context.fetch<QLApp>({.sortDescriptors = {{&QLSnippet::kTitle}}}));
+  EXPECT_FALSE(library.context.count(Entity::user, liveClause()));
+}
+
+TEST(Fetch, SortsByEachDescriptorInTurnNilFirstAndTiesInTheOrderOfInsertion) {
+  TestLibrary library;
+  library.snippet(u"b", u"2")->setUseCount(1);
+  library.snippet(u"a", u"2")->setUseCount(1);
+  library.snippet(u"c")->setUseCount(2);
+  library.snippet(u"d", u"1")->setUseCount(2);
+  using Titles = std::vector<std::u16string>;
+  EXPECT_EQ(library.titles({.sortDescriptors = {{&QLSnippet::kAbbreviation}}}),
+            (Titles{u"c", u"d", u"b", u"a"}));
+  EXPECT_EQ(library.titles({.sortDescriptors = {{&QLSnippet::kUseCount, false}, {&QLSnippet::kTitle}}}),
+            (Titles{u"c", u"d", u"a", u"b"}));
+  EXPECT_EQ(library.titles({.sortDescriptors = {{&QLSnippet::kUseCount}}, .fetchLimit = 3}),
+            (Titles{u"b", u"a", u"c"}));
+  EXPECT_EQ(library.titles({.predicate = QLSnippet::kUseCount.equals(2), .fetchLimit = 1}), Titles{u"c"});
+  EXPECT_EQ(library.titles({.fetchLimit = 10}), (Titles{u"b", u"a", u"c", u"d"}));
+}
+
+}  // namespace
+}  // namespace quorlo
