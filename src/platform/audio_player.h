@@ -7,7 +7,7 @@
 
 namespace quorlo {
 
-// Short sounds. Any thread, one call at a time.
+// Short sounds. Any thread; calls may overlap.
 class AudioPlayer {
  public:
   virtual ~AudioPlayer() = default;

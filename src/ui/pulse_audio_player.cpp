@@ -24,10 +24,16 @@ Result<SndfileHandle> open(const std::filesystem::path& file) {
   return sound;
 }
 
+// What the server buffers ahead; its default of 2 s would delay the sound.
+constexpr pa_usec_t kLatencyUs = 50'000;
+
 // Null when no server answers.
 Stream connect(const pa_sample_spec& format) {
+  constexpr auto kServersChoice = static_cast<std::uint32_t>(-1);
+  const auto ahead = static_cast<std::uint32_t>(pa_usec_to_bytes(kLatencyUs, &format));
+  const pa_buffer_attr buffer{kServersChoice, ahead, kServersChoice, kServersChoice, kServersChoice};
   return Stream(pa_simple_new(nullptr, "Quorlo", PA_STREAM_PLAYBACK, nullptr, "Expansion", &format, nullptr,
-                              nullptr, nullptr));
+                              &buffer, nullptr));
 }
 
 Status playOn(pa_simple& stream, SndfileHandle& sound) {
