@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <memory>
+#include <string>
+
+class QLockFile;
+
+namespace quorlo {
+
+// The right to be the one Quorlo of a display; given up on destruction, and by the system when the
+// process ends otherwise.
+class SingleInstance {
+ public:
+  // An error that names the running one when there is one.
+  static Result<std::unique_ptr<SingleInstance>> acquire(const std::string& display);
+  ~SingleInstance();
+
+ private:
+  explicit SingleInstance(std::unique_ptr<QLockFile> lock);
+
+  std::unique_ptr<QLockFile> lock_;
+};
+
+}  // namespace quorlo
