@@ -14,8 +14,9 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # False alarms in optimised std::string concatenation (GCC bug 105651).
-  add_compile_options(-Wno-restrict)
+  # False alarms in optimised builds: std::string concatenation (GCC bug 105651), std::optional and
+  # variants (105562 and its like), reference counts in libsndfile's header.
+  add_compile_options(-Wno-restrict -Wno-maybe-uninitialized -Wno-use-after-free)
 endif()
 if(QUORLO_WERROR)
   add_compile_options(-Werror)
