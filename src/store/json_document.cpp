@@ -16,12 +16,8 @@ using nlohmann::json;
 namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{256} << 20;
-constexpr int kDeepestLevel = 32;
+constexpr std::size_t kDeepestLevel = 32;
 constexpr std::size_t kMostValues = 10'000'000;
-
-struct Refusal {
-  const char* message;
-};
 
 Error unreadable(const std::filesystem::path& file, std::string_view why) {
   return {fmt::format("{} cannot be read: {}.", file.string(), why)};
@@ -46,6 +42,37 @@ Error notJson(std::string_view text, const json::parse_error& error) {
                       std::ranges::count_if(before.substr(lineStart), isCharacterStart) + 1, reason(error))};
 }
 
+// What would cost far more memory than the text itself, found without building anything.
+Status checkShape(std::string_view text) {
+  std::size_t depth = 0;
+  std::size_t values = 1;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    switch (text[i]) {
+      case '"':
+        for (++i; i < text.size() && text[i] != '"'; ++i) {
+          if (text[i] == '\\') ++i;
+        }
+        break;
+      case '[':
+      case '{':
+        ++values;
+        if (++depth > kDeepestLevel) return Error{"The document is nested too deeply (more than 32 levels)."};
+        break;
+      case ']':
+      case '}':
+        if (depth > 0) --depth;
+        break;
+      case ',':
+        if (++values > kMostValues)
+          return Error{"The document holds too much (more than 10 million values)."};
+        break;
+      default:
+        break;
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 Result<std::string> readDocumentFile(const std::filesystem::path& file) {
@@ -66,20 +93,13 @@ Result<std::string> readDocumentFile(const std::filesystem::path& file) {
 }
 
 Result<json> parseJson(std::string_view text) {
-  std::size_t values = 0;
-  const auto limit = [&values](int depth, json::parse_event_t, const json&) {
-    if (depth > kDeepestLevel) throw Refusal{"The document is nested too deeply (more than 32 levels)."};
-    if (++values > kMostValues) throw Refusal{"The document holds too much (more than 10 million values)."};
-    return true;
-  };
+  if (const auto status = checkShape(text); !status) return status.error();
   try {
-    return json::parse(text, limit);
+    return json::parse(text);
   } catch (const json::parse_error& error) {
     return notJson(text, error);
   } catch (const json::out_of_range& error) {
     return Error{fmt::format("The document holds a number that is out of range ({}).", error.what())};
-  } catch (const Refusal& refusal) {
-    return Error{refusal.message};
   }
 }
 

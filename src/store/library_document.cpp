@@ -146,14 +146,19 @@ class LibraryInsertion {
   std::unordered_map<std::string_view, QLCategory*> folderOf_;  // by snippet
 };
 
+// The JSON values, many times the size of what they say, are gone when this returns.
+Result<LibraryExchange> parseLibrary(std::string_view json) {
+  const auto value = parseJson(json);
+  if (!value) return value.error();
+  return libraryFromJson(value.value());
+}
+
 }  // namespace
 
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,
                                       ManagedObjectContext& context) {
   const auto fault = [name](const Error& error) { return Error{std::string(name) + ": " + error.message}; };
-  const auto value = parseJson(json);
-  if (!value) return fault(value.error());
-  const auto library = libraryFromJson(value.value());
+  const auto library = parseLibrary(json);
   if (!library) return fault(library.error());
   LibraryInsertion insertion(context, library.value());
   if (const auto status = insertion.prepare(); !status) return fault(status.error());
