@@ -59,8 +59,8 @@ std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdenti
   }
   if (paste == pastes_.end()) return std::nullopt;
   if (isContent) {
-    paste->asked.emplace(target);
-    if (paste->delivered) paste->lastActivity = now;
+    const bool isNew = paste->asked.emplace(target).second;
+    if (paste->delivered && isNew) paste->lastActivity = now;
   }
   return Reading{paste->id, paste->offer};
 }
@@ -79,7 +79,7 @@ void PasteTracker::delivered(PasteId paste, Instant now) {
     const std::lock_guard lock(mutex_);
     lastProgress_ = now;
     if (auto* found = find(paste)) {
-      found->lastActivity = now;
+      if (!found->delivered) found->lastActivity = now;
       found->delivered = true;
     }
   }

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quorlo {
+
+class AccessibilityTrust;
+class EventPoster;
+class EventTap;
+class KeyboardLayout;
+class MainQueue;
+class MouseMonitor;
+class Pasteboard;
+class TypedKeysHold;
+class Workspace;
+
+// All that the program needs of an X server, behind its ports. Main thread.
+class X11Desktop {
+ public:
+  struct Options {
+    std::string display;                  // as in the environment variable DISPLAY, which is used when empty
+    std::filesystem::path guardProgram;   // the program quorlo-keyboard-guard
+    std::filesystem::path terminalsFile;  // the user's additions to the known terminals; may be missing
+    // Called once, on the main thread, when the server goes away. The ports then do nothing any more.
+    std::function<void()> connectionLost;
+  };
+
+  // Fails when there is no server to connect to. One that lacks what watching and posting keys takes is
+  // reported as a warning and by accessibilityTrust(). The queue must outlive the desktop.
+  static Result<std::unique_ptr<X11Desktop>> connect(const Options& options, MainQueue& queue);
+  ~X11Desktop();
+  X11Desktop(const X11Desktop&) = delete;
+  X11Desktop& operator=(const X11Desktop&) = delete;
+
+  const std::string& displayName() const;
+
+  EventTap& eventTap();
+  EventPoster& eventPoster();
+  TypedKeysHold& typedKeysHold();
+  MouseMonitor& mouseMonitor();
+  KeyboardLayout& keyboardLayout();
+  AccessibilityTrust& accessibilityTrust();
+  Workspace& workspace();
+  Pasteboard& pasteboard();
+
+ private:
+  struct Parts;
+  explicit X11Desktop(std::unique_ptr<Parts> parts);
+
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace quorlo
