@@ -17,7 +17,7 @@ struct LibraryReadReport {
   std::size_t addedSnippets = 0;
   std::size_t addedFolders = 0;
   std::size_t presentSnippets = 0;  // in the library already, left as they were
-  // One for each snippet that was kept without its abbreviation; logged too.
+  // One for each snippet that was kept without its abbreviation, with abbreviation and titles; logged too.
   std::vector<std::string> warnings;
 };
 

@@ -143,6 +143,9 @@ class LibraryReader {
       readSnippets(value, "");
       return std::move(library_);
     }
+    if (!value.is_object()) {
+      reader_.fail("document", "is neither a library (an object) nor a list of snippets.");
+    }
     reader_.members(value, "", [this](const std::string& key, const json& it, const std::string& at) {
       if (key == "version") {
         if (readInteger(reader_, it, at) != kVersion) {

@@ -34,6 +34,7 @@ class PersistenceController {
   PersistenceController(MainQueue& mainQueue, const Environment& environment)
       : PersistenceController(mainQueue, environment, Options{}) {}
 
+  // The one that the program has bound; only for its user interface and its main file.
   static PersistenceController& shared();
 
   ManagedObjectContext& managedObjectContext() { return *context_; }

@@ -27,6 +27,7 @@ ordered_json toJson(const SnippetExchange& snippet) {
 }
 
 Result<SnippetExchange> snippetFromJson(const json& value) {
+  if (!value.is_object()) return Error{"A snippet is an object with the key text and four others."};
   JsonReader reader;
   auto snippet = readSnippet(reader, value, "");
   if (reader.error()) return *reader.error();

@@ -116,7 +116,7 @@ TEST(LibraryDocument, RefusesAFaultyDocumentWholeAndSaysWhereTheFaultIs) {
       {"[{\"text\": \"\xFF\"}]", "Line 1, column 12 is not JSON"},
       {"[1e999]", "out of range"},
       {std::string(1'000'000, '['), "nested too deeply"},
-      {"3", "is not an object"},
+      {"3", "\"document\" is neither a library"},
       {R"([{"text": "a"}, 7])", "\"[1]\" is not an object"},
       {R"([{"text": "a"}, {"title": "b"}])", "\"[1].text\" is missing: every snippet needs a text."},
       {R"([{"text": null}])", "\"[0].text\""},
