@@ -1,6 +1,8 @@
 #include "fakes/fake_main_queue.h"
+#include "fakes/fake_pasteboard.h"
 #include "fakes/fake_user_defaults.h"
 #include "platform/main_queue_contract.h"
+#include "platform/pasteboard_contract.h"
 #include "platform/user_defaults_contract.h"
 
 namespace quorlo {
@@ -9,6 +11,17 @@ namespace {
 TEST(FakeMainQueue, KeepsTheContract) {
   FakeMainQueue queue;
   expectTasksInTheOrderInWhichTheyFallDue(queue, [&](Seconds time) { queue.advance(time); });
+}
+
+TEST(FakePasteboard, KeepsTheContract) {
+  FakeMainQueue queue;
+  FakePasteboard pasteboard(queue);
+  const RunUntil runUntil = [&](const std::function<bool()>& condition) {
+    queue.settle();
+    return condition();
+  };
+  expectContentsToBeReadBack(pasteboard, runUntil);
+  expectACopyToOutliveLaterContents(pasteboard, runUntil);
 }
 
 TEST(FakeUserDefaults, KeepTheContract) {
