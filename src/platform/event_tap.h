@@ -9,8 +9,8 @@
 namespace quorlo {
 
 struct KeyDownEvent {
-  // A key that this program posted to the session itself. It counts as typed, but must not complete an
-  // abbreviation.
+  // A key that this program posted to the session itself, or the auto-repeat of a held key. It counts as
+  // typed, but must not complete an abbreviation: it cannot be swallowed any more.
   enum class Origin { keyboard, posted };
 
   KeyCode keyCode = 0;

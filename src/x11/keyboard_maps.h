@@ -1,0 +1,17 @@
+#pragma once
+
+#include "x11/x_connection.h"
+
+#include <cstdint>
+
+namespace quorlo {
+
+// Makes the keyboard `to` produce what the keyboard `from` produces, by having the server build the map
+// from the components that it was built of there. Does nothing when they are the same. Waits for the
+// server, which needs some 20 ms for a map.
+void copyKeyboardMap(const XConnection& connection, std::uint16_t from, std::uint16_t to);
+
+// The same for keysyms that were changed one by one, as xmodmap does.
+void copyKeysyms(const XConnection& connection, std::uint16_t from, std::uint16_t to);
+
+}  // namespace quorlo

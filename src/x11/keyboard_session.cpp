@@ -1,0 +1,193 @@
+#include "x11/keyboard_session.h"
+
+#include "base/log.h"
+
+#include <cstdlib>
+
+namespace quorlo {
+
+namespace {
+
+// As applications choose their Compose sequences.
+std::string composeLocale() {
+  for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    if (const char* value = std::getenv(variable); value != nullptr && *value != '\0') return value;
+  }
+  return "C";
+}
+
+}  // namespace
+
+Result<std::unique_ptr<KeyboardSession>> KeyboardSession::open(const KeyboardOptions& options,
+                                                               std::function<void()> lost) {
+  auto connection = XConnection::open(options.display);
+  if (!connection) return connection.error();
+  std::unique_ptr<KeyboardSession> session(new KeyboardSession(std::move(connection).value(), options));
+  session->start(std::move(lost));
+  return session;
+}
+
+KeyboardSession::KeyboardSession(std::unique_ptr<XConnection> connection, KeyboardOptions options)
+    : connection_(std::move(connection)),
+      options_(std::move(options)),
+      link_(*connection_),
+      loop_(*connection_, "keyboard") {
+  if (link_.problem()) return;
+  window_ = connection_->createMessageWindow(XCB_EVENT_MASK_NO_EVENT);
+  askAtom_ = connection_->atom("_QUORLO_KEYBOARD_GUARD");
+  link_.selectEvents();
+  auto map = link_.map();
+  if (!map) return;
+  stream_.emplace(link_, static_cast<KeyStream::Judge&>(*this), KeyReader(std::move(*map), composeLocale()));
+  stream_->setLocks(link_.locks());
+}
+
+KeyboardSession::~KeyboardSession() {
+  if (tapping_) endTap();
+  loop_.stop();
+}
+
+void KeyboardSession::start(std::function<void()> lost) {
+  loop_.start([this](const xcb_generic_event_t& event) { handleEvent(event); }, std::move(lost));
+}
+
+bool KeyboardSession::beginTap(std::shared_ptr<TapConversation> conversation) {
+  if (!stream_) return false;
+  const auto grabbed = std::make_shared<std::atomic<bool>>(false);
+  loop_.postAndWait(
+      [this, conversation = std::move(conversation), grabbed] {
+        conversation_ = conversation;
+        grabbing_ = true;
+        guard_ = GuardProcess::start(options_.guardProgram, connection_->displayName(), window_, askAtom_);
+        *grabbed = takeKeyboards();
+        if (!*grabbed) {
+          grabbing_ = false;
+          conversation_.reset();
+          guard_.reset();
+        }
+      },
+      kPatience);
+  tapping_ = *grabbed;
+  if (tapping_) logInfo("Watching the keyboards.");
+  return tapping_;
+}
+
+void KeyboardSession::endTap() {
+  tapping_ = false;
+  loop_.postAndWait(
+      [this] {
+        grabbing_ = false;
+        stream_->end();
+        link_.ungrabKeyboards();
+        connection_->sync();
+        conversation_.reset();
+        guard_.reset();
+      },
+      kPatience);
+}
+
+bool KeyboardSession::takeKeyboards() {
+  if (link_.grabKeyboards() == 0) return false;
+  handleMapChange(false);
+  link_.releaseAllKeys();
+  stream_->begin(link_.heldKeys());
+  return true;
+}
+
+TapVerdict KeyboardSession::keyPressed(const KeyDownEvent& event) {
+  return conversation_ ? conversation_->ask(event) : TapVerdict::pass;
+}
+
+void KeyboardSession::keyRepeated(const KeyDownEvent& event) {
+  if (!conversation_) return;
+  auto notice = event;
+  notice.origin = KeyDownEvent::Origin::posted;
+  conversation_->tell(notice);
+}
+
+void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7FU) == XCB_CLIENT_MESSAGE) {
+    const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+    if (message.type == askAtom_ && guard_) guard_->answered(message.data.data32[0]);
+    return;
+  }
+  const auto change = link_.read(event);
+  if (change.key && grabbing_) {
+    stream_->handle(*change.key);
+    if (guard_ && change.key->kind == PhysicalKey::Kind::press) guard_->answered(change.time);
+  }
+  if (change.keyboardsChanged && grabbing_) {
+    link_.grabKeyboards();
+    const auto held = link_.heldKeys();
+    stream_->keepOnly({held.begin(), held.end()});
+  }
+  if (change.mapChanged || change.onlyKeysymsChanged) handleMapChange(!change.mapChanged);
+  if (change.locks && stream_) {
+    stream_->setLocks(*change.locks);
+    link_.shareLocks(*change.locks);
+  }
+}
+
+void KeyboardSession::handleMapChange(bool onlyKeysyms) {
+  if (!stream_) return;
+  link_.shareMap(onlyKeysyms);
+  auto map = link_.map();
+  if (!map) return;
+  stream_->setMap(std::move(*map));
+  stream_->setLocks(link_.locks());
+  ++mapGeneration_;
+}
+
+void KeyboardSession::beginHold() {
+  if (!tapping_) return;
+  noteProgress();
+  stream_->beginHold();
+  loop_.post([this] {
+    if (!watchingHold_) watchHold();
+  });
+}
+
+void KeyboardSession::endHold() {
+  if (!tapping_) return;
+  stream_->endHold();
+  loop_.post([this] { stream_->drain(); });
+}
+
+void KeyboardSession::noteProgress() {
+  lastProgress_ = std::chrono::steady_clock::now();
+}
+
+void KeyboardSession::watchHold() {
+  watchingHold_ = stream_->isHolding();
+  if (!watchingHold_) return;
+  const auto due = lastProgress_.load() + kHoldPatience;
+  if (due <= std::chrono::steady_clock::now()) {
+    logWarning("Typed keys were held for 2 s without progress of the expansion; they are delivered now.");
+    watchingHold_ = false;
+    stream_->endHold();
+    stream_->drain();
+    return;
+  }
+  loop_.runAt(due, [this] { watchHold(); });
+}
+
+void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) {
+  if (!stream_) return;
+  noteProgress();
+  stream_->withoutModifiers(keys);
+  wake();
+}
+
+std::optional<KeyMap> KeyboardSession::loadMap() {
+  auto map = link_.map();
+  wake();
+  return map;
+}
+
+std::uint32_t KeyboardSession::currentLayout() {
+  const auto layout = link_.locks().lockedGroup;
+  wake();
+  return layout;
+}
+
+}  // namespace quorlo

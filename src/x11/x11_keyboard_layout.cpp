@@ -1,0 +1,26 @@
+#include "x11/x11_keyboard_layout.h"
+
+#include "x11/keyboard_service.h"
+
+#include <xkbcommon/xkbcommon.h>
+
+namespace quorlo {
+
+std::optional<KeyCode> X11KeyboardLayout::keyCodeForCharacter(char16_t character) const {
+  return keyCodeForKeysym(xkb_utf32_to_keysym(character));
+}
+
+std::optional<KeyCode> X11KeyboardLayout::keyCodeForNamedKey(NamedKey name) const {
+  return keyCodeForKeysym(name == NamedKey::deleteBackward ? XKB_KEY_BackSpace : XKB_KEY_Left);
+}
+
+std::optional<KeyCode> X11KeyboardLayout::keyCodeForKeysym(std::uint32_t keysym) const {
+  const auto* map = keyboard_.map();
+  if (map == nullptr || keysym == XKB_KEY_NoSymbol) return std::nullopt;
+  const auto keycode = map->keyFor(keysym, keyboard_.layout());
+  const auto code = keycode != 0 ? keyCodeFor(keycode, keysym) : kNoKeyCode;
+  if (code == kNoKeyCode) return std::nullopt;
+  return code;
+}
+
+}  // namespace quorlo

@@ -1,0 +1,120 @@
+#include "x11/keyboard_desktop.h"
+
+#include "text/utf.h"
+
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon-x11.h>
+#include <xkbcommon/xkbcommon.h>
+
+#include <array>
+
+namespace quorlo {
+
+KeyWindow::KeyWindow(const VirtualDesktop& desktop)
+    : connection_(std::move(XConnection::open(desktop.display())).value()) {
+  xkb_x11_setup_xkb_extension(connection_->get(), 1, 0, XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr,
+                              nullptr, nullptr, nullptr);
+  window_ = xcb_generate_id(connection_->get());
+  const std::array<std::uint32_t, 2> values{
+      1, XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_EXPOSURE};
+  xcb_create_window(connection_->get(), XCB_COPY_FROM_PARENT, window_, connection_->root(), 0, 0, 200, 100, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
+  xcb_map_window(connection_->get(), window_);
+  connection_->sync();
+  takeFocus();
+}
+
+KeyWindow::~KeyWindow() = default;
+
+void KeyWindow::takeFocus() {
+  xcb_set_input_focus(connection_->get(), XCB_INPUT_FOCUS_PARENT, window_, XCB_CURRENT_TIME);
+  connection_->sync();
+}
+
+void KeyWindow::clear() {
+  read();
+  typed_.clear();
+  log_.clear();
+}
+
+const std::string& KeyWindow::typed() {
+  read();
+  return typed_;
+}
+
+const std::string& KeyWindow::log() {
+  read();
+  return log_;
+}
+
+void KeyWindow::read() {
+  while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
+    const auto type = event->response_type & 0x7F;
+    if (type == XCB_MAPPING_NOTIFY) reader_.reset();
+    if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) continue;
+    const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(*event);
+    if (!reader_) {
+      auto map = KeyMap::ofServer(connection_->get(), 3);
+      if (!map) continue;
+      reader_ = std::make_unique<KeyReader>(std::move(*map), "en_US.UTF-8");
+    }
+    reader_->setLocks({.lockedModifiers = key.state & 0xFFU, .lockedGroup = (key.state >> 13U) & 3U});
+    std::string text;
+    const auto characters = type == XCB_KEY_PRESS && !reader_->map().isModifierKey(key.detail)
+                                ? reader_->readPress(key.detail).event.characters
+                                : reader_->readRepeat(key.detail).characters;
+    if (!characters.empty() && characters[0] > 0x20 && characters[0] < 0xE000 && characters[0] != 0x7F) {
+      text = toUtf8(characters);
+    } else {
+      std::array<char, 64> name{};
+      xkb_keysym_get_name(reader_->map().keysym(key.detail, 0), name.data(), name.size());
+      text = std::string("<") + name.data() + ">";
+    }
+    if (type == XCB_KEY_RELEASE) {
+      log_ += "^" + text;
+    } else {
+      log_ += text;
+      typed_ += text;
+    }
+  }
+}
+
+KeyboardDesktop::KeyboardDesktop(VirtualDesktop& desktop) {
+  KeyboardOptions options{desktop.display(), QUORLO_KEYBOARD_GUARD, [this] { ++connectionsLost; }};
+  auto started = KeyboardService::start(std::move(options), queue);
+  if (started) service = std::move(started).value();
+}
+
+KeyboardDesktop::~KeyboardDesktop() {
+  port_.reset();
+  service.reset();
+}
+
+bool KeyboardDesktop::startTap() {
+  port_ = service->createTap(
+      [](TapEventType type, const KeyDownEvent* event, void* userInfo) {
+        auto& self = *static_cast<KeyboardDesktop*>(userInfo);
+        if (type == TapEventType::kCGEventTapDisabledByTimeout) {
+          ++self.timeouts;
+          return TapVerdict::pass;
+        }
+        self.seen.push_back(*event);
+        if (event->origin == KeyDownEvent::Origin::keyboard) self.seenText += toUtf8(event->characters);
+        return self.judge ? self.judge(*event) : TapVerdict::pass;
+      },
+      this);
+  return port_ != nullptr;
+}
+
+bool KeyboardDesktop::pumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds patience) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  while (std::chrono::steady_clock::now() < deadline) {
+    queue.pump();
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::microseconds(50));
+  }
+  return condition();
+}
+
+}  // namespace quorlo

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "desktop/rig/virtual_desktop.h"
+#include "desktop/rig/wait.h"
+#include "platform/event_tap.h"
+#include "x11/key_reader.h"
+#include "x11/keyboard_service.h"
+#include "x11/pumped_queue.h"
+#include "x11/x_connection.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+
+// An application: a window that has the focus and writes down what its keyboard does. "a" for a key that
+// types an a, "<Return>" for keys that type nothing readable, and for each release "^" and the same.
+class KeyWindow {
+ public:
+  explicit KeyWindow(const VirtualDesktop& desktop);
+  ~KeyWindow();
+
+  // What came since the last clear(), presses only or releases too.
+  const std::string& typed();
+  const std::string& log();
+  void clear();
+  void takeFocus();
+  xcb_window_t window() const { return window_; }
+
+ private:
+  void read();
+
+  std::unique_ptr<XConnection> connection_;
+  xcb_window_t window_;
+  std::unique_ptr<KeyReader> reader_;
+  std::string typed_, log_;
+};
+
+// The keyboard service on a virtual desktop, with a tap whose verdicts the test gives.
+class KeyboardDesktop {
+ public:
+  explicit KeyboardDesktop(VirtualDesktop& desktop);
+  ~KeyboardDesktop();
+
+  bool startTap();
+  void stopTap() { port_.reset(); }
+  EventTap::Port& port() { return *port_; }
+  // Runs the main queue until the condition holds.
+  bool pumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds patience = kPatience);
+
+  PumpedQueue queue;
+  std::unique_ptr<KeyboardService> service;
+  std::function<TapVerdict(const KeyDownEvent&)> judge;  // passes everything when empty
+  std::vector<KeyDownEvent> seen;
+  std::string seenText;  // the characters of the keyboard's presses
+  int timeouts = 0;
+  int connectionsLost = 0;
+
+ private:
+  std::unique_ptr<EventTap::Port> port_;
+};
+
+}  // namespace quorlo
