@@ -6,6 +6,7 @@
 #include "base/log.h"
 #include "engine/piece_contents.h"
 #include "engine/special_keys.h"
+#include "macros/prepared_snippet.h"
 #include "platform/event_poster.h"
 #include "platform/keyboard_layout.h"
 #include "platform/own_application.h"
@@ -43,10 +44,6 @@ constexpr Seconds kUnhideDelay{0.3};
 constexpr Seconds kNotificationDelay{0.1};
 
 constexpr const char* kDoNotShowAgain = "DoNotShowAgain";
-
-constexpr std::string_view kCombinationKey = "combi";
-constexpr std::string_view kClipboardKey = "clipboard";
-constexpr std::string_view kClipboardTextKey = "clipboardText";
 
 bool isClipboardKey(std::string_view type) {
   return type == kClipboardKey || type == kClipboardTextKey;

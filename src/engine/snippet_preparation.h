@@ -1,40 +1,14 @@
 #pragma once
 
-#include "platform/key_codes.h"
+#include "macros/prepared_snippet.h"
 #include "text/attributed_string.h"
-#include "text/text_range.h"
 
-#include <cstddef>
 #include <functional>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace quorlo {
 
 class QLSnippet;
-
-struct KeyCombination {
-  KeyCode keyCode = 0;
-  ModifierFlags flags = 0;
-};
-
-// A key pressed between two pieces of a snippet.
-struct KeyStep {
-  TextRange range;  // its place in PreparedSnippet::snippetText
-  std::string type;
-  std::optional<KeyCombination> combination;  // for the type "combi"
-};
-
-// A snippet's content ready to be inserted: macros replaced, cut at the keys to press. All lists are in
-// text order; key n is pressed after piece n. A piece may be empty.
-struct PreparedSnippet {
-  AttributedString snippetText;
-  std::vector<AttributedString> pieces;
-  std::vector<KeyStep> keys;
-  std::optional<TextRange> cursorRange;  // in snippetText
-  std::size_t cursorPiece = 0;           // the piece that holds the cursor's place
-};
 
 // Turns a snippet's content into what is inserted. Main thread.
 class SnippetPreparation {

@@ -1,0 +1,43 @@
+#include "macros/ql_snippet_macro_interpreter.h"
+
+#include "macros/date_and_time_formatter.h"
+#include "platform/environment.h"
+
+#include <utility>
+
+namespace quorlo {
+
+QLSnippetMacroInterpreter::QLSnippetMacroInterpreter(const Environment& environment, SnippetLookup lookup)
+    : environment_(environment), lookup_(std::move(lookup)) {}
+
+QLSnippetMacroInterpreter::~QLSnippetMacroInterpreter() = default;
+
+AttributedString QLSnippetMacroInterpreter::resolveSnippetMacros(AttributedString text,
+                                                                 const std::u16string& abbreviation) const {
+  std::set<std::u16string> used;
+  if (!abbreviation.empty()) used.insert(abbreviation);
+  return resolveSnippetMacros(std::move(text), used, kNestedSnippetDepth);
+}
+
+AttributedString QLSnippetMacroInterpreter::resolveSnippetMacros(AttributedString text,
+                                                                 const std::set<std::u16string>& used,
+                                                                 int depth) const {
+  return quorlo::resolveSnippetMacros(std::move(text), used, depth, lookup_);
+}
+
+EvaluatedText QLSnippetMacroInterpreter::evaluate(const AttributedString& text,
+                                                  std::span<const MacroType> types, FillInAnswers answers,
+                                                  std::optional<AttributedString> clipboard) const {
+  const auto renderDate = [this](std::u16string_view macroString, Moment date, DateOffset offset) {
+    return renderDateMacro(macroString, date, offset, dateAndTimeFormatter());
+  };
+  return evaluateMacros(text, types,
+                        {std::move(answers), std::move(clipboard), momentOf(environment_.now()), renderDate});
+}
+
+DateAndTimeFormatter& QLSnippetMacroInterpreter::dateAndTimeFormatter() const {
+  if (!dateAndTimeFormatter_) dateAndTimeFormatter_ = std::make_unique<DateAndTimeFormatter>(environment_);
+  return *dateAndTimeFormatter_;
+}
+
+}  // namespace quorlo
