@@ -1,10 +1,10 @@
 #include "ui/system_environment.h"
 
+#include "platform/preferred_languages.h"
+
 #include <QStandardPaths>
 #include <QTimeZone>
 
-#include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <initializer_list>
 #include <string_view>
@@ -16,27 +16,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The ICU name of a POSIX locale ("de_DE.UTF-8@euro"); empty for those that name no language.
-std::string localeName(std::string_view posixName) {
-  const auto name = posixName.substr(0, posixName.find_first_of(".@"));
-  return name == "C" || name == "POSIX" ? std::string() : std::string(name);
-}
-
-// Each variable may hold several names, separated by colons.
 std::vector<std::string> languagesOf(std::initializer_list<const char*> variables) {
-  std::vector<std::string> languages;
+  std::vector<std::string_view> values;
   for (const auto* const variable : variables) {
     const auto* const value = std::getenv(variable);
-    std::string_view rest = value ? value : "";
-    while (!rest.empty()) {
-      const auto name = localeName(rest.substr(0, rest.find(':')));
-      rest.remove_prefix(
-          std::min(rest.size(), rest.find(':') == rest.npos ? rest.size() : rest.find(':') + 1));
-      if (!name.empty() && std::ranges::find(languages, name) == languages.end()) languages.push_back(name);
-    }
+    values.emplace_back(value ? value : "");
   }
-  if (languages.empty()) languages.emplace_back("en");
-  return languages;
+  return quorlo::preferredLanguages(values);
 }
 
 fs::path standardFolder(QStandardPaths::StandardLocation location) {
