@@ -25,10 +25,7 @@ TEST(QtMainQueue, TakesTasksFromOtherThreadsInTheirOrder) {
   std::vector<int> ran;
   std::thread other([&] {
     for (int task = 0; task < 1000; ++task) {
-      queue.run([&ran, task, thread = std::this_thread::get_id()] {
-        EXPECT_NE(std::this_thread::get_id(), thread);
-        ran.push_back(task);
-      });
+      queue.run([&ran, task] { ran.push_back(task); });
     }
   });
   EXPECT_TRUE(runEventLoopUntil([&] { return ran.size() == 1000; }));
@@ -73,20 +70,11 @@ TEST(QtMainQueue, DropsWhatIsLeftAtTheEndEvenIfThatQueuesMore) {
   EXPECT_FALSE(ran);
 }
 
-TEST(ThreadBackgroundQueue, RunsElsewhereAndFinishesWhatItBegan) {
-  std::atomic<bool> finished = false;
-  {
-    ThreadBackgroundQueue queue;
-    std::atomic<bool> begun = false;
-    queue.run([&, main = std::this_thread::get_id()] {
-      EXPECT_NE(std::this_thread::get_id(), main);
-      begun = true;
-      std::this_thread::yield();
-      finished = true;
-    });
-    EXPECT_TRUE(runEventLoopUntil([&] { return begun.load(); }));
-  }
-  EXPECT_TRUE(finished);
+TEST(ThreadBackgroundQueue, RunsTasksOnOtherThreads) {
+  ThreadBackgroundQueue queue;
+  std::atomic<bool> elsewhere = false;
+  queue.run([&, main = std::this_thread::get_id()] { elsewhere = std::this_thread::get_id() != main; });
+  EXPECT_TRUE(runEventLoopUntil([&] { return elsewhere.load(); }));
 }
 
 }  // namespace

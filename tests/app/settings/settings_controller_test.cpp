@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -33,10 +34,8 @@ class SettingsControllerTest : public testing::Test {
     return *settings_;
   }
 
-  template <class T>
-  std::optional<T> stored(DefaultsDomain domain, std::string_view key) const {
-    const auto* value = defaults_.value(domain, key);
-    return value && std::holds_alternative<T>(*value) ? std::optional(std::get<T>(*value)) : std::nullopt;
+  DefaultsValue stored(std::string_view key, DefaultsDomain domain = kStandard) const {
+    return *defaults_.value(domain, key);
   }
 
   FakeUserDefaults defaults_;
@@ -48,75 +47,49 @@ class SettingsControllerTest : public testing::Test {
   Subscription logged_ = redirectLog([this](LogLevel, std::string_view line) { log_.emplace_back(line); });
 };
 
-TEST_F(SettingsControllerTest, KeepsEachSwitchUnderItsOwnKey) {
+TEST_F(SettingsControllerTest, GivesEverySwitchAGetterASetterAndAKeyOfItsOwn) {
   using S = SettingsController;
-  struct Switch {
-    const char* key;
-    bool defaultValue;
-    bool (S::*get)() const;
-    void (S::*set)(bool);
-    DefaultsDomain domain = kStandard;
-  };
+  using Switch = std::pair<bool (S::*)() const, void (S::*)(bool)>;
   auto& settings = start();
-  for (const Switch& each : std::vector<Switch>{
-           {"AbbreviationsEnabled", false, &S::abbreviationsEnabled, &S::setAbbreviationsEnabled, kGroup},
-           {"WelcomeViewHasBeenShown", false, &S::welcomeViewHasBeenShown, &S::setWelcomeViewHasBeenShown},
-           {"ShowMacroReplacementPreviewInReplacementView", true,
-            &S::showMacroReplacementPreviewInReplacementView,
-            &S::setShowMacroReplacementPreviewInReplacementView},
-           {"ShowClipboardContentInReplacementView", false, &S::showClipboardContentInReplacementView,
-            &S::setShowClipboardContentInReplacementView},
-           {"ShowAllMacrosInPreview", false, &S::showAllMacrosInPreview, &S::setShowAllMacrosInPreview},
-           {"ShowPreviewNextToEditorText", true, &S::showPreviewNextToEditorText,
-            &S::setShowPreviewNextToEditorText},
-           {"ShowMacroReplacementPreviewInSnippetEditor", false,
-            &S::showMacroReplacementPreviewInSnippetEditor,
-            &S::setShowMacroReplacementPreviewInSnippetEditor},
-           {"ShowSymbolNextToMacro", true, &S::showSymbolNextToMacro, &S::setShowSymbolNextToMacro},
-           {"AscendingSnippetSortation", false, &S::ascendingSnippetSortation,
-            &S::setAscendingSnippetSortation},
-           {"ShowSnippetUseCount", true, &S::showSnippetUseCount, &S::setShowSnippetUseCount},
-           {"HideAbbreviationAddButton", true, &S::hideAbbreviationAddButton,
-            &S::setHideAbbreviationAddButton},
-           {"QLDebugModeEnabled", false, &S::debugModeEnabled, &S::setDebugModeEnabled},
-           {"OpenMacroSettingsAfterInsert", true, &S::openMacroSettingsAfterInsert,
-            &S::setOpenMacroSettingsAfterInsert},
-           {"ExpandAbbreviationWithinWord", true, &S::expandAbbreviationWithinWord,
-            &S::setExpandAbbreviationWithinWord},
-           {"RemoveTriggerKey", false, &S::removeTriggerKey, &S::setRemoveTriggerKey},
-           {"UseTransparentBacgroundForPreview", true, &S::useTransparentBacgroundForPreview,
-            &S::setUseTransparentBacgroundForPreview},
-           {"RestorePateboardItems", true, &S::restorePateboardItems, &S::setRestorePateboardItems},
-           {"ShowQOInMenuBar", true, &S::showAppInMenuBar, &S::setShowAppInMenuBar},
-           {"PlaySound", true, &S::playSound, &S::setPlaySound},
-           {"ShowNotificationForExpension", true, &S::showNotificationForExpension,
-            &S::setShowNotificationForExpension},
-           {"ShowFormatInspector", true, &S::showFormatInspector, &S::setShowFormatInspector}}) {
-    EXPECT_EQ((settings.*each.get)(), each.defaultValue) << each.key;
-    (settings.*each.set)(!each.defaultValue);
-    EXPECT_EQ((settings.*each.get)(), !each.defaultValue) << each.key;
-    EXPECT_EQ(stored<bool>(each.domain, each.key), !each.defaultValue) << each.key;
+  settings.setOldDefaultsHaveBeenCopied(false);
+  const Switch switches[] = {
+      {&S::abbreviationsEnabled, &S::setAbbreviationsEnabled},
+      {&S::welcomeViewHasBeenShown, &S::setWelcomeViewHasBeenShown},
+      {&S::showSymbolNextToMacro, &S::setShowSymbolNextToMacro},
+      {&S::ascendingSnippetSortation, &S::setAscendingSnippetSortation},
+      {&S::showSnippetUseCount, &S::setShowSnippetUseCount},
+      {&S::hideAbbreviationAddButton, &S::setHideAbbreviationAddButton},
+      {&S::debugModeEnabled, &S::setDebugModeEnabled},
+      {&S::openMacroSettingsAfterInsert, &S::setOpenMacroSettingsAfterInsert},
+      {&S::expandAbbreviationWithinWord, &S::setExpandAbbreviationWithinWord},
+      {&S::removeTriggerKey, &S::setRemoveTriggerKey},
+      {&S::restorePateboardItems, &S::setRestorePateboardItems},
+      {&S::oldDefaultsHaveBeenCopied, &S::setOldDefaultsHaveBeenCopied},
+      {&S::showAppInMenuBar, &S::setShowAppInMenuBar},
+      {&S::playSound, &S::setPlaySound},
+      {&S::showNotificationForExpension, &S::setShowNotificationForExpension},
+      {&S::showFormatInspector, &S::setShowFormatInspector},
+  };
+  const auto switchesOn = [&] {
+    return std::ranges::count_if(switches, [&](const Switch& each) { return (settings.*each.first)(); });
+  };
+  for (const auto& [get, set] : switches) {
+    const auto before = switchesOn();
+    const auto wasOn = (settings.*get)();
+    (settings.*set)(!wasOn);
+    EXPECT_EQ((settings.*get)(), !wasOn);
+    EXPECT_EQ(switchesOn(), before + (wasOn ? -1 : 1));
   }
 }
 
 TEST_F(SettingsControllerTest, KeepsChoicesAsTheirRawValues) {
   auto& settings = start();
   settings.setSearchScopes(kTitleScope | kTextScope);
-  settings.setPreviewWindowPosition(PreviewWindowPosition::nextToCursor);
   settings.setDefaultSnippetFormat(SnippetType::code);
-  settings.setAbbreviationsTriggerType(AbbreviationTriggerType::lastSymbol);
   settings.setSnippetExpansionSound(SnippetExpansionSound::siFi);
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(1.5));
-  settings.setRestorePateboardItemsDelay(Seconds(0));
-  settings.setDebugEnabledDate(kNow);
-  EXPECT_EQ(stored<std::int64_t>(kGroup, "SearchScopes"), 5);
-  EXPECT_EQ(stored<std::int64_t>(kStandard, "PreviewWindowPosition"), 2);
-  EXPECT_EQ(stored<std::int64_t>(kStandard, "SnippetFormat"), 8);
-  EXPECT_EQ(stored<std::int64_t>(kStandard, "AbbreviationsTriggerType"), 1);
-  EXPECT_EQ(stored<std::string>(kStandard, "SnippetSound"), "SiFi");
-  EXPECT_EQ(stored<double>(kStandard, "PasteBetweenSnippetPartsDelay"), 1.5);
-  EXPECT_EQ(stored<double>(kStandard, "RestorePateboardItemsDelay"), 0);
-  EXPECT_EQ(stored<Date>(kStandard, "QLDebugEnabledDate"), kNow);
+  EXPECT_EQ(stored("SearchScopes", kGroup), DefaultsValue(std::int64_t{5}));
+  EXPECT_EQ(stored("SnippetFormat"), DefaultsValue(std::int64_t{8}));
+  EXPECT_EQ(stored("SnippetSound"), DefaultsValue("SiFi"));
   EXPECT_EQ(settings.snippetExpansionSound(), SnippetExpansionSound::siFi);
   EXPECT_EQ(settings.defaultSnippetFormat(), SnippetType::code);
 }
@@ -137,8 +110,8 @@ TEST_F(SettingsControllerTest, ConvertsTheFirstOfTheOldDelimiterSwitchesOnce) {
     defaults_.setValue(kStandard, "AbbreviationKeyReturn", enter);
     defaults_.setValue(kStandard, "SearchIncludesTitle", false);
     auto& settings = start();
-    EXPECT_EQ(stored<std::int64_t>(kStandard, "AbbreviationDelimiterKey"), delimiters);
-    EXPECT_EQ(stored<bool>(kStandard, "OldDefaultsHaveBeenCopied"), true);
+    EXPECT_EQ(stored("AbbreviationDelimiterKey"), DefaultsValue(delimiters));
+    EXPECT_EQ(stored("OldDefaultsHaveBeenCopied"), DefaultsValue(true));
     EXPECT_EQ(settings.searchScopes(), SearchScopes::all());
     settings.setAbbreviationDelimiterKey(DelimiterKeys(8));
     EXPECT_EQ(start().abbreviationDelimiterKey(), DelimiterKeys(8));
@@ -147,40 +120,29 @@ TEST_F(SettingsControllerTest, ConvertsTheFirstOfTheOldDelimiterSwitchesOnce) {
 
 TEST_F(SettingsControllerTest, ReadsNonsenseAsTheDefault) {
   auto& settings = start();
-  const auto readsDefaults = [&] {
-    return !settings.abbreviationsEnabled() && settings.playSound() &&
-           settings.searchScopes() == SearchScopes::all() && settings.numberOfLaunches() == 0 &&
-           settings.firstLaunch() == kNow && settings.debugEnabledDate() == kDistantPast &&
-           settings.selectedCategoryUUID() == std::nullopt && settings.customSnippetSound().empty() &&
-           settings.previewWindowPosition() == PreviewWindowPosition::centerOfScreen &&
-           settings.defaultSnippetFormat() == SnippetType::plainText &&
-           settings.snippetsSortOption() == SnippetSortOption::creationDate &&
-           settings.abbreviationsTriggerType() == AbbreviationTriggerType::delimiterKey &&
-           settings.abbreviationDelimiterKey() == kSpaceDelimiter &&
-           settings.snippetExpansionSound() == SnippetExpansionSound::magnet &&
-           settings.pasteBetweenSnippetPartsDelay() == Seconds(0.2) &&
-           settings.restorePateboardItemsDelay() == Seconds(0.2);
-  };
-  constexpr auto kInfinity = std::numeric_limits<double>::infinity();
-  const auto setEverything = [&](auto skips, const DefaultsValue& value) {
-    for (const auto& [domain, key] : kSettingKeys) {
-      if (skips(key)) continue;
-      defaults_.setValue(domain, key, value);
-    }
-  };
-  const auto isText = [](std::string_view key) {
-    return key == "SelectedCategoryUUID" || key == "CustomSnippetSound" || key == "SelectedSnippetUUIDs";
-  };
   for (const auto& nonsense :
        {DefaultsValue(std::int64_t{-1}), DefaultsValue(std::numeric_limits<std::int64_t>::min()),
-        DefaultsValue(-0.1), DefaultsValue(kInfinity), DefaultsValue(60.5), DefaultsValue(1e300),
+        DefaultsValue(-0.1), DefaultsValue(60.5), DefaultsValue(std::numeric_limits<double>::infinity()),
         DefaultsValue(std::numeric_limits<double>::quiet_NaN())}) {
-    setEverything([](std::string_view) { return false; }, nonsense);
-    EXPECT_TRUE(readsDefaults());
+    for (const auto& [domain, key] : kSettingKeys) defaults_.setValue(domain, key, nonsense);
+    EXPECT_FALSE(settings.abbreviationsEnabled());
+    EXPECT_TRUE(settings.playSound());
+    EXPECT_EQ(settings.searchScopes(), SearchScopes::all());
+    EXPECT_EQ(settings.numberOfLaunches(), 0);
+    EXPECT_EQ(settings.firstLaunch(), kNow);
+    EXPECT_EQ(settings.debugEnabledDate(), kDistantPast);
+    EXPECT_EQ(settings.selectedCategoryUUID(), std::nullopt);
     EXPECT_THAT(settings.selectedSnippetUUIDs(), IsEmpty());
+    EXPECT_EQ(settings.previewWindowPosition(), PreviewWindowPosition::centerOfScreen);
+    EXPECT_EQ(settings.defaultSnippetFormat(), SnippetType::plainText);
+    EXPECT_EQ(settings.abbreviationsTriggerType(), AbbreviationTriggerType::delimiterKey);
+    EXPECT_EQ(settings.abbreviationDelimiterKey(), kSpaceDelimiter);
+    EXPECT_EQ(settings.snippetExpansionSound(), SnippetExpansionSound::magnet);
+    EXPECT_EQ(settings.pasteBetweenSnippetPartsDelay(), Seconds(0.2));
+    EXPECT_EQ(settings.restorePateboardItemsDelay(), Seconds(0.2));
   }
-  setEverything(isText, "delimiterKey");
-  EXPECT_TRUE(readsDefaults());
+  defaults_.setValue(kStandard, "SnippetSound", "Klaxon");
+  EXPECT_EQ(settings.snippetExpansionSound(), SnippetExpansionSound::magnet);
   defaults_.setValue(kStandard, "SnippetsSortOption", std::int64_t{25});
   EXPECT_EQ(settings.snippetsSortOption(), SnippetSortOption::creationDate);
   defaults_.setValue(kStandard, "SnippetsSortOption", std::int64_t{50});
@@ -252,7 +214,7 @@ TEST_F(SettingsControllerTest, RefreshesTheDelimiterStringsWhoeverChangesThem) {
   defaults_.changeFromElsewhere(kStandard, "AbbreviationDelimiterKey", std::int64_t{65536});
   EXPECT_THAT(settings.activeAbbreviationKeyStrings(), ElementsAre(u"."));
   settings.setAbbreviationDelimiterKey(DelimiterKeys(0));
-  EXPECT_EQ(stored<std::int64_t>(kStandard, "AbbreviationDelimiterKey"), 1);
+  EXPECT_EQ(stored("AbbreviationDelimiterKey"), DefaultsValue(std::int64_t{1}));
   EXPECT_THAT(settings.activeAbbreviationKeyStrings(), ElementsAre(u" "));
 }
 
@@ -273,7 +235,7 @@ TEST_F(SettingsControllerTest, KeepsListsAsJson) {
   settings.setSelectedSnippetUUIDs(uuids);
   EXPECT_EQ(settings.selectedSnippetUUIDs(), uuids);
   settings.setSelectedSnippetUUIDs({"\xFF"});
-  EXPECT_EQ(stored<std::string>(kStandard, "SelectedSnippetUUIDs"), "[]");
+  EXPECT_EQ(stored("SelectedSnippetUUIDs"), DefaultsValue("[]"));
   for (const auto* broken : {"", "[\"A-1\"", "{}", "[1]"}) {
     log_.clear();
     defaults_.setValue(kStandard, "SelectedSnippetUUIDs", broken);
@@ -299,16 +261,10 @@ TEST_F(SettingsControllerTest, ShowsTheFormatBarAQuarterOfASecondLater) {
   EXPECT_THAT(shown, IsEmpty());
   queue_.advance(Seconds(0.01));
   EXPECT_THAT(shown, ElementsAre(false));
-  settings.setShowFormatInspector(true);
-  settings_.reset();
-  queue_.settle();
-  EXPECT_THAT(shown, ElementsAre(false));
 }
 
 TEST_F(SettingsControllerTest, SortsByTheChosenPropertyInTheChosenDirection) {
   auto& settings = start();
-  EXPECT_THAT(settings.sortDescriptorsFor(SnippetSortOption::modificationDate),
-              ElementsAre(SortDescriptor{&QLSnippet::kModifiedDate, false}));
   settings.setAscendingSnippetSortation(true);
   EXPECT_THAT(settings.sortDescriptorsFor(SnippetSortOption::type),
               ElementsAre(SortDescriptor{&QLSnippet::kFormatted, true}));
