@@ -1,0 +1,106 @@
+#include "macros/custom_date_format.h"
+
+#include "fakes/fake_environment.h"
+#include "macros/custom_date_format_groups.h"
+#include "macros/date_and_time_formatter.h"
+#include "text/random_text.h"
+#include "text/utf.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+using namespace std::chrono_literals;
+using Pieces = std::vector<CustomDateFormatPiece>;
+
+class CustomDateFormat : public testing::Test {
+ protected:
+  std::u16string render(std::u16string_view format, const std::string& language = "en_US") {
+    environment_.languages = {language};
+    formatter_.readEnvironment();
+    return formatCustomDate(format, date_, formatter_);
+  }
+
+  Moment date_ = std::chrono::sys_days(2024y / 12 / 30) + 8h + 5min + 9s;  // 09:05:09 in Berlin
+  FakeEnvironment environment_;
+  DateAndTimeFormatter formatter_{environment_};
+};
+
+TEST_F(CustomDateFormat, WritesFieldsAndKeepsOtherText) {
+  const struct {
+    const char16_t *format, *text;
+  } cases[] = {
+      {u"", u""},
+      {u"dd.MM 12%1%2222!", u"dd.MM 12:?!"},
+      {u"%dd.%MM.%YY", u"30.12.25"},  // the week of 30 December belongs to the next year
+      {u"%yyyy%MM%dd", u"20241230"},
+      {u"%hh%1111%mm %a, %QQQ", u"09:05 AM, Q4"},
+      {u"%%d%%%dd", u"%d%%dd"},  // a percent sign takes those behind it
+      {u"100 %", u"100 %"},
+      {u"%😀😀%é %'%''", u"😀😀é '"},
+      {u"[%J]", u"[]"},
+      {u"%VV %VVV %XXX", u"Europe/Berlin Berlin +01:00"},
+  };
+  for (const auto& [format, text] : cases) EXPECT_EQ(toUtf8(render(format)), toUtf8(text));
+  EXPECT_EQ(render(u"%EEEE, %d. %MMMM %QQQ", "fr_FR"), u"lundi, 30. décembre T4");
+  EXPECT_EQ(render(u"%EEEE %d %MMMM", "he_IL"), u"יום שני 30 דצמבר");
+  EXPECT_EQ(render(u"%d %MMMM %h%1111%mm %a", "ar_EG"), u"٣٠ ديسمبر ٩:٠٥ ص");
+}
+
+TEST_F(CustomDateFormat, WritesTheTwentyFourHourClockAlikeInEveryLanguage) {
+  for (const auto* const language : {"en_US", "de_DE", "ja_JP", "ar_EG", "he_IL", "fa_IR", "mr_IN"}) {
+    EXPECT_EQ(render(u"%HH%1111%mm", language), u"09:05") << language;
+  }
+}
+
+TEST_F(CustomDateFormat, IsCutIntoTokensForItsEditor) {
+  EXPECT_EQ(tokenizeCustomDateFormat(u""), Pieces{});
+  EXPECT_EQ(tokenizeCustomDateFormat(u"am %dd.%MMMM%YY"),
+            (Pieces{u"am ", QLDateToken{u"%dd"}, u".", QLDateToken{u"%MMMM"}, QLDateToken{u"%YY"}}));
+  EXPECT_EQ(tokenizeCustomDateFormat(u"%HH%1%11111%2x"),
+            (Pieces{QLDateToken{u"%HH"}, PlainDateToken{u"%1111"}, PlainDateToken{u"%1111"},
+                    PlainDateToken{u"%2222"}, u"x"}));
+  EXPECT_EQ(tokenizeCustomDateFormat(u"%%%dx%"), (Pieces{QLDateToken{u"%%%"}, u"dx%"}));
+}
+
+TEST_F(CustomDateFormat, OffersTokensThatAllHaveAnExample) {
+  auto groups = dateTokenGroups();
+  EXPECT_EQ(groups.size(), 8U);
+  EXPECT_EQ(groups[2].tokens, (std::vector<QLDateToken>{{u"%YY"}, {u"%Y"}}));
+  for (auto& group : timeTokenGroups()) groups.push_back(std::move(group));
+  for (const auto& group : groups) {
+    for (const auto& token : group.tokens) {
+      EXPECT_EQ(tokenizeCustomDateFormat(token.representedString), Pieces{token});
+      for (const auto* const language : {"en_US", "ar_EG", "ja_JP"}) {
+        EXPECT_NE(render(token.representedString, language), u"") << toUtf8(token.representedString);
+      }
+    }
+  }
+}
+
+TEST_F(CustomDateFormat, ReadsAsItsTokensReadOneByOneHoweverMuchTheyAreGarbage) {
+  Random random(17);
+  for (int round = 0; round < 500; ++round) {
+    std::u16string format;
+    for (auto count = pick(random, 12); count > 0; --count) {
+      format += pick(random, 2) ? std::u16string(pick(random, 4), u'%') : randomText(random, 2);
+      format.append(pick(random, 9), static_cast<char16_t>(u' ' + pick(random, 95)));
+    }
+    std::u16string joined;
+    for (const auto& piece : tokenizeCustomDateFormat(format)) {
+      joined += std::visit(
+          [&](const auto& part) -> std::u16string {
+            if constexpr (std::is_same_v<decltype(part), const std::u16string&>)
+              return part;
+            else
+              return render(part.representedString);
+          },
+          piece);
+    }
+    EXPECT_EQ(render(format), joined) << toUtf8(format);
+  }
+}
+
+}  // namespace
+}  // namespace quorlo

@@ -1,0 +1,162 @@
+#include "macros/date_macro.h"
+
+#include "fakes/fake_environment.h"
+#include "macros/captured_log.h"
+#include "macros/custom_date_format.h"
+#include "macros/date_and_time_formatter.h"
+#include "text/utf.h"
+
+#include <gtest/gtest.h>
+
+namespace quorlo {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::sys_days;
+
+// What the arguments of a date macro read as for a user.
+class DateMacro : public testing::Test {
+ protected:
+  DateMacro() { environment_.date = sys_days(2023y / 11 / 14) + 8h + 5min + 9s; }  // 09:05:09 in Berlin
+
+  std::string render(const std::string& arguments, const std::string& language = "de_DE") {
+    environment_.languages = {language};
+    formatter_.readEnvironment();
+    const auto macro = toUtf16("%date:" + arguments + ":date%");
+    return toUtf8(renderDateMacro(macro, momentOf(environment_.now()), DateOffset::apply, formatter_));
+  }
+
+  // Where an offset leads from the time on the clock of a zone.
+  std::string moved(const std::string& zone, Date start, const std::string& math,
+                    const std::string& mathType) {
+    environment_.zone = zone;
+    formatter_.readEnvironment();
+    const auto macro = toUtf16("%date:math=" + math + ":mathType=" + mathType + ":date%");
+    return toUtf8(formatCustomDate(u"%yyyy-%MM-%dd %HH%1111%mm%1111%ss %XXX",
+                                   dateOfMacro(macro, momentOf(start), formatter_), formatter_));
+  }
+
+  FakeEnvironment environment_;
+  DateAndTimeFormatter formatter_{environment_};
+};
+
+TEST_F(DateMacro, ReadsInTheStylesOfEachLanguage) {
+  const struct {
+    const char *language, *shortText, *mediumText, *fullDate;
+  } cases[] = {
+      {"en_US", "11/14/23, 9:05 AM", "Nov 14, 2023, 9:05:09 AM", "Tuesday, November 14, 2023"},
+      {"en_GB", "14/11/2023, 09:05", "14 Nov 2023, 09:05:09", "Tuesday, 14 November 2023"},
+      {"de_DE", "14.11.23, 09:05", "14.11.2023, 09:05:09", "Dienstag, 14. November 2023"},
+      {"fr_FR", "14/11/2023 09:05", "14 nov. 2023, 09:05:09", "mardi 14 novembre 2023"},
+      {"ja_JP", "2023/11/14 9:05", "2023/11/14 9:05:09", "2023年11月14日火曜日"},
+      {"ar_EG", "١٤\u200F/١١\u200F/٢٠٢٣، ٩:٠٥ ص", "١٤\u200F/١١\u200F/٢٠٢٣، ٩:٠٥:٠٩ ص",
+       "الثلاثاء، ١٤ نوفمبر ٢٠٢٣"},
+      {"he_IL", "14.11.2023, 9:05", "14 בנוב׳ 2023, 9:05:09", "יום שלישי, 14 בנובמבר 2023"},
+  };
+  for (const auto& expected : cases) {
+    EXPECT_EQ(render("dateLength=short:timeLength=short", expected.language), expected.shortText);
+    EXPECT_EQ(render("dateLength=medium:timeLength=medium", expected.language), expected.mediumText);
+    EXPECT_EQ(render("dateLength=full:timeLength=none", expected.language), expected.fullDate);
+  }
+  EXPECT_EQ(render("dateLength=long:timeLength=long", "en_US"), "November 14, 2023 at 9:05:09 AM GMT+1");
+}
+
+TEST_F(DateMacro, JoinsStylesAndCustomFormatsWithoutASeparator) {
+  const std::string formats = ":dateFormat=%dd.%MM.:timeFormat= um %HH%1111%mm";
+  EXPECT_EQ(render("dateLength=custom:timeLength=short" + formats), "14.11.09:05");
+  EXPECT_EQ(render("dateLength=custom:timeLength=none" + formats), "14.11.");
+  EXPECT_EQ(render("dateLength=short:timeLength=custom" + formats), "14.11.23 um 09:05");
+  EXPECT_EQ(render("dateLength=none:timeLength=custom" + formats), " um 09:05");
+  EXPECT_EQ(render("dateLength=custom:timeLength=custom" + formats), "14.11. um 09:05");
+  EXPECT_EQ(render("dateLength=none:timeLength=none" + formats), "");
+  EXPECT_EQ(render("dateLength=custom:timeLength=custom"), "");
+}
+
+TEST_F(DateMacro, LogsUnknownLengthsAndLeavesThemOut) {
+  CapturedLog log;
+  EXPECT_EQ(render("dateLength=tiny:timeLength=short"), "09:05");
+  EXPECT_EQ(render("dateLength=short:timeLength=:timeFormat=%HH"), "14.11.23");
+  EXPECT_EQ(log.lines(), (std::vector<std::string>{"WARNING: #f4rvcev tiny", "WARNING: #6hzrt6nn - "}));
+  EXPECT_EQ(render("dateLength=short"), "Unsupported macro format");
+  EXPECT_EQ(render("timeLength=short:math=x"), "Unsupported macro format");
+}
+
+TEST_F(DateMacro, LeavesNeitherStyleNorLocaleNorPatternBehind) {
+  const auto before = render("dateLength=full:timeLength=short", "ar_EG");
+  EXPECT_EQ(render("dateLength=custom:dateFormat=%HH %dd %EEEE:timeLength=short", "ar_EG"),
+            "09 ١٤ الثلاثاء٩:٠٥ ص");
+  EXPECT_EQ(render("dateLength=short:timeLength=custom:timeFormat= %a", "en_US"), "11/14/23 AM");
+  EXPECT_EQ(render("dateLength=full:timeLength=short", "ar_EG"), before);
+}
+
+TEST_F(DateMacro, FollowsTheUserToAnotherTimeZone) {
+  EXPECT_EQ(render("dateLength=none:timeLength=short"), "09:05");
+  environment_.zone = "America/New_York";
+  EXPECT_EQ(render("dateLength=none:timeLength=short"), "03:05");
+  environment_.zone = "Nowhere/Atall";
+  EXPECT_EQ(render("dateLength=none:timeLength=short"), "08:05");
+}
+
+TEST_F(DateMacro, AddsItsOffsetInTheCalendar) {
+  const auto noon = [](std::chrono::year_month_day day) { return sys_days(day) + 12h; };
+  const struct {
+    Date start;
+    const char *math, *mathType, *end;
+  } cases[] = {
+      {noon(2024y / 3 / 1), "-1", "days", "2024-02-29 12:00:00 Z"},
+      {noon(2023y / 1 / 31), "1", "months", "2023-02-28 12:00:00 Z"},
+      {noon(2023y / 12 / 31), "+2", "months", "2024-02-29 12:00:00 Z"},
+      {noon(2024y / 2 / 29), "1", "years", "2025-02-28 12:00:00 Z"},
+      {noon(2024y / 2 / 29), "-4", "years", "2020-02-29 12:00:00 Z"},
+      {noon(2100y / 2 / 28), "1", "days", "2100-03-01 12:00:00 Z"},
+      {noon(1970y / 1 / 1), "-26000", "days", "1898-10-25 12:00:00 Z"},
+      {noon(2023y / 11 / 14), "500", "years", "2523-11-14 12:00:00 Z"},
+      {noon(2023y / 11 / 14), "+2", "hours", "2023-11-14 14:00:00 Z"},
+      {noon(2023y / 11 / 14), "-90", "minutes", "2023-11-14 10:30:00 Z"},
+      {noon(2023y / 11 / 14), "4000000000", "seconds", "2150-08-17 19:06:40 Z"},
+  };
+  for (const auto& expected : cases) {
+    EXPECT_EQ(moved("UTC", expected.start, expected.math, expected.mathType), expected.end);
+  }
+  for (const auto* const math :
+       {"", "x", "1.5", "--1", "3 ", "99999999999999999999", "9000000000000000000"}) {
+    EXPECT_EQ(moved("UTC", noon(2023y / 11 / 14), math, "years"), "2023-11-14 12:00:00 Z") << math;
+  }
+}
+
+TEST_F(DateMacro, KeepsTheClockForDaysAndElapsedTimeForHoursWhenSummerTimeComesAndGoes) {
+  const struct {
+    const char* zone;
+    Date start;
+    const char *math, *mathType, *end;
+  } cases[] = {
+      {"Europe/Berlin", sys_days(2024y / 3 / 30) + 11h, "1", "days", "2024-03-31 12:00:00 +02:00"},
+      {"Europe/Berlin", sys_days(2024y / 3 / 30) + 11h, "24", "hours", "2024-03-31 13:00:00 +02:00"},
+      {"Europe/Berlin", sys_days(2024y / 3 / 30) + 1h + 30min, "1", "days", "2024-03-31 03:30:00 +02:00"},
+      {"Europe/Berlin", sys_days(2024y / 10 / 26) + 10h, "1", "days", "2024-10-27 12:00:00 +01:00"},
+      {"Europe/Berlin", sys_days(2024y / 10 / 27), "60", "minutes", "2024-10-27 02:00:00 +01:00"},
+      {"Europe/Berlin", sys_days(2024y / 7 / 1) + 10h, "6", "months", "2025-01-01 12:00:00 +01:00"},
+      {"America/New_York", sys_days(2024y / 3 / 9) + 17h, "1", "days", "2024-03-10 12:00:00 -04:00"},
+      {"America/New_York", sys_days(2024y / 3 / 9) + 17h, "86400", "seconds", "2024-03-10 13:00:00 -04:00"},
+      {"America/New_York", sys_days(2024y / 11 / 3) + 16h, "-1", "days", "2024-11-02 12:00:00 -04:00"},
+      {"America/New_York", sys_days(2024y / 11 / 2) + 16h, "24", "hours", "2024-11-03 11:00:00 -05:00"},
+  };
+  for (const auto& expected : cases) {
+    EXPECT_EQ(moved(expected.zone, expected.start, expected.math, expected.mathType), expected.end);
+  }
+}
+
+TEST_F(DateMacro, OffsetsOnlyWhereAskedToAndByKnownUnits) {
+  const auto macro = u"%date:dateLength=short:timeLength=none:math=1:mathType=years:date%";
+  EXPECT_EQ(render("dateLength=short:timeLength=none:math=1:mathType=years"), "14.11.24");
+  const auto picked = momentOf(sys_days(1923y / 1 / 2));
+  EXPECT_EQ(toUtf8(renderDateMacro(macro, picked, DateOffset::ignore, formatter_)), "02.01.23");
+
+  CapturedLog log;
+  EXPECT_EQ(render("dateLength=short:timeLength=none:math=1:mathType=weeks"), "14.11.23");
+  EXPECT_EQ(render("dateLength=short:timeLength=none:mathType=weeks"), "14.11.23");
+  EXPECT_EQ(log.lines(), std::vector<std::string>{"WARNING: #43fzuewin - weeks"});
+}
+
+}  // namespace
+}  // namespace quorlo
