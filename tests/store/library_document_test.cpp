@@ -75,6 +75,14 @@ TEST(LibraryDocument, TakesAPlainListOfSnippetsAndTellsTheOnesWithoutUuidApartBy
   EXPECT_EQ(report.value().addedSnippets, 2U);
 }
 
+TEST(LibraryDocument, CountsNoBracketsInsideStringsAsNesting) {
+  TestLibrary library;
+  const auto report =
+      readLibrary(R"([{"text": "\" )" + std::string(40, '[') + R"("}])", "brackets", library.context);
+  ASSERT_TRUE(report) << report.error().message;
+  EXPECT_EQ(report.value().addedSnippets, 1U);
+}
+
 TEST(LibraryDocument, KeepsASnippetWithoutAnAbbreviationThatCannotBe) {
   TestLibrary library;
   library.snippet(u"Old", u"taken");

@@ -26,18 +26,21 @@ TEST(PersistenceController, SavesManyChangesOnceThreeAndAHalfSecondsAfterTheFirs
   EXPECT_EQ(library.commits.size(), 2U);
 }
 
-TEST(PersistenceController, ObservesTheContextOnceHoweverManyAsk) {
+TEST(PersistenceController, ObservesItsOwnContextOnlyFromTheFirstSnippetOrFolderOn) {
   TestLibrary library;
-  std::size_t saves = 0;
-  for (int i = 0; i < 5; ++i) library.controller.observeObjectsDidChange(library.context);
-  library.snippet(u"a");
-  library.snippet(u"b");
+  library.context.insert<QLUser>();
+  library.queue.settle();
+  EXPECT_TRUE(library.commits.empty());
+
+  library.folder(CategoryType::Folder);
+  library.queue.settle();
+  ASSERT_EQ(library.commits.size(), 1U);
+  EXPECT_EQ(library.commits[0].inserted.size(), 2U);
+
+  ManagedObjectContext other(library.queue, {.now = [] { return Date{}; }});
+  library.controller.observeObjectsDidChange(other);
+  other.insert<QLUser>();
   library.queue.runDue();
-  library.controller.save();
-  saves = library.commits.size();
-  // The one save that is scheduled finds nothing to do, and nothing else is scheduled.
-  library.queue.advance(Seconds(3.6));
-  EXPECT_EQ(library.commits.size(), saves);
   EXPECT_TRUE(library.queue.idle());
 }
 
