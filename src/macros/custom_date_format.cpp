@@ -84,7 +84,7 @@ std::vector<CustomDateFormatPiece> tokenizeCustomDateFormat(std::u16string_view 
 }
 
 std::u16string formatCustomDate(std::u16string_view format, Moment date, DateAndTimeFormatter& formatter) {
-  const auto user = formatter.userContext();
+  const auto& user = formatter.userContext();
   const DateContext clock{"en_US_POSIX", user.timeZone};
   const bool hasClock = hasHoursOfTheDay(format);
   std::u16string result;

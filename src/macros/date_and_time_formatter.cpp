@@ -75,14 +75,16 @@ struct DateAndTimeFormatter::Formats {
 };
 
 DateAndTimeFormatter::DateAndTimeFormatter(const Environment& environment)
-    : environment_(environment), formats_(std::make_unique<Formats>()) {}
+    : environment_(environment), formats_(std::make_unique<Formats>()) {
+  readEnvironment();
+}
 
 DateAndTimeFormatter::~DateAndTimeFormatter() = default;
 
-DateContext DateAndTimeFormatter::userContext() const {
+void DateAndTimeFormatter::readEnvironment() {
   auto languages = environment_.preferredLanguages();
   if (languages.empty()) fatal("ERROR: The environment names no language to write dates in.");
-  return {std::move(languages.front()), environment_.timeZone()};
+  userContext_ = {std::move(languages.front()), environment_.timeZone()};
 }
 
 std::u16string DateAndTimeFormatter::string(Moment moment, const DateContext& context, DateStyle dateStyle,

@@ -26,14 +26,19 @@ struct DateContext {
 // Main thread.
 class DateAndTimeFormatter {
  public:
-  // `environment` outlives the formatter.
+  // `environment` outlives the formatter. One that names no language is fatal.
   explicit DateAndTimeFormatter(const Environment& environment);
   ~DateAndTimeFormatter();
   DateAndTimeFormatter(const DateAndTimeFormatter&) = delete;
   DateAndTimeFormatter& operator=(const DateAndTimeFormatter&) = delete;
 
-  // The user's first language and time zone as they are now. An environment without any language is fatal.
-  DateContext userContext() const;
+  // Takes the user's first language and the time zone, which a journey changes, from the environment anew.
+  // Called before a text's dates are rendered rather than for each of them, since the environment may have
+  // to look at files.
+  void readEnvironment();
+
+  // As read last; the constructor reads for the first time.
+  const DateContext& userContext() const { return userContext_; }
 
   // Date and time in standard styles; empty when both are none. The text is meant to be typed into other
   // programs: where the CLDR sets a narrow no-break space (U+202F, in English before AM and PM) it has an
@@ -47,6 +52,7 @@ class DateAndTimeFormatter {
   struct Formats;
 
   const Environment& environment_;
+  DateContext userContext_;
   std::unique_ptr<Formats> formats_;
 };
 

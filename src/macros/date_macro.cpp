@@ -16,6 +16,7 @@ namespace {
 
 using Format = DateAndTimeMacroDateFormat;
 
+// The standard lengths are numbered as the formatter's styles are.
 DateStyle styleOf(std::optional<Format> format) {
   return format && *format != Format::custom ? static_cast<DateStyle>(*format) : DateStyle::none;
 }

@@ -34,7 +34,6 @@ TEST_F(CustomDateFormat, WritesFieldsAndKeepsOtherText) {
       {u"", u""},
       {u"dd.MM 12%1%2222!", u"dd.MM 12:?!"},
       {u"%dd.%MM.%YY", u"30.12.25"},  // the week of 30 December belongs to the next year
-      {u"%yyyy%MM%dd", u"20241230"},
       {u"%hh%1111%mm %a, %QQQ", u"09:05 AM, Q4"},
       {u"%%d%%%dd", u"%d%%dd"},  // a percent sign takes those behind it
       {u"100 %", u"100 %"},
@@ -66,8 +65,6 @@ TEST_F(CustomDateFormat, IsCutIntoTokensForItsEditor) {
 
 TEST_F(CustomDateFormat, OffersTokensThatAllHaveAnExample) {
   auto groups = dateTokenGroups();
-  EXPECT_EQ(groups.size(), 8U);
-  EXPECT_EQ(groups[2].tokens, (std::vector<QLDateToken>{{u"%YY"}, {u"%Y"}}));
   for (auto& group : timeTokenGroups()) groups.push_back(std::move(group));
   for (const auto& group : groups) {
     for (const auto& token : group.tokens) {
