@@ -28,6 +28,12 @@ TEST(PersistenceController, SavesManyChangesOnceThreeAndAHalfSecondsAfterTheFirs
 
 TEST(PersistenceController, ObservesItsOwnContextOnlyFromTheFirstSnippetOrFolderOn) {
   TestLibrary library;
+  ManagedObjectContext other(library.queue, {.now = [] { return Date{}; }});
+  library.controller.observeObjectsDidChange(other);
+  other.insert<QLUser>();
+  library.queue.runDue();
+  EXPECT_TRUE(library.queue.idle());
+
   library.context.insert<QLUser>();
   library.queue.settle();
   EXPECT_TRUE(library.commits.empty());
@@ -36,12 +42,6 @@ TEST(PersistenceController, ObservesItsOwnContextOnlyFromTheFirstSnippetOrFolder
   library.queue.settle();
   ASSERT_EQ(library.commits.size(), 1U);
   EXPECT_EQ(library.commits[0].inserted.size(), 2U);
-
-  ManagedObjectContext other(library.queue, {.now = [] { return Date{}; }});
-  library.controller.observeObjectsDidChange(other);
-  other.insert<QLUser>();
-  library.queue.runDue();
-  EXPECT_TRUE(library.queue.idle());
 }
 
 TEST(PersistenceController, LogsAFailedSaveAndTriesAgainAfterTheNextChange) {
