@@ -13,24 +13,35 @@ namespace {
 
 constexpr auto kNowhere = std::u16string_view::npos;
 
+// Where a run may begin or end. Found once for all types: searching the text itself for each of them
+// takes several times as long.
+std::vector<std::size_t> percentSigns(std::u16string_view text) {
+  std::vector<std::size_t> signs;
+  for (auto sign = text.find(u'%'); sign != kNowhere; sign = text.find(u'%', sign + 1)) signs.push_back(sign);
+  return signs;
+}
+
 void findMacrosOfType(MacroType type, bool shortEndings, std::u16string_view text,
-                      std::vector<MacroOccurrence>& found) {
-  const auto opening = u"%" + std::u16string(rawValue(type));
-  const auto closing =
-      shortEndings || type == MacroType::cursor ? u"%" : std::u16string(rawValue(type)) + u"%";
-  // An opening in the last place could not be closed any more.
-  const auto searched = text.substr(0, text.size() - 1);
-  for (auto start = searched.find(opening); start != kNowhere;) {
-    const auto close = text.find(closing, start + opening.size());
-    if (close == kNowhere) {
+                      const std::vector<std::size_t>& signs, std::vector<MacroOccurrence>& found) {
+  const auto name = rawValue(type);
+  const auto closingName = shortEndings || type == MacroType::cursor ? std::u16string_view() : name;
+  for (auto sign = signs.begin(); sign != signs.end(); ++sign) {
+    const auto start = *sign;
+    const auto inside = start + 1 + name.size();
+    // An opening in the last place could not be closed any more.
+    if (inside >= text.size()) return;
+    if (text.compare(start + 1, name.size(), name) != 0) continue;
+    sign = std::find_if(sign + 1, signs.end(), [&](std::size_t end) {
+      return end >= inside + closingName.size() &&
+             text.compare(end - closingName.size(), closingName.size(), closingName) == 0;
+    });
+    if (sign == signs.end()) {
       // No later opening of this type can have a closing either.
       logWarning("WARNING: #3ddsdsc string may contain unsupported macros: " + toUtf8(text));
-      logDebug(fmt::format("The macro of type {} at {} is not closed.", toUtf8(rawValue(type)), start));
+      logDebug(fmt::format("The macro of type {} at {} is not closed.", toUtf8(name), start));
       return;
     }
-    const auto end = close + closing.size();
-    found.push_back({{start, end - start}, type});
-    start = searched.find(opening, end);
+    found.push_back({{start, *sign + 1 - start}, type});
   }
 }
 
@@ -40,7 +51,8 @@ std::vector<MacroOccurrence> findMacros(std::u16string_view text) {
   std::vector<MacroOccurrence> found;
   if (text.size() < 2) return found;
   const bool shortEndings = text.find(u"%clipboard%") != kNowhere;
-  for (const auto type : kAllMacroTypes) findMacrosOfType(type, shortEndings, text, found);
+  const auto signs = percentSigns(text);
+  for (const auto type : kAllMacroTypes) findMacrosOfType(type, shortEndings, text, signs, found);
   std::ranges::stable_sort(found, {},
                            [](const MacroOccurrence& occurrence) { return occurrence.range.location; });
   return found;

@@ -28,6 +28,8 @@ AttributedString QLSnippetMacroInterpreter::resolveSnippetMacros(AttributedStrin
 EvaluatedText QLSnippetMacroInterpreter::evaluate(const AttributedString& text,
                                                   std::span<const MacroType> types, FillInAnswers answers,
                                                   std::optional<AttributedString> clipboard) const {
+  // Language and time zone are those of this moment.
+  if (dateAndTimeFormatter_) dateAndTimeFormatter_->readEnvironment();
   const auto renderDate = [this](std::u16string_view macroString, Moment date, DateOffset offset) {
     return renderDateMacro(macroString, date, offset, dateAndTimeFormatter());
   };

@@ -58,6 +58,7 @@ class SnippetPasses {
   AttributedString text_;
   std::vector<Abbreviations> paths_;  // those of runs without a mark first
   const SnippetLookup& lookup_;
+  bool isCut_ = false;  // the text has grown as long as it may
   std::map<std::u16string, std::optional<AttributedString>> snippets_;
   std::map<std::pair<std::u16string, Abbreviations>, AttributedString> marked_;
 };
@@ -98,9 +99,11 @@ std::optional<AttributedString> SnippetPasses::replacement(TextRange range, std:
     logWarning("WARNING: #4uNCEF - Discovered loop snippet reference - abort");
     return AttributedString();
   }
-  if (found->size() > room) {
-    logWarning("WARNING: #nst7Lim - Nested snippets are too long together, left out: " +
-               toUtf8(*abbreviation));
+  if (isCut_ || found->size() > room) {
+    if (!std::exchange(isCut_, true)) {
+      logWarning("WARNING: #nst7Lim - Nested snippets are too long together, left out from: " +
+                 toUtf8(*abbreviation));
+    }
     return AttributedString();
   }
   return marked(*abbreviation, inside);

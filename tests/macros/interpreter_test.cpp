@@ -108,14 +108,11 @@ TEST_F(Interpreter, KeepsTheLookAndTheMarksOfNestedTextsAndLeavesNoneOfItsOwn) {
 }
 
 TEST_F(Interpreter, LeavesOutWhatWouldGrowBeyondMeasure) {
-  for (char16_t level = u'1'; level < u'4'; ++level) {
-    std::u16string text;
-    for (int i = 0; i < 1000; ++i) text += call(std::u16string(1, static_cast<char16_t>(level + 1)));
-    snippets[std::u16string(1, level)] = AttributedString(text);
-  }
-  snippets[u"4"] = AttributedString(u"x");
-  EXPECT_LE(resolved(call(u"1")).size(), kLongestResolvedText);
-  EXPECT_GT(log.count("too long together"), 0U);
+  snippets[u"x"] = AttributedString(std::u16string(kLongestResolvedText / 4, u'x'));
+  std::u16string text;
+  for (int i = 0; i < 9; ++i) text += call(u"x");
+  EXPECT_EQ(resolved(text).size(), kLongestResolvedText / 4 * 3);
+  EXPECT_EQ(log.count("too long together"), 1U);
 }
 
 TEST_F(Interpreter, EvaluatesEachTypeToItsDefault) {
