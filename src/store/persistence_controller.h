@@ -6,7 +6,6 @@
 #include "store/managed_object_context.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
