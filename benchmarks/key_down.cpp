@@ -6,16 +6,19 @@
 #include "app/settings/sound_manager.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
+#include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
 #include "fakes/fake_alerts.h"
 #include "fakes/fake_audio_player.h"
 #include "fakes/fake_background_queue.h"
 #include "fakes/fake_desktop.h"
 #include "fakes/fake_environment.h"
+#include "fakes/fake_fill_in_prompt.h"
 #include "fakes/fake_own_application.h"
 #include "fakes/fake_user_defaults.h"
 #include "fakes/fake_user_notifications.h"
 #include "figures.h"
+#include "macros/ql_snippet_macro_interpreter.h"
 #include "store/managed_object_context.h"
 #include "store/persistence_controller.h"
 #include "store/ql_snippet.h"
@@ -85,7 +88,9 @@ class Typist {
   FakeBackgroundQueue background_;
   FakeOwnApplication application_;
   FakeUserNotifications notifications_;
-  WholeTextPreparation preparation_;
+  FakeFillInPrompt prompt_{desktop_.queue};
+  QLSnippetMacroInterpreter interpreter_{environment_, [](const auto&) { return std::nullopt; }};
+  MacroPreparation preparation_{interpreter_, prompt_};
   SettingsController settings_{defaults_, desktop_.queue, [this] { return environment_.now(); },
                                [] { return std::nullopt; }};
   PersistenceController persistence_{desktop_.queue, environment_};

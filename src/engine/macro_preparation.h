@@ -2,6 +2,7 @@
 
 #include "base/life_token.h"
 #include "engine/snippet_preparation.h"
+#include "macros/fill_in_macros.h"
 
 namespace quorlo {
 

@@ -22,10 +22,4 @@ class SnippetPreparation {
   virtual void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) = 0;
 };
 
-// Inserts the content as it stands, in one piece.
-class WholeTextPreparation : public SnippetPreparation {
- public:
-  void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) override;
-};
-
 }  // namespace quorlo

@@ -6,12 +6,15 @@
 #include "base/log.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
+#include "engine/fill_in_prompt.h"
+#include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
-#include "engine/snippet_preparation.h"
+#include "macros/ql_snippet_macro_interpreter.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
 #include "store/library_document.h"
 #include "store/persistence_controller.h"
+#include "store/ql_snippet.h"
 #include "store/ql_user.h"
 #include "text/locale_quotes.h"
 #include "ui/dbus_user_notifications.h"
@@ -44,6 +47,18 @@ QuotationMarks textQuotationMarks(const SystemEnvironment& environment) {
   const auto languages = environment.textLanguages();
   return languages.empty() ? QuotationMarks{} : quotationMarks(languages.front());
 }
+
+// Fills in nothing: every field keeps its default.
+class DefaultAnswers : public FillInPrompt {
+ public:
+  explicit DefaultAnswers(MainQueue& queue) : queue_(queue) {}
+  void ask(AttributedString, std::vector<FillInField>, Completion completion) override {
+    queue_.run([completion = std::move(completion)] { completion(FillInAnswers{}); });
+  }
+
+ private:
+  MainQueue& queue_;
+};
 
 }  // namespace
 
@@ -89,13 +104,20 @@ struct Program::Parts {
   AccessibilityManager accessibility{
       desktop->accessibilityTrust(),  settings, desktop->workspace(), alerts, queue,
       textQuotationMarks(environment)};
-  WholeTextPreparation preparation;
+  QLSnippetMacroInterpreter interpreter{
+      environment, [this](const std::u16string& abbreviation) -> std::optional<AttributedString> {
+        const auto snippet = persistence.snippetForAbbreviation(abbreviation);
+        if (!snippet) return std::nullopt;
+        return snippet->text();
+      }};
+  DefaultAnswers prompt{queue};
+  MacroPreparation preparation{interpreter, prompt};
   PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->keyboardLayout(),
                          desktop->typedKeysHold(), application, notifications, settings, sound, preparation}};
   AbbreviationsMonitor monitor{{queue, desktop->eventTap(), desktop->mouseMonitor(), desktop->workspace(),
                                 settings, accessibility, persistence, persistence.managedObjectContext(),
                                 paste}};
-  SharedInstances shared{settings, persistence, sound, accessibility, paste, monitor};
+  SharedInstances shared{settings, persistence, sound, interpreter, accessibility, paste, monitor};
 };
 
 Program::Program(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}

@@ -6,6 +6,7 @@
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
 #include "engine/paste_controller.h"
+#include "macros/ql_snippet_macro_interpreter.h"
 #include "store/persistence_controller.h"
 
 namespace quorlo {
@@ -28,6 +29,7 @@ SharedInstances::SharedInstances(SettingsController& settings, PersistenceContro
   bound<SettingsController> = &settings;
   bound<PersistenceController> = &persistence;
   bound<SoundManager> = &sound;
+  bound<QLSnippetMacroInterpreter> = &interpreter;
   bound<AccessibilityManager> = &accessibility;
   bound<PasteController> = &paste;
   bound<AbbreviationsMonitor> = &monitor;
@@ -37,6 +39,7 @@ SharedInstances::~SharedInstances() {
   bound<SettingsController> = nullptr;
   bound<PersistenceController> = nullptr;
   bound<SoundManager> = nullptr;
+  bound<QLSnippetMacroInterpreter> = nullptr;
   bound<AccessibilityManager> = nullptr;
   bound<PasteController> = nullptr;
   bound<AbbreviationsMonitor> = nullptr;
@@ -50,6 +53,9 @@ PersistenceController& PersistenceController::shared() {
 }
 SoundManager& SoundManager::shared() {
   return sharedInstance<SoundManager>();
+}
+QLSnippetMacroInterpreter& QLSnippetMacroInterpreter::shared() {
+  return sharedInstance<QLSnippetMacroInterpreter>();
 }
 AccessibilityManager& AccessibilityManager::shared() {
   return sharedInstance<AccessibilityManager>();

@@ -6,6 +6,7 @@ class AbbreviationsMonitor;
 class AccessibilityManager;
 class PasteController;
 class PersistenceController;
+class QLSnippetMacroInterpreter;
 class SettingsController;
 class SoundManager;
 
@@ -13,7 +14,8 @@ class SoundManager;
 class SharedInstances {
  public:
   SharedInstances(SettingsController& settings, PersistenceController& persistence, SoundManager& sound,
-                  AccessibilityManager& accessibility, PasteController& paste, AbbreviationsMonitor& monitor);
+                  QLSnippetMacroInterpreter& interpreter, AccessibilityManager& accessibility,
+                  PasteController& paste, AbbreviationsMonitor& monitor);
   SharedInstances(const SharedInstances&) = delete;
   SharedInstances& operator=(const SharedInstances&) = delete;
   ~SharedInstances();

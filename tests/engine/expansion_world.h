@@ -4,16 +4,18 @@
 #include "app/settings/sound_manager.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
+#include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
-#include "engine/snippet_preparation.h"
 #include "fakes/fake_alerts.h"
 #include "fakes/fake_audio_player.h"
 #include "fakes/fake_background_queue.h"
 #include "fakes/fake_desktop.h"
 #include "fakes/fake_environment.h"
+#include "fakes/fake_fill_in_prompt.h"
 #include "fakes/fake_own_application.h"
 #include "fakes/fake_user_defaults.h"
 #include "fakes/fake_user_notifications.h"
+#include "macros/ql_snippet_macro_interpreter.h"
 #include "store/folder_types.h"
 #include "store/managed_object_context.h"
 #include "store/persistence_controller.h"
@@ -30,20 +32,6 @@
 #include <utility>
 
 namespace quorlo {
-
-// A preparation whose outcome the test chooses; hands the content on in one piece until told otherwise.
-class ChosenPreparation : public SnippetPreparation {
- public:
-  void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) override {
-    if (!outcome) return whole_.prepare(std::move(content), snippet, std::move(completion));
-    completion(*outcome);
-  }
-
-  std::optional<std::optional<PreparedSnippet>> outcome;
-
- private:
-  WholeTextPreparation whole_;
-};
 
 // The whole program on a fake desktop, with abbreviations on.
 struct ExpansionWorld : testing::Test {
@@ -86,12 +74,19 @@ struct ExpansionWorld : testing::Test {
   FakeBackgroundQueue background;
   FakeOwnApplication ownApplication;
   FakeUserNotifications notifications;
-  ChosenPreparation preparation;
 
   SettingsController settings{defaults, desktop.queue, [this] { return environment.now(); },
                               [] { return std::nullopt; }};
   PersistenceController persistence{desktop.queue, environment};
   ManagedObjectContext& context = persistence.managedObjectContext();
+  QLSnippetMacroInterpreter interpreter{
+      environment, [this](const std::u16string& abbreviation) -> std::optional<AttributedString> {
+        const auto snippet = persistence.snippetForAbbreviation(abbreviation);
+        if (!snippet) return std::nullopt;
+        return snippet->text();
+      }};
+  FakeFillInPrompt prompt{desktop.queue};
+  MacroPreparation preparation{interpreter, prompt};
   SoundManager sound{settings, environment, player, background};
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
   PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, ownApplication,

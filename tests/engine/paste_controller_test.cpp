@@ -15,8 +15,9 @@ namespace {
 struct PasteTest : ExpansionWorld {
   PasteTest() { desktop.pasteboard.copyFromElsewhere("mine"); }
 
-  void choose(PreparedSnippet prepared) { preparation.outcome = std::move(prepared); }
-  static AttributedString text(const char16_t* string) { return AttributedString(string); }
+  static std::u16string pressing(std::u16string_view value) {
+    return u"%specialKey:value=" + std::u16string(value) + u":specialKey%";
+  }
   static constexpr FakeDesktop::Post kPasteChord{key::kV, 0x100008, PostLocation::session, 1};
 };
 
@@ -153,13 +154,9 @@ TEST_F(PasteTest, ASecondSnippetWaitsForTheFirst) {
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
 }
 
-TEST_F(PasteTest, KeysBetweenPiecesAreePressedInTextOrder) {
-  add(u"f", u"form");
-  choose({text(u"ab"),
-          {text(u"a"), text(u""), text(u"b"), text(u"")},
-          {{{1, 0}, "tab", {}}, {{1, 0}, "combi", KeyCombination{11, 0x20000}}, {{2, 0}, "return", {}}},
-          {},
-          0});
+TEST_F(PasteTest, KeysBetweenPiecesArePressedInTextOrder) {
+  add(u"f", u"a" + pressing(u"tab") + u"%specialKey:value=combi:code=11:modFlags=131072:specialKey%b" +
+                pressing(u"return"));
   settings.setRemoveTriggerKey(true);
   desktop.typeAndWait(u"f ");
   EXPECT_EQ(desktop.posts, (std::vector<FakeDesktop::Post>{{key::kBackspace, 0, PostLocation::session, 1},
@@ -171,39 +168,58 @@ TEST_F(PasteTest, KeysBetweenPiecesAreePressedInTextOrder) {
   EXPECT_EQ(desktop.text(), u"a\tb\n");
 }
 
-TEST_F(PasteTest, TheClipboardKeyPastesWhatWasSaved) {
-  add(u"q", u"quote");
-  choose({text(u"<>"), {text(u"<"), text(u">")}, {{{1, 0}, "clipboard", {}}}, {}, 0});
-  std::vector<std::string> lines;
-  const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
+TEST_F(PasteTest, TheClipboardMacroPastesWhatWasSaved) {
+  add(u"q", u"<%clipboard%>");
   desktop.typeAndWait(u"q ");
-  EXPECT_EQ(desktop.text(), u"<mine>");
+  EXPECT_EQ(desktop.text(), u"<mine> ");
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
-  choose({text(u"x"), {text(u"x")}, {{{1, 0}, "hyper", {}}}, {}, 0});
-  desktop.typeAndWait(u"q ");
-  EXPECT_EQ(lines, std::vector<std::string>{"WARNING: #uz84KKlK - hyper"});
 }
 
-TEST_F(PasteTest, TheCaretGoesBackToTheCursorsPlace) {
-  add(u"c", u"call()");
-  choose({text(u"call();ok"), {text(u"call();"), text(u"ok")}, {{{7, 0}, "tab", {}}}, TextRange{5, 0}, 0});
+TEST_F(PasteTest, TheCaretGoesBackToTheCursorsPlaceAcrossPieces) {
+  add(u"c", u"call(%cursor%);" + pressing(u"tab") + u"ok");
+  add(u"d", u"plain");
+  settings.setRemoveTriggerKey(true);
   desktop.typeAndWait(u"c ");
   EXPECT_EQ(desktop.posts.back(), (FakeDesktop::Post{key::kLeftArrow, 0, PostLocation::annotatedSession, 4}));
   // A clean start: the next expansion moves no caret.
-  desktop.posts.clear();
-  preparation.outcome.reset();
-  desktop.typeAndWait(u"c ");
+  desktop.typeAndWait(u"d ");
   EXPECT_EQ(desktop.posts.back(), kPasteChord);
 }
 
+TEST_F(PasteTest, EveryKindOfMacroWorksTogether) {
+  add(u"sig", u"Ada");
+  add(u"m", u"Dear %textfield:name=who:default=Sir:textfield%, %snippet:abbreviation=sig:snippet%" +
+                pressing(u"return") + u"%clipboard%" + pressing(u"tab") + pressing(u"tab") + u"on %cursor%" +
+                u"%date:dateLength=short:timeLength=no:date%");
+  prompt.answers = FillInAnswers{std::u16string(u"Charles")};
+  settings.setRemoveTriggerKey(true);
+  desktop.typeAndWait(u"m ");
+  ASSERT_EQ(prompt.asked.size(), 1U);
+  EXPECT_EQ(prompt.asked[0].size(), 1U);
+  EXPECT_EQ(desktop.text(), u"Dear Charles, Ada\nmine\t\ton 11/14/23");
+  EXPECT_EQ(desktop.front().caret, desktop.text().size() - 8);
+  EXPECT_EQ(desktop.pasteboard.text(), "mine");
+}
+
 TEST_F(PasteTest, WhatTheUserCallsOffLeavesEverythingAsItWas) {
-  const auto snippet = add(u"sig", u"S");
-  preparation.outcome = std::optional<PreparedSnippet>();
+  const auto snippet = add(u"sig", u"%textfield:name=who:textfield%");
+  prompt.answers.reset();
   desktop.typeAndWait(u"sig ");
   EXPECT_EQ(desktop.text(), u"sig");
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
   EXPECT_EQ(snippet->useCount(), 0);
   EXPECT_FALSE(desktop.holdsKeys());
+}
+
+TEST_F(PasteTest, ASnippetDeletedWhileTheUserFillsItInIsStillInserted) {
+  const auto snippet = add(u"sig", u"%textfield:name=who:default=me:textfield%!");
+  prompt.thinking = Seconds(60);
+  desktop.type(u"sig ");
+  desktop.queue.advance(Seconds(30));
+  context.deleteObject(*snippet);
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.text(), u"me! ");
+  EXPECT_EQ(desktop.pasteboard.text(), "mine");
 }
 
 TEST_F(PasteTest, OurOwnWindowsStepAsideForThePaste) {
@@ -217,14 +233,6 @@ TEST_F(PasteTest, OurOwnWindowsStepAsideForThePaste) {
   desktop.queue.settle();
   EXPECT_TRUE(ownApplication.hasVisibleWindows());
   EXPECT_EQ(ownApplication.activationPolicy(), ActivationPolicy::regular);
-}
-
-TEST_F(PasteTest, ASnippetDeletedMeanwhileIsStillInserted) {
-  const auto snippet = add(u"sig", u"S");
-  desktop.type(u"sig ");
-  context.deleteObject(*snippet);
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.text(), u"S ");
 }
 
 TEST_F(PasteTest, AnOwnerThatRefusesItsContentsDoesNotStopTheExpansion) {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "engine/fill_in_prompt.h"
+#include "platform/main_queue.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+
+// A user who gives the answers that the test set, or calls the insertion off.
+class FakeFillInPrompt : public FillInPrompt {
+ public:
+  explicit FakeFillInPrompt(MainQueue& queue) : queue_(queue) {}
+
+  void ask(AttributedString, std::vector<FillInField> fields, Completion completion) override {
+    asked.push_back(std::move(fields));
+    queue_.runAfter(thinking, [this, completion = std::move(completion)] { completion(answers); });
+  }
+
+  std::optional<FillInAnswers> answers = FillInAnswers{};
+  Seconds thinking{0};
+  std::vector<std::vector<FillInField>> asked;
+
+ private:
+  MainQueue& queue_;
+};
+
+}  // namespace quorlo
