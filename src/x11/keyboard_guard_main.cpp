@@ -14,6 +14,7 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -106,6 +107,7 @@ class Guard {
     if (size == 0) return false;
     // Each message is sent whole, so that no read ends inside one.
     lastAnswer_ = times[static_cast<std::size_t>(size) / sizeof times[0] - 1];
+    lastAnswerSeen_ = Clock::now();
     anyAnswer_ = true;
     while (!unanswered_.empty() && isAnswered(unanswered_.front().time)) {
       unanswered_.pop_front();
@@ -114,9 +116,12 @@ class Guard {
     return true;
   }
 
+  // Who works through many keys that were typed at once gives a sign with each.
+  Clock::time_point waitingSince() const { return std::max(unanswered_.front().seen, lastAnswerSeen_); }
+
   int timeToNextStep() const {
     if (unanswered_.empty()) return -1;
-    const auto due = unanswered_.front().seen + (asked_ ? kEndAfter : kAskAfter);
+    const auto due = waitingSince() + (asked_ ? kEndAfter : kAskAfter);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now());
     return left.count() > 0 ? static_cast<int>(left.count()) : 0;
   }
@@ -124,7 +129,7 @@ class Guard {
   // False when the work is done.
   bool watch() {
     if (unanswered_.empty()) return true;
-    const auto age = Clock::now() - unanswered_.front().seen;
+    const auto age = Clock::now() - waitingSince();
     if (!asked_ && age >= kAskAfter) {
       asked_ = true;
       xcb_client_message_event_t question{};
@@ -194,6 +199,7 @@ class Guard {
   bool asked_ = false;  // for the first of them
   bool anyAnswer_ = false;
   std::uint32_t lastAnswer_ = 0;
+  Clock::time_point lastAnswerSeen_;
 };
 
 }  // namespace

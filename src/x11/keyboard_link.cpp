@@ -27,20 +27,6 @@ std::optional<Error> missing(const std::string& what) {
       "XTEST, XInput 2 and XKB, as Xorg is."};
 }
 
-template <class Reply>
-void appendHeldKeys(const Reply& state, std::uint16_t device, KeyboardLink::HeldKeys& held) {
-  for (auto it = xcb_input_query_device_state_classes_iterator(&state); it.rem > 0;
-       xcb_input_input_state_next(&it)) {
-    if (it.data->class_id != XCB_INPUT_INPUT_CLASS_KEY) continue;
-    const auto* keys = reinterpret_cast<const xcb_input_key_state_t*>(it.data);
-    for (unsigned keycode = 8; keycode < 256; ++keycode) {
-      if ((keys->keys[keycode / 8] >> (keycode % 8) & 1U) != 0) {
-        held.emplace_back(device, static_cast<XKeycode>(keycode));
-      }
-    }
-  }
-}
-
 }  // namespace
 
 KeyboardLink::KeyboardLink(XConnection& connection) : connection_(connection) {
@@ -144,22 +130,54 @@ void KeyboardLink::ungrabKeyboards() {
 
 KeyboardLink::HeldKeys KeyboardLink::heldKeys() const {
   HeldKeys held;
-  for (const auto device : grabbed_) {
-    const auto state =
-        connection_.reply(xcb_input_query_device_state_reply,
-                          xcb_input_query_device_state(connection_.get(), static_cast<std::uint8_t>(device)));
-    if (state) appendHeldKeys(*state, device, held);
-  }
+  for (const auto device : grabbed_) appendHeldKeys(device, held);
   return held;
 }
 
-void KeyboardLink::releaseAllKeys() {
-  const auto reply = connection_.reply(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
-  if (!reply) return;
-  for (unsigned keycode = 8; keycode < 256; ++keycode) {
-    if ((reply->keys[keycode / 8] >> (keycode % 8) & 1U) != 0) release(static_cast<XKeycode>(keycode));
+void KeyboardLink::releaseXtestKeys() {
+  HeldKeys held;
+  appendHeldKeys(xtestKeyboard_, held);
+  for (const auto& [device, keycode] : held) release(keycode);
+}
+
+void KeyboardLink::appendHeldKeys(Device device, HeldKeys& held) const {
+  const auto state =
+      connection_.reply(xcb_input_query_device_state_reply,
+                        xcb_input_query_device_state(connection_.get(), static_cast<std::uint8_t>(device)));
+  if (!state) return;
+  for (auto it = xcb_input_query_device_state_classes_iterator(state.get()); it.rem > 0;
+       xcb_input_input_state_next(&it)) {
+    if (it.data->class_id != XCB_INPUT_INPUT_CLASS_KEY) continue;
+    const auto* keys = reinterpret_cast<const xcb_input_key_state_t*>(it.data);
+    for (unsigned keycode = 8; keycode < 256; ++keycode) {
+      if ((keys->keys[keycode / 8] >> (keycode % 8) & 1U) == 0) continue;
+      held.emplace_back(device, static_cast<XKeycode>(keycode));
+    }
   }
+}
+
+std::vector<XKeycode> KeyboardLink::pressedKeys() const {
+  std::vector<XKeycode> pressed;
+  const auto reply = connection_.reply(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
+  if (!reply) return pressed;
+  for (unsigned keycode = 8; keycode < 256; ++keycode) {
+    if ((reply->keys[keycode / 8] >> (keycode % 8) & 1U) != 0)
+      pressed.push_back(static_cast<XKeycode>(keycode));
+  }
+  return pressed;
+}
+
+void KeyboardLink::releaseAllKeys() {
+  for (const auto keycode : pressedKeys()) release(keycode);
   flush();
+}
+
+std::vector<XKeycode> KeyboardLink::pressedModifiers() const {
+  auto pressed = pressedKeys();
+  if (pressed.empty()) return pressed;
+  const auto keys = map();
+  std::erase_if(pressed, [&](XKeycode keycode) { return !keys || !keys->isHeldModifierKey(keycode); });
+  return pressed;
 }
 
 std::optional<KeyMap> KeyboardLink::map() const {

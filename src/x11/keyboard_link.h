@@ -39,6 +39,10 @@ class KeyboardLink : public KeyStream::Output {
   HeldKeys heldKeys() const;
   // Lets go what applications see as held.
   void releaseAllKeys();
+  // Lets go what is held by XTEST alone.
+  void releaseXtestKeys();
+  // What applications see as held of the keys that change what others do.
+  std::vector<XKeycode> pressedModifiers() const;
 
   // The map that applications see for keys pressed through `press`.
   std::optional<KeyMap> map() const;
@@ -69,7 +73,8 @@ class KeyboardLink : public KeyStream::Output {
   };
   Keyboards findKeyboards() const;
   bool isXtest(Device device) const;
-  Device mapSource() const;
+  std::vector<XKeycode> pressedKeys() const;
+  void appendHeldKeys(Device device, HeldKeys& held) const;
 
   XConnection& connection_;
   std::optional<Error> problem_;

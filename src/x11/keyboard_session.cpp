@@ -174,7 +174,17 @@ void KeyboardSession::watchHold() {
 void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) {
   if (!stream_) return;
   noteProgress();
-  stream_->withoutModifiers(keys);
+  if (tapping_) {
+    stream_->withoutModifiers(keys);
+  } else {
+    const auto modifiers = link_.pressedModifiers();
+    for (const auto keycode : modifiers) link_.release(keycode);
+    // Pressed again after an earlier post, and let go on the physical keyboard only.
+    link_.releaseXtestKeys();
+    keys(link_);
+    for (const auto keycode : modifiers) link_.press(keycode);
+    link_.flush();
+  }
   wake();
 }
 

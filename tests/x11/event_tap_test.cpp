@@ -1,5 +1,7 @@
 // The tap on a real X server: a virtual keyboard types, a window writes down what arrives.
 #include "x11/keyboard_desktop.h"
+#include "x11/paste_chords.h"
+#include "x11/x11_event_poster.h"
 
 #include <gtest/gtest.h>
 
@@ -17,8 +19,10 @@ class EventTapTest : public ::testing::Test {
     desktop_.reset();
   }
   void SetUp() override { window.clear(); }
-  void TearDown() override { keys().releaseAll(); }
-
+  void TearDown() override {
+    keys().releaseAll();
+    desktop_->setLayout("us");
+  }
   VirtualKeyboard& keys() { return desktop_->keyboard(); }
   // What the window has once it is that, or what it has after a while.
   std::string typedOnceItIs(const std::string& text) {
@@ -30,6 +34,12 @@ class EventTapTest : public ::testing::Test {
   static std::unique_ptr<KeyWindow> window_;
   KeyWindow& window = *window_;
   KeyboardDesktop keyboard{*desktop_};
+  std::vector<PasteSelection> pastes;
+  PasteChords chords;
+  ActiveWindow active;
+  X11EventPoster poster{
+      *keyboard.service, chords, [this] { return active; },
+      [this](const PasteTarget&, PasteSelection selection) { pastes.push_back(selection); }};
 };
 
 std::unique_ptr<VirtualDesktop> EventTapTest::desktop_;
@@ -68,6 +78,195 @@ TEST_F(EventTapTest, AHeldKeyRepeatsAsWithoutATapAndIsReportedAsTyped) {
   const auto repeats = window.typed().size() - 2;
   const auto reported = keyboard.seen.size() - 2;
   EXPECT_NEAR(static_cast<double>(repeats), static_cast<double>(reported), 2.0);
+}
+
+TEST_F(EventTapTest, ThousandsOfKeysTypedWithoutPauseArriveInOrder) {
+  ASSERT_TRUE(keyboard.startTap());
+  std::string text;
+  for (int i = 0; i < 2000; ++i) text += static_cast<char>('a' + i * 7 % 26);
+  keys().type(text);
+  EXPECT_TRUE(typedOnceItIs(text) == text) << window.typed().size() << " keys";
+  EXPECT_TRUE(keyboard.seenText == text) << keyboard.seenText.size() << " keys";
+}
+
+TEST_F(EventTapTest, KeysTypedDuringAHoldComeAfterItInOrderAndMayBeginAnother) {
+  ASSERT_TRUE(keyboard.startTap());
+  keyboard.judge = [&](const KeyDownEvent& event) {
+    if (event.characters != u"!") return TapVerdict::pass;
+    keyboard.service->beginHold();
+    return TapVerdict::swallow;
+  };
+  keys().press("a");
+  keys().type("!bc!");  // the a is still down, and Shift with the exclamation marks
+  keys().press("d");
+  keys().release("a");
+  for (const KeyCode digit : {KeyCode{18}, KeyCode{19}}) {
+    ASSERT_TRUE(keyboard.pumpUntil([&] { return keyboard.seenText.ends_with("!"); }));
+    poster.postKey(digit, 0, PostLocation::session, 2);
+    keyboard.seenText.clear();
+    keyboard.service->endHold();
+  }
+  EXPECT_EQ(typedOnceItIs("a<Shift_L>11bc<Shift_L>22d"), "a<Shift_L>11bc<Shift_L>22d");
+  EXPECT_EQ(window.log(), "a<Shift_L>^<Shift_L>^a1^11^1b^bc^c<Shift_L>^<Shift_L>2^22^2d");
+  keys().release("d");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.log().ends_with("^d"); }));
+}
+
+TEST_F(EventTapTest, AHoldWithoutProgressEndsAfterTwoSecondsThoughTheMainThreadHangs) {
+  ASSERT_TRUE(keyboard.startTap());
+  const auto begin = std::chrono::steady_clock::now();
+  keyboard.service->beginHold();
+  keys().type("ab");
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "ab"; }));
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+}
+
+TEST_F(EventTapTest, AStalledMainThreadCostsOneDeadlineAndIsTold) {
+  ASSERT_TRUE(keyboard.startTap());
+  keys().type("abc");  // nobody pumps the queue
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "abc"; }));
+  EXPECT_FALSE(keyboard.port().isEnabled());
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return keyboard.timeouts == 1; }));
+  EXPECT_EQ(keyboard.seenText, "");
+  keyboard.port().enable();
+  keys().type("d");
+  EXPECT_EQ(typedOnceItIs("abcd"), "abcd");
+  EXPECT_EQ(keyboard.seenText, "d");
+  EXPECT_EQ(keyboard.timeouts, 1);
+}
+
+TEST_F(EventTapTest, AHeldShiftNeitherLeaksIntoPostedKeysNorSticks) {
+  ASSERT_TRUE(keyboard.startTap());
+  keys().press("Shift");
+  keys().tap(38);
+  ASSERT_TRUE(keyboard.pumpUntil([&] { return window.typed() == "<Shift_L>A"; }));
+  poster.postKey(key::kBackspace, 0, PostLocation::session, 2);
+  poster.postKey(11, modifier::kCommand, PostLocation::annotatedSession, 1);
+  keys().tap(38);
+  keys().release("Shift");
+  keys().tap(38);
+  const std::string typed = "<Shift_L>A<BackSpace><BackSpace><Shift_L><Control_L>b<Shift_L>Aa";
+  EXPECT_EQ(typedOnceItIs(typed), typed);
+  EXPECT_EQ(keyboard.seen.size(), 5U);  // three letters and what was posted to the session
+}
+
+TEST_F(EventTapTest, WithoutATapTheUsersModifiersAreLetGoForPostedKeysToo) {
+  keys().press("Shift");
+  ASSERT_EQ(typedOnceItIs("<Shift_L>"), "<Shift_L>");
+  poster.postKey(0, 0, PostLocation::session, 1);
+  ASSERT_EQ(typedOnceItIs("<Shift_L>a<Shift_L>"), "<Shift_L>a<Shift_L>");
+  keys().tap(56);
+  keys().release("Shift");
+  keys().type("c");
+  ASSERT_EQ(typedOnceItIs("<Shift_L>a<Shift_L>Bc"), "<Shift_L>a<Shift_L>Bc");
+  poster.postKey(0, modifier::kShift, PostLocation::session, 1);
+  ASSERT_EQ(typedOnceItIs("<Shift_L>a<Shift_L>Bc<Shift_L>A"), "<Shift_L>a<Shift_L>Bc<Shift_L>A");
+  keys().type("d");
+  EXPECT_EQ(typedOnceItIs("<Shift_L>a<Shift_L>Bc<Shift_L>Ad"), "<Shift_L>a<Shift_L>Bc<Shift_L>Ad")
+      << window.log();
+}
+
+TEST_F(EventTapTest, ModifiersHeldWhenTheTapBeginsGoOnAndOtherKeysAreLetGo) {
+  keys().press("Shift");
+  keys().press(39);
+  ASSERT_TRUE(keyboard.pumpUntil([&] { return window.log() == "<Shift_L>S"; }));
+  ASSERT_TRUE(keyboard.startTap());
+  keys().tap(38);
+  keys().release(39);
+  keys().release("Shift");
+  keys().tap(38);
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("Aa"); })) << window.log();
+  keyboard.stopTap();
+  keys().type("Bc");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("Aa<Shift_L>Bc"); })) << window.log();
+}
+
+// Types a letter each time it looks, as a user does whose keyboard does not answer.
+TEST_F(EventTapTest, AStoppedProcessLosesTheKeyboardAndHasItAgainWhenItGoesOn) {
+  const auto output = desktop_->directory() / "holder.log";
+  auto holder = desktop_->start({TAP_HOLDER, desktop_->display(), QUORLO_KEYBOARD_GUARD}, output);
+  ASSERT_TRUE(waitUntil([&] { return readFile(output).find("tapping") != std::string::npos; }));
+  keys().press(38);
+  ASSERT_TRUE(waitUntil([&] { return window.typed() == "a"; }));
+  holder.signal(SIGSTOP);
+  const auto stopped = std::chrono::steady_clock::now();
+  keys().type("b");
+  keys().release(38);
+  // The letter typed into the stopped process is lost; what it held down is let go.
+  EXPECT_TRUE(waitUntil([&] { return window.log() == "a^a"; })) << window.log();
+  EXPECT_LT(std::chrono::steady_clock::now() - stopped, std::chrono::milliseconds(1500));
+  keys().type("c");
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "ac"; })) << window.log();
+  holder.signal(SIGCONT);
+  EXPECT_TRUE(waitUntil([&] { return readFile(output).find("goes on with another") != std::string::npos; }));
+  keys().type("d");
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "acd"; })) << window.log();
+}
+
+TEST_F(EventTapTest, AKilledProcessLeavesTheKeyboardWorkingAndNoKeyPressed) {
+  const auto output = desktop_->directory() / "killed.log";
+  auto holder = desktop_->start({TAP_HOLDER, desktop_->display(), QUORLO_KEYBOARD_GUARD}, output);
+  ASSERT_TRUE(waitUntil([&] { return readFile(output).find("tapping") != std::string::npos; }));
+  keys().press(38);
+  ASSERT_TRUE(waitUntil([&] { return window.typed() == "a"; }));
+  holder.signal(SIGKILL);
+  EXPECT_TRUE(waitUntil([&] { return window.log() == "a^a"; })) << window.log();
+  keys().release(38);
+  keys().type("b");
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "ab"; })) << window.log();
+}
+
+TEST(KeyboardPlugTest, AKeyboardThatIsUnpluggedLetsItsKeysGoAndIsWatchedAgainWhenItComesBack) {
+  VirtualDesktop desktop;
+  KeyWindow window(desktop);
+  KeyboardDesktop keyboard(desktop);
+  ASSERT_TRUE(keyboard.startTap());
+  desktop.secondKeyboard().press("Shift");
+  ASSERT_TRUE(keyboard.pumpUntil([&] { return window.log() == "<Shift_L>"; }));
+  setKeyboardEnabled(desktop, XorgServer::kSecondKeyboardSocket, false);
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.log() == "<Shift_L>^<Shift_L>"; })) << window.log();
+  desktop.keyboard().type("a");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed() == "<Shift_L>a"; })) << window.log();
+
+  setKeyboardEnabled(desktop, XorgServer::kSecondKeyboardSocket, true);
+  InputDevice again(desktop.directory() / XorgServer::kSecondKeyboardSocket);
+  EXPECT_TRUE(keyboard.pumpUntil([&] {
+    again.key(56, true);
+    again.key(56, false);
+    return keyboard.seenText.ends_with("b");
+  })) << keyboard.seenText;
+}
+
+TEST_F(EventTapTest, AltGrDeadKeysAndComposeAreReadAsTheyAreTyped) {
+  ASSERT_TRUE(keyboard.startTap());
+  desktop_->setLayout("de");
+  keys().type("z@{\u00E9\u00CA\u20AC");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return keyboard.seenText == "z@{\u00E9\u00CA\u20AC"; }))
+      << keyboard.seenText;
+  desktop_->setLayout("us", "compose:ralt");
+  keyboard.seenText.clear();
+  for (const auto* key : {"Multi_key", "o", "c"}) keys().tap(key);
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return keyboard.seenText == "\u00A9"; })) << keyboard.seenText;
+  // The map follows to the grabbed keyboards: it holds when they are let go.
+  desktop_->setLayout("de");
+  keyboard.stopTap();
+  window.clear();
+  keys().type("zy");
+  EXPECT_EQ(typedOnceItIs("zy"), "zy");
+}
+
+TEST_F(EventTapTest, ASwallowedEndOfACompositionLeavesNothingBehind) {
+  desktop_->setLayout("us(intl)");
+  ASSERT_TRUE(keyboard.startTap());
+  keyboard.judge = [](const KeyDownEvent& event) {
+    return event.characters == u"\u00E9" ? TapVerdict::swallow : TapVerdict::pass;
+  };
+  keys().tap("dead_acute");
+  keys().tap("e");
+  keys().type("x");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("\u00E9<BackSpace>x"); }))
+      << window.log();
+  EXPECT_EQ(keyboard.seenText, "\u00E9x");
 }
 
 }  // namespace

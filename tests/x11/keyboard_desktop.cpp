@@ -3,6 +3,7 @@
 #include "text/utf.h"
 
 #include <xcb/xcb.h>
+#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
 
@@ -36,6 +37,7 @@ void KeyWindow::clear() {
   read();
   typed_.clear();
   log_.clear();
+  reader_.reset();
 }
 
 const std::string& KeyWindow::typed() {
@@ -51,7 +53,6 @@ const std::string& KeyWindow::log() {
 void KeyWindow::read() {
   while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
     const auto type = event->response_type & 0x7F;
-    if (type == XCB_MAPPING_NOTIFY) reader_.reset();
     if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) continue;
     const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(*event);
     if (!reader_) {
@@ -78,6 +79,23 @@ void KeyWindow::read() {
       typed_ += text;
     }
   }
+}
+
+void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled) {
+  const auto connection = std::move(XConnection::open(desktop.display())).value();
+  connection->reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(connection->get(), 2, 2));
+  const auto devices =
+      connection->reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(connection->get(), 0));
+  for (auto it = xcb_input_xi_query_device_infos_iterator(devices.get()); it.rem > 0;
+       xcb_input_xi_device_info_next(&it)) {
+    const std::string found(xcb_input_xi_device_info_name(it.data),
+                            static_cast<std::size_t>(xcb_input_xi_device_info_name_length(it.data)));
+    if (found != name) continue;
+    const std::uint8_t value = enabled ? 1 : 0;
+    xcb_input_xi_change_property(connection->get(), it.data->deviceid, XCB_PROP_MODE_REPLACE, 8,
+                                 connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, &value);
+  }
+  connection->sync();
 }
 
 KeyboardDesktop::KeyboardDesktop(VirtualDesktop& desktop) {

@@ -25,7 +25,7 @@ class KeyWindow {
   // What came since the last clear(), presses only or releases too.
   const std::string& typed();
   const std::string& log();
-  void clear();
+  void clear();  // and reads the keyboard map anew
   void takeFocus();
   xcb_window_t window() const { return window_; }
 
@@ -37,6 +37,9 @@ class KeyWindow {
   std::unique_ptr<KeyReader> reader_;
   std::string typed_, log_;
 };
+
+// As when the keyboard is plugged in or out.
+void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled);
 
 // The keyboard service on a virtual desktop, with a tap whose verdicts the test gives.
 class KeyboardDesktop {
