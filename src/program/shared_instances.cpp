@@ -24,8 +24,9 @@ T& sharedInstance() {
 }  // namespace
 
 SharedInstances::SharedInstances(SettingsController& settings, PersistenceController& persistence,
-                                 SoundManager& sound, AccessibilityManager& accessibility,
-                                 PasteController& paste, AbbreviationsMonitor& monitor) {
+                                 SoundManager& sound, QLSnippetMacroInterpreter& interpreter,
+                                 AccessibilityManager& accessibility, PasteController& paste,
+                                 AbbreviationsMonitor& monitor) {
   bound<SettingsController> = &settings;
   bound<PersistenceController> = &persistence;
   bound<SoundManager> = &sound;
