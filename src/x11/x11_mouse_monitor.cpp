@@ -54,7 +54,7 @@ void X11MouseMonitor::watch(bool on) {
   } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
               on ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS} : 0};
   xcb_input_xi_select_events(x_->get(), x_->root(), 1, &selection.head);
-  x_->flush();
+  x_->sync();
 }
 
 void X11MouseMonitor::handleEvent(const xcb_generic_event_t& event) {

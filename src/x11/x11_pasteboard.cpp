@@ -85,6 +85,8 @@ X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, O
       server_(*x_, loop_, [this](const auto& offer, std::size_t representation, std::function<void()> done) {
         runProvider(offer, representation, std::move(done));
       }) {
+  // From here on no change of the clipboard goes unnoticed.
+  x_->sync();
   loop_.start([this](const xcb_generic_event_t& event) { server_.handleEvent(event); },
               [lost = options_.connectionLost] {
                 if (lost) lost();

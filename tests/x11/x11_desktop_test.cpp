@@ -4,6 +4,7 @@
 #include "desktop/rig/applications.h"
 #include "desktop/rig/virtual_desktop.h"
 #include "platform/accessibility_trust.h"
+#include "platform/event_poster.h"
 #include "platform/event_tap.h"
 #include "platform/mouse_monitor.h"
 #include "platform/pasteboard.h"
@@ -13,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -81,7 +83,7 @@ TEST(X11DesktopTest, TheActiveApplicationIsKnownAsSoonAsTheWindowManagerKnowsIt)
   Mousepad editor(desktop);
   ASSERT_TRUE(waitUntil([&] { return frontmost(*workspace) == "org.xfce.mousepad"; }))
       << frontmost(*workspace);
-  int changes = 0;
+  std::atomic<int> changes = 0;
   const auto observation = workspace->observeActiveWindow([&] { ++changes; });
   for (int i = 0; i < 20; ++i) {
     terminal.activate();
@@ -132,6 +134,33 @@ TEST(X11DesktopTest, ClicksAreReportedWhileAnybodyListensEvenUnderAGrab) {
   desktop.pointer().click(30, 30);
   queue.pump();
   EXPECT_EQ(clicks, 2);
+}
+
+TEST(X11DesktopTest, EveryKindOfApplicationPastesThePiecesThatWereReplacedAtOnce) {
+  VirtualDesktop desktop;
+  PumpedQueue queue;
+  const auto x11 = connectTo(desktop.display(), queue);
+  const auto put = [&](const std::string& text) {
+    PasteboardItem item;
+    item.setText(text);
+    x11->pasteboard().setContents({{item}, {"org.nspasteboard.TransientType"}, false});
+  };
+  const auto pasteAndReplace = [&](const std::string& text) {
+    put(text);
+    x11->eventPoster().postKey(key::kV, modifier::kLeftCommandEvent, PostLocation::session);
+    put("the user's");
+  };
+  const auto expectBothPieces = [&](Application& application) {
+    pasteAndReplace("first ");
+    pasteAndReplace("second");
+    EXPECT_EQ(application.textOnceItIs("first second"), "first second");
+  };
+  Mousepad gtk(desktop);
+  expectBothPieces(gtk);
+  Featherpad qt(desktop);
+  expectBothPieces(qt);
+  Xterm terminal(desktop);
+  expectBothPieces(terminal);
 }
 
 TEST(X11DesktopTest, NoServerIsAnErrorThatNamesTheDisplay) {

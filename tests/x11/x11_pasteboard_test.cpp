@@ -10,6 +10,14 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
 namespace quorlo {
 namespace {
 
@@ -243,7 +251,7 @@ TEST_F(X11PasteboardTest, CountsALargePieceAsReadWhenItsLastPartIs) {
   const std::string large(3'000'000, 'x');
   pasteboard_->setContents(text(large));
   pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
-  int progress = 0;
+  std::atomic<int> progress = 0;
   const auto observation = pasteboard_->pasteTracker().observe([&] { ++progress; });
   const auto openWhileReading = [&] { EXPECT_TRUE(pasteboard_->pasteTracker().hasUnreadPaste()); };
   pasteboard_->setContents(text("restored"));
