@@ -7,6 +7,7 @@
 namespace quorlo {
 
 class MainQueue;
+class NotificationServer;
 
 // Notifications of the desktop (freedesktop.org's Desktop Notifications Specification). The session bus
 // is met at the first notification; without a bus or a server, notifications are lost. Needs the
@@ -20,10 +21,8 @@ class DBusUserNotifications final : public UserNotifications {
   void setActionHandler(ActionHandler handler) override;
 
  private:
-  class Server;
-
   MainQueue& queue_;
-  std::shared_ptr<Server> server_;
+  std::shared_ptr<NotificationServer> server_;
 };
 
 }  // namespace quorlo

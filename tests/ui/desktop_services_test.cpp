@@ -1,6 +1,7 @@
 #include "fakes/fake_main_queue.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/event_loop.h"
+#include "ui/fake_notification_server.h"
 #include "ui/pulse_audio_player.h"
 #include "ui/qt_alerts.h"
 #include "ui/qt_own_application.h"
@@ -94,25 +95,6 @@ TEST(QtOwnApplication, ShowsAgainTheWindowsThatItHid) {
   EXPECT_FALSE(closed.isVisible());
 }
 
-// Shows nothing; keeps what it is sent.
-class NotificationServer : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
- public:
-  std::vector<QStringList> shown;  // title, body, actions
-
- public Q_SLOTS:
-  uint Notify(const QString&, uint, const QString&, const QString& title, const QString& body,
-              const QStringList& actions, const QVariantMap&, int) {
-    shown.push_back(QStringList{title, body} + actions);
-    return static_cast<uint>(shown.size());
-  }
-
- Q_SIGNALS:
-  void ActionInvoked(uint notification, const QString& action);
-};
-
 TEST(DBusUserNotifications, ShowAfterTheirDelayAndReportTheirOwnActions) {
   QProcess daemon;
   daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
@@ -120,7 +102,7 @@ TEST(DBusUserNotifications, ShowAfterTheirDelayAndReportTheirOwnActions) {
   const auto address = QString::fromUtf8(daemon.readAllStandardOutput()).trimmed();
   qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
   auto bus = QDBusConnection::connectToBus(address, "server");
-  NotificationServer server;
+  FakeNotificationServer server;
   ASSERT_TRUE(bus.registerObject("/org/freedesktop/Notifications", &server,
                                  QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
   ASSERT_TRUE(bus.registerService("org.freedesktop.Notifications"));
@@ -154,5 +136,3 @@ TEST(DBusUserNotifications, ShowAfterTheirDelayAndReportTheirOwnActions) {
 
 }  // namespace
 }  // namespace quorlo
-
-#include "desktop_services_test.moc"

@@ -62,8 +62,9 @@ void SoundManager::addCustomSound(const fs::path& chosen) {
   // The sound that is already in place must not be removed before it is copied onto itself.
   if (fs::equivalent(chosen, destination, failure)) return;
   fs::remove(destination, failure);
-  if (failure)
+  if (failure) {
     fatal("ERROR: The custom sound " + destination.string() + " cannot be replaced: " + failure.message());
+  }
   fs::copy_file(chosen, destination, failure);
   if (failure) {
     fatal("ERROR: The sound " + chosen.string() + " cannot be copied to " + destination.string() + ": " +
