@@ -5,6 +5,7 @@
 #include <xcb/res.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -110,11 +111,16 @@ xcb_window_t WindowList::waitForWindowOf(pid_t process) {
 }
 
 void WindowList::activate(xcb_window_t window) {
-  // "2": asked for by the user, so that no focus-stealing rule applies.
-  xcb_ewmh_request_change_active_window(&ewmh_, 0, window, XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
-                                        XCB_CURRENT_TIME, active());
-  xcb_flush(connection_);
+  auto askAgain = std::chrono::steady_clock::now();
   const bool done = waitUntil([&] {
+    // A program that is still starting may put itself in front after having been asked to stand back.
+    if (std::chrono::steady_clock::now() >= askAgain) {
+      askAgain += std::chrono::milliseconds(300);
+      // "2": asked for by the user, so that no focus-stealing rule applies.
+      xcb_ewmh_request_change_active_window(&ewmh_, 0, window, XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
+                                            XCB_CURRENT_TIME, active());
+      xcb_flush(connection_);
+    }
     const Reply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     return active() == window && focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
