@@ -16,15 +16,13 @@ class FakeNotificationServer : public QObject {
  public:
   std::vector<QStringList> shown;  // title, body, actions
 
- public Q_SLOTS:
-  uint Notify(const QString&, uint, const QString&, const QString& title, const QString& body,
-              const QStringList& actions, const QVariantMap&, int) {
+  Q_SLOT uint Notify(const QString&, uint, const QString&, const QString& title, const QString& body,
+                     const QStringList& actions, const QVariantMap&, int) {
     shown.push_back(QStringList{title, body} + actions);
     return static_cast<uint>(shown.size());
   }
 
- Q_SIGNALS:
-  void ActionInvoked(uint notification, const QString& action);
+  Q_SIGNAL void ActionInvoked(uint notification, const QString& action);
 };
 
 }  // namespace quorlo
