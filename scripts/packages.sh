@@ -8,6 +8,7 @@ build_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev jq
 )
 run_packages=(qt6-qpa-plugins xkb-data)
+fuzz_packages=(clang-16 libclang-rt-16-dev)
 lint_packages=(clang-format clang-tidy)
 desktop_packages=(
   xserver-xorg-core xserver-xorg-video-dummy xserver-xorg-dev openbox x11-xserver-utils x11-utils
