@@ -32,19 +32,16 @@ TEST_F(CustomDateFormat, WritesFieldsAndKeepsOtherText) {
   const struct {
     const char16_t *format, *text;
   } cases[] = {
-      {u"", u""},
       {u"dd.MM 12%1%2222!", u"dd.MM 12:?!"},
       {u"%dd.%MM.%YY", u"30.12.25"},  // the week of 30 December belongs to the next year
       {u"%hh%1111%mm %a, %QQQ", u"09:05 AM, Q4"},
       {u"%%d%%%dd", u"%d%%dd"},  // a percent sign takes those behind it
       {u"100 %", u"100 %"},
-      {u"%😀😀%é %'%''", u"😀😀é '"},
-      {u"[%J]", u"[]"},
+      {u"%😀😀%é [%J] %'%''", u"😀😀é [] '"},
       {u"%VV %VVV %XXX", u"Europe/Berlin Berlin +01:00"},
   };
   for (const auto& [format, text] : cases) EXPECT_EQ(toUtf8(render(format)), toUtf8(text));
   EXPECT_EQ(render(u"%EEEE, %d. %MMMM %QQQ", "fr_FR"), u"lundi, 30. décembre T4");
-  EXPECT_EQ(render(u"%EEEE %d %MMMM", "he_IL"), u"יום שני 30 דצמבר");
   EXPECT_EQ(render(u"%d %MMMM %h%1111%mm %a", "ar_EG"), u"٣٠ ديسمبر ٩:٠٥ ص");
 }
 
@@ -55,7 +52,6 @@ TEST_F(CustomDateFormat, WritesTheTwentyFourHourClockAlikeInEveryLanguage) {
 }
 
 TEST_F(CustomDateFormat, IsCutIntoTokensForItsEditor) {
-  EXPECT_EQ(tokenizeCustomDateFormat(u""), Pieces{});
   EXPECT_EQ(tokenizeCustomDateFormat(u"am %dd.%MMMM%YY"),
             (Pieces{u"am ", QLDateToken{u"%dd"}, u".", QLDateToken{u"%MMMM"}, QLDateToken{u"%YY"}}));
   EXPECT_EQ(tokenizeCustomDateFormat(u"%HH%1%11111%2x"),
