@@ -41,16 +41,14 @@ TEST(Localized, LeavesOutADamagedCatalogueWhereverItIsCut) {
   ASSERT_GT(bytes.size(), 28U);
   const auto directory = fs::path(testing::TempDir()) / "cut_catalogue";
   fs::create_directories(directory);
-  std::vector<std::string> lines;
-  const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
+  std::size_t warnings = 0;
+  const auto log = redirectLog([&](LogLevel, std::string_view) { ++warnings; });
   // The last byte only ends the last text.
   for (std::size_t length = 0; length + 1 < bytes.size(); ++length) {
     std::ofstream(directory / "en.mo", std::ios::binary) << bytes.substr(0, length);
-    lines.clear();
     const auto translations = loadCatalogues(directory, {"en"});
     EXPECT_EQ(localized(kPasteHint), kPasteHint) << length;
-    ASSERT_EQ(lines.size(), 1U) << length;
-    EXPECT_NE(lines[0].find("en.mo"), std::string::npos);
+    EXPECT_EQ(warnings, length + 1);
   }
   fs::remove_all(directory);
 }

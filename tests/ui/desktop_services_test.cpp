@@ -46,12 +46,6 @@ TEST(SystemEnvironment, ListsTheLanguagesOfTheSession) {
   EXPECT_THAT(languages("pt_BR", "fr_FR", "de_DE", "en_GB"), ElementsAre("pt_BR", "fr_FR", "de_DE", "en_GB"));
 }
 
-TEST(SystemEnvironment, FindsItsResourcesInTheBuildTreeAndWhereItIsInstalled) {
-  EXPECT_EQ(SystemEnvironment(fs::path(QUORLO_RESOURCES).parent_path() / "bin").resourcesDirectory(),
-            QUORLO_RESOURCES);
-  EXPECT_EQ(SystemEnvironment("/opt/quorlo/bin").resourcesDirectory(), "/opt/quorlo/share/quorlo");
-}
-
 TEST(PulseAudioPlayer, MeasuresSoundsAndIsSilentWithoutAServer) {
   PulseAudioPlayer player;
   const auto tap = fs::path(QUORLO_RESOURCES) / "sounds" / "Tap.wav";

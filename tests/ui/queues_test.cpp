@@ -1,14 +1,12 @@
 #include "platform/main_queue_contract.h"
 #include "ui/event_loop.h"
 #include "ui/qt_main_queue.h"
-#include "ui/thread_background_queue.h"
 
 #include <gtest/gtest.h>
 
 #include <QEventLoop>
 #include <QTimer>
 
-#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -68,13 +66,6 @@ TEST(QtMainQueue, DropsWhatIsLeftAtTheEndEvenIfThatQueuesMore) {
   }
   runEventLoopFor(Seconds(0.002));
   EXPECT_FALSE(ran);
-}
-
-TEST(ThreadBackgroundQueue, RunsTasksOnOtherThreads) {
-  ThreadBackgroundQueue queue;
-  std::atomic<bool> elsewhere = false;
-  queue.run([&, main = std::this_thread::get_id()] { elsewhere = std::this_thread::get_id() != main; });
-  EXPECT_TRUE(runEventLoopUntil([&] { return elsewhere.load(); }));
 }
 
 }  // namespace
