@@ -132,8 +132,10 @@ void X11Workspace::refresh() {
       facts_, [&](const auto& entry) { return std::ranges::find(windows_, entry.first) == windows_.end(); });
   for (const auto window : windows_) {
     // Some programs name themselves only after their window is there: the active one is asked again.
+    // So is one without a name: it may have been gone already, left over as the active one, and its
+    // number be given to a window that opened since.
     const bool becameActive = window == active_ && active_ != before;
-    if (becameActive || !facts_.contains(window)) facts_[window] = factsOf(window);
+    if (becameActive || facts_[window].windowClass.empty()) facts_[window] = factsOf(window);
   }
   publish();
   if (active_ == before) return;
