@@ -18,7 +18,8 @@ constexpr char16_t kObjectReplacement = 0xFFFC;
 constexpr std::string_view kHead =
     "<!DOCTYPE html>\n<html><head><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\">"
     "</head><body>";
-constexpr std::string_view kTail = "</body></html>\n";
+// No line break at the end: Qt would paste it as a space.
+constexpr std::string_view kTail = "</body></html>";
 
 std::string escaped(std::string_view text) {
   std::string out;
