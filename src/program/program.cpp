@@ -80,6 +80,7 @@ struct Program::Parts {
         desktop(std::move(connectedDesktop)) {
     settings.setAccessibilityCheck(
         [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
+    setDebugLogging(settings.debugModeEnabled());
   }
 
   std::unique_ptr<Ground> ground;
@@ -117,6 +118,9 @@ struct Program::Parts {
   AbbreviationsMonitor monitor{{queue, desktop->eventTap(), desktop->mouseMonitor(), desktop->workspace(),
                                 settings, accessibility, persistence, persistence.managedObjectContext(),
                                 paste}};
+  Subscription debugMode = settings.observe([this](Setting changed) {
+    if (changed == Setting::debugModeEnabled) setDebugLogging(settings.debugModeEnabled());
+  });
   SharedInstances shared{settings, persistence, sound, interpreter, accessibility, paste, monitor};
 };
 
