@@ -6,7 +6,7 @@
 #include "base/log.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
-#include "engine/fill_in_prompt.h"
+#include "engine/fill_in_controller.h"
 #include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
 #include "macros/ql_snippet_macro_interpreter.h"
@@ -19,6 +19,7 @@
 #include "text/locale_quotes.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/file_user_defaults.h"
+#include "ui/fill_in_window.h"
 #include "ui/pulse_audio_player.h"
 #include "ui/qt_alerts.h"
 #include "ui/qt_main_queue.h"
@@ -47,18 +48,6 @@ QuotationMarks textQuotationMarks(const SystemEnvironment& environment) {
   const auto languages = environment.textLanguages();
   return languages.empty() ? QuotationMarks{} : quotationMarks(languages.front());
 }
-
-// Fills in nothing: every field keeps its default.
-class DefaultAnswers : public FillInPrompt {
- public:
-  explicit DefaultAnswers(MainQueue& queue) : queue_(queue) {}
-  void ask(AttributedString, std::vector<FillInField>, Completion completion) override {
-    queue_.run([completion = std::move(completion)] { completion(FillInAnswers{}); });
-  }
-
- private:
-  MainQueue& queue_;
-};
 
 }  // namespace
 
@@ -111,7 +100,9 @@ struct Program::Parts {
         if (!snippet) return std::nullopt;
         return snippet->text();
       }};
-  DefaultAnswers prompt{queue};
+  FillInWindow fillInWindow{settings};
+  FillInController prompt{{queue, desktop->pasteboard(), desktop->targetFocus(), desktop->typedKeysHold(),
+                           settings, environment, interpreter, fillInWindow}};
   MacroPreparation preparation{interpreter, prompt};
   PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->keyboardLayout(),
                          desktop->typedKeysHold(), application, notifications, settings, sound, preparation}};

@@ -10,6 +10,7 @@
 #include "x11/x11_keyboard_layout.h"
 #include "x11/x11_mouse_monitor.h"
 #include "x11/x11_pasteboard.h"
+#include "x11/x11_target_focus.h"
 #include "x11/x11_typed_keys_hold.h"
 #include "x11/x11_workspace.h"
 #include "x11/x_connection.h"
@@ -50,6 +51,7 @@ struct X11Desktop::Parts {
   PasteChords chords;
   std::unique_ptr<X11Workspace> workspace;
   std::unique_ptr<X11Pasteboard> pasteboard;
+  std::unique_ptr<X11TargetFocus> focus;
   std::unique_ptr<X11MouseMonitor> mouse;
   std::unique_ptr<KeyboardService> keyboard;
   std::unique_ptr<X11AccessibilityTrust> trust;
@@ -77,6 +79,7 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   auto workspace = X11Workspace::connect(std::move(workspaceOptions));
   if (!workspace) return workspace.error();
   p.workspace = std::move(workspace).value();
+  p.focus = std::make_unique<X11TargetFocus>(*p.x, *p.workspace, queue);
 
   const auto pastesFromPrimary = [&p] {
     const auto active = p.workspace->activeWindow();
@@ -141,6 +144,9 @@ Workspace& X11Desktop::workspace() {
 }
 Pasteboard& X11Desktop::pasteboard() {
   return *parts_->pasteboard;
+}
+TargetFocus& X11Desktop::targetFocus() {
+  return *parts_->focus;
 }
 
 }  // namespace quorlo

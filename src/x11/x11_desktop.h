@@ -16,6 +16,7 @@ class KeyboardLayout;
 class MainQueue;
 class MouseMonitor;
 class Pasteboard;
+class TargetFocus;
 class TypedKeysHold;
 class Workspace;
 
@@ -47,6 +48,7 @@ class X11Desktop {
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
   Pasteboard& pasteboard();
+  TargetFocus& targetFocus();
 
  private:
   struct Parts;
