@@ -9,10 +9,10 @@ namespace quorlo {
 namespace {
 
 void writeSettings(const std::filesystem::path& file, const StoredSettings& settings) {
-  std::string text = "[General]\n";
-  for (const auto& [key, value] : settings) text += key + "=" + value + "\n";
+  std::string members;
+  for (const auto& [key, value] : settings) members += (members.empty() ? "\"" : ",\"") + key + "\":" + value;
   std::filesystem::create_directories(file.parent_path());
-  writeFile(file, text);
+  writeFile(file, "{" + members + "}");
 }
 
 std::filesystem::path freshLog(const VirtualDesktop& desktop) {
@@ -23,11 +23,13 @@ std::filesystem::path freshLog(const VirtualDesktop& desktop) {
 
 ChildProcess startProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
                           const StoredSettings& settings, const std::filesystem::path& log) {
-  StoredSettings standard{{"AutoPasteEnabled", "true"}, {"PlaySound", "false"}};
+  // Without the last, the first start would replace the delimiters by those of earlier versions' settings.
+  StoredSettings standard{
+      {"AutoPasteEnabled", "true"}, {"PlaySound", "false"}, {"OldDefaultsHaveBeenCopied", "true"}};
   StoredSettings appGroup{{"AbbreviationsEnabled", "true"}};
   for (const auto& [key, value] : settings) (appGroup.contains(key) ? appGroup : standard)[key] = value;
-  writeSettings(desktop.configHome() / "quorlo" / "quorlo.conf", standard);
-  writeSettings(desktop.configHome() / "quorlo" / "group.conf", appGroup);
+  writeSettings(desktop.configHome() / "quorlo" / "settings.json", standard);
+  writeSettings(desktop.configHome() / "quorlo" / "shared-settings.json", appGroup);
   const auto file = desktop.directory() / "library.json";
   writeFile(file, library);
   return desktop.start({program, "--library", file}, log);
@@ -38,7 +40,7 @@ ChildProcess startProgram(VirtualDesktop& desktop, const std::string& program, c
 QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
                              const StoredSettings& settings)
     : log_(freshLog(desktop)), process_(startProgram(desktop, program, library, settings, log_)) {
-  const auto watches = [this] { return log().find("Adding eventTap") != std::string::npos; };
+  const auto watches = [this] { return log().find("Watching the keyboards.") != std::string::npos; };
   waitUntil([&] { return watches() || !process_.running(); });
   if (!watches() || !process_.running()) {
     throw std::runtime_error("Quorlo does not watch the keyboard. It wrote:\n" + log());

@@ -8,7 +8,7 @@
 
 namespace quorlo {
 
-// The value of a setting as the file holds it, by key: {"AbbreviationsTriggerType", "1"}.
+// The value of a setting as the JSON file holds it, by key: {"AbbreviationsTriggerType", "1"}.
 using StoredSettings = std::map<std::string, std::string>;
 
 // Quorlo itself, at work on a virtual desktop. Abbreviations and Auto-Paste are on unless the settings say

@@ -64,9 +64,13 @@ uint8_t VirtualKeyboard::keycodeOf(const std::string& name) const {
   return layout_().keyNamed(fullName(name)).keycode;
 }
 
-void VirtualKeyboard::press(const std::string& name) { press(keycodeOf(name)); }
+void VirtualKeyboard::press(const std::string& name) {
+  press(keycodeOf(name));
+}
 
-void VirtualKeyboard::release(const std::string& name) { release(keycodeOf(name)); }
+void VirtualKeyboard::release(const std::string& name) {
+  release(keycodeOf(name));
+}
 
 void VirtualKeyboard::tap(const std::string& chord) {
   const auto plus = chord.find('+', 1);

@@ -1,0 +1,91 @@
+// What an expansion puts on the clipboard, and what it gives back.
+#include "desktop/quorlo_desktop_test.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace quorlo {
+namespace {
+
+// What of a description must be back: everything but the forms of an image that are derived from the first.
+std::vector<std::string> essentials(const std::string& description) {
+  std::vector<std::string> lines;
+  std::istringstream stream(description);
+  for (std::string line; std::getline(stream, line);) {
+    if (!line.starts_with("image/") || line.starts_with("image/png ")) lines.push_back(line);
+  }
+  return lines;
+}
+
+class DesktopClipboardTest : public QuorloDesktopTest {
+ protected:
+  // Waits until the clipboard holds again what it held; more forms of it do no harm.
+  void expectBack(const std::string& before) {
+    std::string after;
+    const auto isBack = [&] {
+      after = clipboard();
+      return std::ranges::all_of(
+          essentials(before), [&](const auto& line) { return after.find(line + "\n") != std::string::npos; });
+    };
+    EXPECT_TRUE(waitUntil(isBack)) << "before:\n" << before << "after:\n" << after;
+  }
+
+  // Expands once in the editor.
+  void expectRestored(Application& editor, const std::vector<std::string>& contents) {
+    const auto holder = fillClipboard(contents);
+    const auto before = clipboard();
+    const auto expected = editor.text() + "be right back ";
+    editor.activate();
+    type("brb ");
+    EXPECT_EQ(editor.textOnceItIs(expected), expected);
+    expectBack(before);
+  }
+};
+
+TEST_F(DesktopClipboardTest, PicturesTextsAndLargeDataAreBackAfterAnExpansion) {
+  startQuorlo();
+  auto editor = openRichEditor();
+  expectRestored(*editor, {"text:Grüße"});
+  expectRestored(*editor, {"picture", "html:<img src='x'>", "text:a picture"});
+  expectRestored(*editor, {"image"});
+  expectRestored(*editor, {"data:application/x-large:10000000", "text:ten megabytes"});
+}
+
+TEST_F(DesktopClipboardTest, TheClipboardIsBackAfterATerminalPastedToo) {
+  startQuorlo();
+  Xterm xterm(desktop());
+  expectRestored(xterm, {"text:kept"});
+}
+
+TEST_F(DesktopClipboardTest, ExpansionsInQuickSuccessionGiveBackWhatTheUserHad) {
+  startQuorlo({{"PasteBetweenSnippetPartsDelay", "0.2"}});
+  const auto holder = fillClipboard({"text:mine"});
+  const auto before = clipboard();
+  Mousepad editor(desktop());
+  type("brb sig brb sig ");
+  const std::string expected = "be right back Kind regards, Ada be right back Kind regards, Ada ";
+  EXPECT_EQ(editor.textOnceItIs(expected), expected);
+  expectBack(before);
+}
+
+TEST_F(DesktopClipboardTest, WithoutRestorationThePieceStaysOnTheClipboard) {
+  startQuorlo({{"RestorePateboardItems", "false"}});
+  const auto holder = fillClipboard({"text:mine"});
+  Featherpad editor(desktop());
+  type("brb x");
+  EXPECT_EQ(editor.textOnceItIs("be right back x"), "be right back x");
+  keyboard().tap("Ctrl+v");
+  EXPECT_EQ(editor.textOnceItIs("be right back xbe right back "), "be right back xbe right back ");
+}
+
+TEST_F(DesktopClipboardTest, AutoPasteOffLeavesThePieceForTheUserToPaste) {
+  startQuorlo({{"AutoPasteEnabled", "false"}, {"ShowNotificationForExpension", "false"}});
+  Mousepad editor(desktop());
+  type("brb x");
+  EXPECT_EQ(editor.textOnceItIs("brbx"), "brbx");  // the delimiter is part of the piece
+  keyboard().tap("Ctrl+v");
+  EXPECT_EQ(editor.textOnceItIs("brbxbe right back "), "brbxbe right back ");
+}
+
+}  // namespace
+}  // namespace quorlo

@@ -1,0 +1,149 @@
+// What goes wrong on a desktop, and what the user then sees.
+#include "desktop/quorlo_desktop_test.h"
+
+#include <csignal>
+
+namespace quorlo {
+namespace {
+
+class DesktopFaultTest : public QuorloDesktopTest {
+ protected:
+  struct Outcome {
+    int status;
+    std::string message;
+  };
+  // Runs the program to its end.
+  Outcome run(std::vector<std::string> arguments, const Variables& more = {}) {
+    const auto output = desktop().directory() / "outcome.txt";
+    std::filesystem::remove(output);
+    auto variables = desktop().variables();
+    for (const auto& [name, value] : more) variables[name] = value;
+    arguments.insert(arguments.begin(), QUORLO);
+    ChildProcess process({.words = arguments, .variables = variables, .output = output});
+    const int status = process.waitForEnd(kPatience);
+    return {status, readFile(output)};
+  }
+  std::filesystem::path file(const std::string& name, const std::string& text) {
+    const auto path = desktop().directory() / name;
+    writeFile(path, text);
+    return path;
+  }
+};
+
+TEST_F(DesktopFaultTest, TheKeyboardWorksOnWhenQuorloIsKilledAndANewOneTakesOver) {
+  startQuorlo();
+  Xterm xterm(desktop());
+  type("brb one");
+  EXPECT_EQ(xterm.textOnceItIs("be right back one"), "be right back one");
+  quorlo().process().signal(SIGKILL);
+  quorlo().process().waitForEnd(kPatience);
+  for (int i = 0; i < 2; ++i)
+    desktop().windows().active();  // the server has seen the end by the second answer
+  type(" brb two");
+  EXPECT_EQ(xterm.textOnceItIs("be right back one brb two"), "be right back one brb two");
+  startQuorlo();
+  type(" brb .");
+  EXPECT_EQ(xterm.textOnceItIs("be right back one brb two be right back ."),
+            "be right back one brb two be right back .");
+}
+
+TEST_F(DesktopFaultTest, AStoppedQuorloLosesTheKeyboardAndFindsItAgain) {
+  startQuorlo();
+  Xterm xterm(desktop());
+  quorlo().process().signal(SIGSTOP);
+  // What is typed until the guard steps in is lost with the grab.
+  EXPECT_TRUE(waitUntil([&] {
+    type("x");
+    return !xterm.text().empty();
+  }));
+  type(" brb, ");
+  EXPECT_TRUE(waitUntil([&] { return xterm.text().ends_with("x brb, "); })) << xterm.text();
+  quorlo().process().signal(SIGCONT);
+  // It takes a moment to see what happened; from then on abbreviations expand again.
+  EXPECT_TRUE(waitUntil([&] {
+    type("brb ");
+    return waitUntil([&] { return xterm.text().ends_with("be right back "); }, std::chrono::seconds(1));
+  })) << xterm.text();
+}
+
+TEST_F(DesktopFaultTest, ATargetThatNeverReadsTheClipboardHoldsUpNobody) {
+  startQuorlo();
+  Mousepad other(desktop());
+  Xterm deaf(desktop());
+  deaf.process().signal(SIGSTOP);
+  type("brb x");
+  other.activate();
+  type("sig .");
+  EXPECT_TRUE(waitUntil([&] { return other.text().ends_with("Kind regards, Ada ."); })) << other.text();
+  deaf.process().signal(SIGCONT);
+}
+
+TEST_F(DesktopFaultTest, ASecondQuorloSaysThatOneIsRunningAndLeavesItAlone) {
+  startQuorlo();
+  const auto second = run({"--library", file("second.json", usualLibrary())});
+  EXPECT_NE(second.status, 0);
+  EXPECT_NE(second.message.find("already"), std::string::npos) << second.message;
+  Mousepad editor(desktop());
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+}
+
+TEST_F(DesktopFaultTest, ALibraryThatCannotBeReadIsNamedAndLeftAsItIs) {
+  for (const std::string text : {"not JSON", R"({"snippets":[{"abbreviation":"a"}]})", "[1", ""}) {
+    const auto path = file("bad.json", text);
+    const auto outcome = run({"--library", path});
+    EXPECT_NE(outcome.status, 0) << text;
+    EXPECT_NE(outcome.message.find("bad.json"), std::string::npos) << outcome.message;
+    EXPECT_EQ(readFile(path), text);
+  }
+  EXPECT_NE(run({"--library", desktop().directory() / "missing.json"}).message.find("missing.json"),
+            std::string::npos);
+}
+
+TEST_F(DesktopFaultTest, TwoSnippetsWithOneAbbreviationAreReportedAndTheRestWorks) {
+  startQuorlo(
+      libraryOf({{"brb", "be right back"}, {"brb", "brown rice bowl"}, {"sig", "Kind regards, Ada"}}));
+  EXPECT_NE(quorlo().log().find("brb"), std::string::npos) << quorlo().log();
+  Mousepad editor(desktop());
+  type("sig .");
+  EXPECT_EQ(editor.textOnceItIs("Kind regards, Ada ."), "Kind regards, Ada .");
+}
+
+TEST_F(DesktopFaultTest, NonsenseInTheSettingsCountsAsTheDefault) {
+  startQuorlo({{"AbbreviationsTriggerType", R"("banana")"},
+               {"AbbreviationDelimiterKey", "[1]"},
+               {"RemoveTriggerKey", "{}"},
+               {"NoSuchKey", "null"}});
+  Mousepad editor(desktop());
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+}
+
+TEST_F(DesktopFaultTest, WithoutAnXServerItSaysSoAndEnds) {
+  const auto outcome = run({"--library", file("library.json", usualLibrary())}, {{"DISPLAY", ":987"}});
+  EXPECT_NE(outcome.status, 0);
+  EXPECT_NE(outcome.message.find(":987"), std::string::npos) << outcome.message;
+}
+
+TEST_F(DesktopFaultTest, AnXServerWithoutXtestIsNamedAndNothingIsWatched) {
+  VirtualDesktop poor({"-extension", "XTEST"});
+  const auto log = poor.directory() / "quorlo.log";
+  auto process =
+      poor.start({QUORLO, "--abbreviations", "on", "--library", file("library.json", usualLibrary())}, log);
+  EXPECT_TRUE(waitUntil([&] { return readFile(log).find("XTEST") != std::string::npos; })) << readFile(log);
+  Xterm xterm(poor);
+  poor.keyboard().type("brb .");
+  EXPECT_EQ(xterm.textOnceItIs("brb ."), "brb .");
+}
+
+TEST_F(DesktopFaultTest, WhenTheXServerGoesAwayTheProgramEndsWithAMessage) {
+  VirtualDesktop doomed;
+  QuorloProgram program(doomed, QUORLO, usualLibrary());
+  doomed.server().stop();
+  const int status = program.process().waitForEnd(kPatience);
+  EXPECT_LT(status, 128) << "ended by a signal";
+  EXPECT_NE(program.log().find(" server"), std::string::npos) << program.log();
+}
+
+}  // namespace
+}  // namespace quorlo
