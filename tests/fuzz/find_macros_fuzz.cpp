@@ -43,8 +43,7 @@ void checkEvaluation(const AttributedString& text) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorlo;
-  keepLogQuiet();
-  const AttributedString text(toUtf16(std::string_view(reinterpret_cast<const char*>(data), size)));
+  const AttributedString text(fuzzText(data, size));
   checkRuns(text.string());
   require(toStoredText(toEditorText(text)) == text);
   checkEvaluation(text);

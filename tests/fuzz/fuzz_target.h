@@ -1,16 +1,14 @@
 #pragma once
 
 #include "base/log.h"
-#include "text/utf.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 #include <vector>
 
-// What a fuzzer calls with each input; returns 0. One target each for libFuzzer and for the replay.
+// What a fuzzer, or the replay, calls with each input; returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace quorlo {
@@ -20,22 +18,25 @@ inline void require(bool holds) {
   if (!holds) std::abort();
 }
 
-// Damaged markup is logged all the time.
-inline void keepLogQuiet() {
-  static const auto redirection = redirectLog([](LogLevel, std::string_view) {});
+// The input as a text: ASCII, and lone surrogates for the other bytes. Also keeps the log quiet, since
+// damaged markup is logged all the time.
+inline std::u16string fuzzText(const std::uint8_t* data, std::size_t size) {
+  static const auto quiet = redirectLog([](LogLevel, std::string_view) {});
+  std::u16string text(data, data + size);
+  for (auto& character : text) {
+    if (character >= 0x80) character = static_cast<char16_t>(character + 0xD780);
+  }
+  return text;
 }
 
-// The input's lines; at least one.
-inline std::vector<std::u16string> fuzzLines(const std::uint8_t* data, std::size_t size) {
-  const std::u16string text = toUtf16(std::string_view(reinterpret_cast<const char*>(data), size));
+// The lines of a text; at least `count`.
+inline std::vector<std::u16string> fuzzLines(const std::u16string& text, std::size_t count) {
   std::vector<std::u16string> lines(1);
   for (const auto character : text) {
-    if (character == u'\n') {
-      lines.emplace_back();
-    } else {
-      lines.back() += character;
-    }
+    if (character == u'\n') lines.emplace_back();
+    if (character != u'\n') lines.back() += character;
   }
+  if (lines.size() < count) lines.resize(count);
   return lines;
 }
 

@@ -10,7 +10,12 @@ namespace {
 
 void check(std::u16string_view macro, std::u16string_view name, std::u16string_view value) {
   valueForArgument(name, macro);
-  optionList(macro);
+  const auto entries = optionList(macro).entries;
+  for (std::size_t i = 0; i <= entries.size(); ++i) {
+    const auto number = std::to_string(i);
+    const auto found = valueForArgument(u"name" + std::u16string(number.begin(), number.end()), macro);
+    require(found == (i < entries.size() ? std::optional(entries[i]) : std::nullopt));
+  }
   readBoolean(value);
   readInteger(value);
   setValueForArgument(value, name, macro, Escaping::none);
@@ -31,9 +36,7 @@ void check(std::u16string_view macro, std::u16string_view name, std::u16string_v
 }  // namespace quorlo
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  quorlo::keepLogQuiet();
-  auto lines = quorlo::fuzzLines(data, size);
-  lines.resize(3);
+  const auto lines = quorlo::fuzzLines(quorlo::fuzzText(data, size), 3);
   quorlo::check(lines[0], lines[1], lines[2]);
   return 0;
 }

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <random>
 
@@ -42,16 +41,10 @@ std::string mixture(const std::vector<std::string>& seeds, std::mt19937& random)
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::cerr << "usage: " << argv[0] << " FOLDER-OF-SEEDS\n";
-    return 2;
-  }
+// The only argument is the folder of the seeds.
+int main(int, char** argv) {
   const auto seeds = readSeeds(argv[1]);
-  if (seeds.empty()) {
-    std::cerr << "There are no seeds in " << argv[1] << "\n";
-    return 1;
-  }
+  quorlo::require(!seeds.empty());
   for (const auto& seed : seeds) {
     for (std::size_t length = 0; length <= seed.size(); ++length) call(seed.substr(0, length));
   }

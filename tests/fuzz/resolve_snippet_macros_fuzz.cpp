@@ -7,8 +7,7 @@
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorlo;
-  keepLogQuiet();
-  const auto lines = fuzzLines(data, size);
+  const auto lines = fuzzLines(fuzzText(data, size), 1);
   const auto snippet = [&](const std::u16string& abbreviation) -> std::optional<AttributedString> {
     if (abbreviation.size() != 1 || abbreviation[0] < u'a') return std::nullopt;
     const std::size_t line = abbreviation[0] - u'a' + 1U;

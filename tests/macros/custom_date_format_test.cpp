@@ -1,10 +1,8 @@
 #include "macros/custom_date_format.h"
 
 #include "fakes/fake_environment.h"
-#include "fuzz/custom_date_fuzz.h"
 #include "macros/custom_date_format_groups.h"
 #include "macros/date_and_time_formatter.h"
-#include "text/random_text.h"
 #include "text/utf.h"
 
 #include <gtest/gtest.h>
@@ -70,18 +68,6 @@ TEST_F(CustomDateFormat, OffersTokensThatAllHaveAnExample) {
         EXPECT_NE(render(token.representedString, language), u"") << toUtf8(token.representedString);
       }
     }
-  }
-}
-
-TEST_F(CustomDateFormat, ReadsAsItsTokensReadOneByOneHoweverMuchTheyAreGarbage) {
-  Random random(17);
-  for (int round = 0; round < 500; ++round) {
-    std::u16string format;
-    for (auto count = pick(random, 12); count > 0; --count) {
-      format += pick(random, 2) ? std::u16string(pick(random, 4), u'%') : randomText(random, 2);
-      format.append(pick(random, 9), static_cast<char16_t>(u' ' + pick(random, 95)));
-    }
-    EXPECT_TRUE(readsAsItsTokens(format, date_, formatter_)) << toUtf8(format);
   }
 }
 
