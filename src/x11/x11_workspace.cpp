@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono_literals::operator""ms;
 
-// A reader waits no longer than this for a state that is being refreshed, even if the server hangs.
+// A reader waits no longer than this for the latest state, even if the server hangs.
 constexpr auto kRefreshPatience = 20ms;
 constexpr auto kFirstStatePatience = 2000ms;
 
@@ -83,13 +83,13 @@ Subscription X11Workspace::observeActiveWindow(std::function<void()> changed) {
 }
 
 std::shared_ptr<const X11Workspace::Snapshot> X11Workspace::latest() const {
+  loop_.catchUp(kRefreshPatience);
   std::unique_lock lock(mutex_);
   if (!windowManagerTells_) {
     lock.unlock();
     loop_.postAndWait(refreshTask_, kRefreshPatience);
     lock.lock();
   }
-  refreshed_.wait_until(lock, XEventLoop::Clock::now() + kRefreshPatience, [&] { return !refreshing_; });
   return snapshot_;
 }
 
@@ -120,7 +120,6 @@ void X11Workspace::refresh() {
   bool asksFocus = false;
   {
     const std::lock_guard lock(mutex_);
-    refreshing_ = true;
     asksFocus = !windowManagerTells_;
   }
   const auto before = std::exchange(active_, asksFocus ? focusedApplicationWindow() : askActiveWindow());
@@ -165,8 +164,6 @@ void X11Workspace::publish() {
   }
   const std::lock_guard lock(mutex_);
   snapshot_ = std::move(snapshot);
-  refreshing_ = false;
-  refreshed_.notify_all();
 }
 
 xcb_window_t X11Workspace::askActiveWindow() const {

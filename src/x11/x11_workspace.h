@@ -8,7 +8,6 @@
 #include "x11/x_connection.h"
 #include "x11/x_event_loop.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -25,9 +24,8 @@ namespace quorlo {
 // A thread with a connection of its own follows the changes and leaves the latest state for all to read.
 //
 // How a reader sees the right window: the window manager has set the active window before the user can
-// type into it, and the server sends the notice of that before the next key. From the arrival of the notice
-// until the new state stands, readers wait for it; a key on its way through the tap and the main queue
-// takes longer than the arrival.
+// type into it, and the server has sent the notice of that before the next key. A reader waits until the
+// thread has handled all that has arrived; when nothing has, that costs no more than asking the socket.
 //
 // Where the window manager does not tell, the window with the input focus is asked for each time.
 class X11Workspace : public Workspace {
@@ -91,8 +89,6 @@ class X11Workspace : public Workspace {
   xcb_window_t active_ = XCB_WINDOW_NONE;
 
   mutable std::mutex mutex_;
-  mutable std::condition_variable refreshed_;
-  bool refreshing_ = false;
   bool windowManagerTells_ = false;
   std::shared_ptr<const Snapshot> snapshot_ = std::make_shared<Snapshot>();
 

@@ -65,6 +65,14 @@ bool XEventLoop::postAndWait(Task task, std::chrono::milliseconds atMost) {
   return done->changed.wait_until(lock, Clock::now() + atMost, [&] { return done->yes; });
 }
 
+bool XEventLoop::catchUp(std::chrono::milliseconds atMost) {
+  // In this order: what the thread has taken from the connection in between it has taken while busy.
+  pollfd connection{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+  const bool hasArrivals = poll(&connection, 1, 0) > 0;
+  if (!hasArrivals && !busy_) return true;
+  return postAndWait([this] { readEvents(); }, atMost);
+}
+
 XEventLoop::TimerId XEventLoop::runAt(Clock::time_point due, Task task) {
   timers_.emplace(std::pair(due, ++lastTimer_), std::move(task));
   return lastTimer_;
@@ -96,7 +104,9 @@ void XEventLoop::run() {
     std::array<pollfd, 2> descriptors{
         pollfd{wakeUp_, POLLIN, 0},
         pollfd{connectionLost_ ? -1 : xcb_get_file_descriptor(connection_.get()), POLLIN, 0}};
+    busy_ = false;
     poll(descriptors.data(), descriptors.size(), timeout);
+    busy_ = true;
     eventfd_t count = 0;
     eventfd_read(wakeUp_, &count);
   }

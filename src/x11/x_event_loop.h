@@ -2,6 +2,7 @@
 
 #include "x11/x_connection.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -43,6 +44,10 @@ class XEventLoop {
   // must own what it uses) or the loop is stopped. Not from the loop's thread.
   bool postAndWait(Task task, std::chrono::milliseconds atMost);
 
+  // Waits until all that the server had sent before the call has been handled. Costs a system call when
+  // there is nothing to wait for. False as above.
+  bool catchUp(std::chrono::milliseconds atMost);
+
   // On the loop's thread.
   TimerId runAt(Clock::time_point due, Task task);
   void cancel(TimerId timer);
@@ -59,6 +64,8 @@ class XEventLoop {
   EventHandler onEvent_;
   Task onConnectionLost_;
   bool connectionLost_ = false;
+  // False only while the thread sleeps: set before it takes anything from the connection.
+  std::atomic<bool> busy_ = true;
   TimerId lastTimer_ = 0;
   std::map<std::pair<Clock::time_point, TimerId>, Task> timers_;
 
