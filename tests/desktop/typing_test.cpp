@@ -64,7 +64,8 @@ TEST_F(DesktopTypingTest, AKeyHeldAcrossAnExpansionNeitherRepeatsNorSticks) {
   type(" ok");
   EXPECT_EQ(editor->textOnceItIs("Kind regards, Ada ok"), "Kind regards, Ada ok");
   keyboard().press("x");
-  EXPECT_TRUE(waitUntil([&] { return editor->text().ends_with("xxx"); })) << "other keys repeat as ever";
+  EXPECT_TRUE(waitUntil([&] { return editor->text().ends_with("xxx"); }))
+      << "other keys repeat as ever, not: " << editor->text();
 }
 
 TEST_F(DesktopTypingTest, AHeldShiftDoesNotLeakIntoTheExpansionAndStaysHeldAfterIt) {
@@ -89,13 +90,20 @@ TEST_F(DesktopTypingTest, AGermanLayoutTypesAndExpandsWithUmlautsAltGrAndDeadKey
   startQuorlo(
       libraryOf({{"grüß", "Mit freundlichen Grüßen"}, {"@z", "ada@example.org"}, {"€é", "fünf Euro"}}),
       kLastSymbol);
-  Featherpad editor(desktop());
-  type("zyÄ {grüß} @z €é~");
+  const std::string typed = "zyÄ {grüß} @z €é~";
   const std::string expected = "zyÄ {Mit freundlichen Grüßen} ada@example.org fünf Euro~";
-  EXPECT_EQ(editor.textOnceItIs(expected), expected);
+  Mousepad mousepad(desktop());
+  type(typed);
+  EXPECT_EQ(mousepad.textOnceItIs(expected), expected);
   Xterm xterm(desktop());
-  type("zyÄ {grüß} @z €é~");
+  type(typed);
   EXPECT_EQ(xterm.textOnceItIs(expected), expected);
+  // Qt inserts a composed character before ordinary ones that it has read in the same turn: no dead keys
+  // without a pause there.
+  Featherpad featherpad(desktop());
+  type("zyÄ {grüß} @z~");
+  const std::string inFeatherpad = "zyÄ {Mit freundlichen Grüßen} ada@example.org~";
+  EXPECT_EQ(featherpad.textOnceItIs(inFeatherpad), inFeatherpad);
 }
 
 TEST_F(DesktopTypingTest, DeadKeysAndComposeGiveTheComposedCharacter) {
