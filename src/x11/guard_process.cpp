@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 
+#include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -9,10 +10,17 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 
 namespace quorlo {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{1000};
+
+}  // namespace
 
 std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& program,
                                                   const std::string& display, std::uint32_t window,
@@ -29,7 +37,10 @@ std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& p
   sigset_t none;
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+  sigset_t all;
+  sigfillset(&all);
+  posix_spawnattr_setsigdefault(&attributes, &all);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
   const std::string path = program;
   const std::string windowText = std::to_string(window);
@@ -47,7 +58,17 @@ std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& p
                ". Expansion works without it, but should Quorlo ever hang, the keyboard would hang with it.");
     return nullptr;
   }
-  return std::unique_ptr<GuardProcess>(new GuardProcess(process, ends[0]));
+  std::unique_ptr<GuardProcess> guard(new GuardProcess(process, ends[0]));
+  // No key may be grabbed before the guard sees keys.
+  pollfd ready{ends[0], POLLIN, 0};
+  char sign = 0;
+  if (poll(&ready, 1, static_cast<int>(kPatience.count())) != 1 || read(ends[0], &sign, 1) != 1) {
+    logWarning("The keyboard guard " + path +
+               " does not work. Expansion works without it, but should Quorlo "
+               "ever hang, the keyboard would hang with it.");
+    return nullptr;
+  }
+  return guard;
 }
 
 GuardProcess::~GuardProcess() {

@@ -1,7 +1,8 @@
 // quorlo-keyboard-guard: frees the keyboard from a Quorlo that hangs.
 //
 // Sees every physical key press as a raw event. Quorlo, which has the keyboards grabbed, writes to this
-// program's standard input the server time (4 bytes) of each press that it has dealt with. A press that
+// program's standard input, a socket, the server time (4 bytes) of each press that it has dealt with; the
+// guard writes one byte to it when it is ready. A press that
 // stays unanswered makes the guard ask first, by a client message, since there are keys that Quorlo never
 // gets to see; without an answer it ends Quorlo's X client, and with it the grab. Quorlo starts anew with
 // another connection, and another guard, as soon as it can.
@@ -63,8 +64,9 @@ class Guard {
       std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_HIERARCHY;
     } rawKeys;
     xcb_input_xi_select_events(connection_, root_, 1, &rawKeys.header);
-    xcb_flush(connection_);
-    return version != nullptr;
+    sync();
+    const char ready = '!';
+    return version != nullptr && write(STDIN_FILENO, &ready, 1) == 1;
   }
 
   void run() {
@@ -186,6 +188,10 @@ class Guard {
         }
       }
     }
+    sync();
+  }
+
+  void sync() {
     std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
   }
 
