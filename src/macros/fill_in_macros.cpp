@@ -15,21 +15,26 @@ constexpr std::u16string_view kEntryName = u"name";
 // pass, since a list may have thousands of entries.
 std::vector<std::u16string> readEntries(std::u16string_view macroString) {
   std::map<std::u16string_view, std::u16string_view> values;  // by the number's digits
+  std::size_t end = 0;  // of the value that is read; many names may stand in one value
   for (auto found = macroString.find(kEntryName); found != macroString.npos;
        found = macroString.find(kEntryName, found + 1)) {
     const auto digits = found + kEntryName.size();
     const auto equal = std::min(macroString.find_first_not_of(u"0123456789", digits), macroString.size());
-    const auto end = macroString.find(macroAgrumentValueEndCharacter, equal);
+    if (end < equal) end = macroString.find(macroAgrumentValueEndCharacter, equal);
     if (end == macroString.npos) break;
     if (macroString[equal] != u'=') continue;
     values.try_emplace(macroString.substr(digits, equal - digits),
                        macroString.substr(equal + 1, end - equal - 1));
   }
   std::vector<std::u16string> entries;
+  // Values that were written as they should stand apart. Damaged ones may hold each other, and would
+  // together be far longer than the macro.
+  auto room = macroString.size();
   for (;;) {
     const auto number = std::to_string(entries.size());
     const auto value = values.find(std::u16string(number.begin(), number.end()));
-    if (value == values.end()) return entries;
+    if (value == values.end() || value->second.size() > room) return entries;
+    room -= value->second.size();
     entries.push_back(unescapeMacroValue(value->second));
   }
 }

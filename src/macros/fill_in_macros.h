@@ -25,6 +25,7 @@ struct OptionList {
   bool operator==(const OptionList&) const = default;
 };
 
+// Linear in the macro. Of a damaged list as many entries as are together no longer than the macro.
 OptionList optionList(std::u16string_view macroString);
 
 // The chosen entries as they are inserted.

@@ -11,10 +11,9 @@ namespace {
 void check(std::u16string_view macro, std::u16string_view name, std::u16string_view value) {
   valueForArgument(name, macro);
   const auto entries = optionList(macro).entries;
-  for (std::size_t i = 0; i <= entries.size(); ++i) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
     const auto number = std::to_string(i);
-    const auto found = valueForArgument(u"name" + std::u16string(number.begin(), number.end()), macro);
-    require(found == (i < entries.size() ? std::optional(entries[i]) : std::nullopt));
+    require(valueForArgument(u"name" + std::u16string(number.begin(), number.end()), macro) == entries[i]);
   }
   readBoolean(value);
   readInteger(value);

@@ -155,6 +155,13 @@ TEST_F(Interpreter, FindsTheEntriesOfAListByTheirNumbers) {
   EXPECT_EQ(optionList(u"%options:name1=one:xname0=zero(!(percent)!):name0=later:name01=no:name2=:name4=gap:")
                 .entries,
             (std::vector<std::u16string>{u"zero%", u"one", u""}));
+
+  std::u16string damaged;  // where each value holds all that follow
+  for (int i = 0; i < 2000; ++i) damaged += u"name" + toUtf16(std::to_string(i)) + u"=";
+  std::size_t length = 0;
+  for (const auto& entry : optionList(u"%options:" + damaged + u":options%").entries) length += entry.size();
+  EXPECT_GT(length, damaged.size() / 2);
+  EXPECT_LE(length, damaged.size() + 20);
 }
 
 TEST_F(Interpreter, TakesTheLookOfAMacrosFirstCharacterAndOnlyTheAskedTypes) {
