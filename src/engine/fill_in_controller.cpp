@@ -23,11 +23,8 @@ FillInController::~FillInController() {
 }
 
 void FillInController::ask(AttributedString text, std::vector<FillInField> fields, Completion completion) {
-  if (auto earlier = std::exchange(completion_, nullptr)) {
-    use_.queue.run([earlier = std::move(earlier)] { earlier(std::nullopt); });
-  }
+  callOff();
   question_ = std::make_unique<LifeToken>();
-  hold_.reset();
   completion_ = std::move(completion);
 
   const FillInPreview preview{use_.settings.showClipboardContentInReplacementView(),
@@ -40,6 +37,15 @@ void FillInController::ask(AttributedString text, std::vector<FillInField> field
   session_ = std::move(session);
   use_.focus.take(use_.view.nativeWindow());
   if (session_->showsClipboard()) showClipboard();
+}
+
+void FillInController::callOff() {
+  question_.reset();
+  hold_.reset();
+  if (std::exchange(session_, nullptr)) use_.view.close();
+  if (auto completion = std::exchange(completion_, nullptr)) {
+    use_.queue.run([completion = std::move(completion)] { completion(std::nullopt); });
+  }
 }
 
 void FillInController::showClipboard() {

@@ -41,6 +41,7 @@ class FillInController : public FillInPrompt {
   // Where the window that the user came from is gone, the prompt completes with none, and the user may copy
   // the text instead.
   void ask(AttributedString text, std::vector<FillInField> fields, Completion completion) override;
+  void callOff() override;
 
  private:
   void showClipboard();

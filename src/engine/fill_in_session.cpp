@@ -18,7 +18,7 @@ std::u16string placeholder(std::u16string_view text) {
 // Its sign alone, or with its name: "⏎ (Return)".
 std::u16string keyPlaceholder(std::u16string_view macroString, bool named) {
   const auto key = specialKeyFromRawValue(valueForArgument(u"value", macroString).value_or(u""));
-  if (!key) return named ? placeholder(localized(u"Key Combination")) : u"⌘";
+  if (!key) return named ? placeholder(localized(u"Key Combination")) : u"⌨";
   const auto name = displayName(*key);
   return named ? placeholder(name) : name.substr(0, name.find(u' '));
 }
@@ -79,19 +79,25 @@ bool FillInSession::showsClipboard() const {
          std::ranges::find(macros_, MacroType::clipboard, &MacroOccurrence::type) != macros_.end();
 }
 
-AttributedString FillInSession::preview(std::size_t longest) const {
-  AttributedString result;
+FillInSession::Reading FillInSession::preview(std::size_t longest) const {
+  Reading result;
+  auto& text = result.text;
   std::size_t done = 0;
-  for (std::size_t i = 0; i < macros_.size() && result.size() <= longest; ++i) {
-    const auto range = macros_[i].range;
-    result.append(text_, {done, std::min(range.location - done, longest + 1)});
-    appendMacro(result, i);
-    done = range.end();
+  const auto appendUntil = [&](std::size_t end) {
+    text.append(text_, {done, std::min(end - done, longest + 1)});
+  };
+  for (std::size_t i = 0; i < macros_.size() && text.size() <= longest; ++i) {
+    appendUntil(macros_[i].range.location);
+    const auto start = text.size();
+    appendMacro(text, i);
+    if (fieldOfMacro_[i]) result.places.push_back({{start, text.size() - start}, *fieldOfMacro_[i]});
+    done = macros_[i].range.end();
   }
-  if (result.size() <= longest) result.append(text_, {done, std::min(text_.size() - done, longest + 1)});
-  if (result.size() <= longest) return result;
-  result = result.slice({0, longest});
-  result.append(u"…");
+  if (text.size() <= longest) appendUntil(text_.size());
+  if (text.size() > longest) {
+    text = text.slice({0, longest});
+    text.append(u"…");
+  }
   return result;
 }
 

@@ -4,6 +4,7 @@
 #include "macros/find_macros.h"
 #include "macros/moment.h"
 #include "text/attributed_string.h"
+#include "text/text_range.h"
 
 #include <cstddef>
 #include <optional>
@@ -51,8 +52,17 @@ class FillInSession {
   bool showsClipboard() const;
   void setClipboard(AttributedString content) { clipboard_ = std::move(content); }
 
-  // The beginning of the snippet as it will read, cut after `longest` UTF-16 units.
-  AttributedString preview(std::size_t longest) const;
+  // The beginning of the snippet as it will read.
+  struct Reading {
+    struct Place {
+      TextRange range;
+      std::size_t field;
+    };
+    AttributedString text;
+    std::vector<Place> places;  // where the answers stand, in text order
+  };
+  // Cut after `longest` UTF-16 units.
+  Reading preview(std::size_t longest) const;
 
  private:
   void appendMacro(AttributedString& to, std::size_t macro) const;

@@ -48,6 +48,8 @@ QWidget* makeOptionsInput(FillInSession& session, std::size_t field, const FillI
   const auto& options = session.fields()[field].options;
   const auto chosen = session.chosen(field);
   auto* const list = new QListWidget;
+  // The check marks alone show what is chosen.
+  if (options.multiple) list->setSelectionMode(QAbstractItemView::NoSelection);
   for (std::size_t i = 0; i < options.entries.size(); ++i) {
     // A list shows one line for each entry.
     auto* const item = new QListWidgetItem(toQString(options.entries[i]).simplified(), list);

@@ -13,11 +13,13 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
-#include <QScrollBar>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -33,32 +35,42 @@ namespace {
 constexpr std::size_t kLongestPreview = 20'000;
 // Enough to fill any screen at once; a snippet with thousands gets the others while the window is there.
 constexpr std::size_t kFieldsAtOnce = 40;
+constexpr int kPreviewLines = 7;
 constexpr double kTransparentOpacity = 0.95;
 
-QString text(std::u16string_view base) {
+QString localizedText(std::u16string_view base) {
   return QString::fromStdU16String(localized(base));
 }
+
+// As high as what it shows, where there is room.
+class FieldsArea : public QScrollArea {
+ public:
+  FieldsArea() {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  }
+  QSize sizeHint() const override { return widget() ? widget()->sizeHint() : QScrollArea::sizeHint(); }
+};
 
 }  // namespace
 
 class FillInWindow::Dialog : public QDialog {
  public:
   explicit Dialog(const SettingsController& settings) : settings_(settings) {
-    setWindowTitle(text(u"Fill in Snippet"));
-    setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
+    setWindowTitle(localizedText(u"Fill in Snippet"));
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
     notice_->setWordWrap(true);
-    notice_->setText(
-        text(u"The window you were typing in is gone, so nothing was inserted. You can copy the text."));
+    notice_->setText(localizedText(
+        u"The window you were typing in is gone, so nothing was inserted. You can copy the text."));
 
-    scroll_->setWidgetResizable(true);
-    scroll_->setFrameShape(QFrame::NoFrame);
-    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll_->setFocusPolicy(Qt::NoFocus);
-
-    previewLabel_->setText(text(u"Preview"));
+    previewLabel_->setText(localizedText(u"Preview"));
     previewLabel_->setBuddy(preview_);
     preview_->setReadOnly(true);
     preview_->setFocusPolicy(Qt::ClickFocus);
+    preview_->setFixedHeight(kPreviewLines * fontMetrics().lineSpacing());
     preview_->setAccessibleName(previewLabel_->text());
 
     insert_ = buttons_->addButton(QString(), QDialogButtonBox::AcceptRole);
@@ -67,16 +79,19 @@ class FillInWindow::Dialog : public QDialog {
     connect(buttons_, &QDialogButtonBox::accepted, this, [this] { decide(Outcome::insert); });
     connect(buttons_, &QDialogButtonBox::rejected, this, [this] { decide(Outcome::cancel); });
     hint_->setEnabled(false);
-    connect(qApp, &QApplication::focusChanged, this, [this] { showHint(); });
+    connect(qApp, &QApplication::focusChanged, this, [this] {
+      showHint();
+      markPlaces();
+    });
 
     auto* const bottom = new QHBoxLayout;
     bottom->addWidget(hint_, 1);
     bottom->addWidget(buttons_);
     auto* const column = new QVBoxLayout(this);
     column->addWidget(notice_);
-    column->addWidget(scroll_, 3);
+    column->addWidget(area_, 1);
     column->addWidget(previewLabel_);
-    column->addWidget(preview_, 2);
+    column->addWidget(preview_);
     column->addLayout(bottom);
 
     previewTimer_.setSingleShot(true);
@@ -91,15 +106,15 @@ class FillInWindow::Dialog : public QDialog {
     session_ = &session;
     done_ = std::move(done);
     notice_->hide();
-    insert_->setText(text(u"Insert"));
-    cancel_->setText(text(u"Cancel"));
+    insert_->setText(localizedText(u"Insert"));
+    cancel_->setText(localizedText(u"Cancel"));
 
     inputs_.clear();
     auto* const page = new QWidget;
     form_ = new QFormLayout(page);
     form_->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    scroll_->setWidget(page);
+    area_->setWidget(page);
     addFields();
 
     const bool showsPreview = settings_.showMacroReplacementPreviewInReplacementView();
@@ -121,8 +136,8 @@ class FillInWindow::Dialog : public QDialog {
   void offerCopy(std::function<void(Outcome)> done) {
     done_ = std::move(done);
     notice_->show();
-    insert_->setText(text(u"Copy"));
-    cancel_->setText(text(u"Close"));
+    insert_->setText(localizedText(u"Copy"));
+    cancel_->setText(localizedText(u"Close"));
   }
 
   void release() {
@@ -134,6 +149,11 @@ class FillInWindow::Dialog : public QDialog {
   }
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && event->modifiers().testFlag(Qt::ControlModifier)) return decide(Outcome::insert);
+    QDialog::keyPressEvent(event);
+  }
   void reject() override { decide(Outcome::cancel); }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
@@ -164,18 +184,48 @@ class FillInWindow::Dialog : public QDialog {
   void showPreview() {
     if (!session_ || !preview_->isVisibleTo(this)) return;
     const auto content = session_->preview(kLongestPreview);
-    const int scrolled = preview_->verticalScrollBar()->value();
-    if (content.isPlain()) {
-      preview_->setPlainText(QString::fromStdU16String(content.string()));
+    if (content.text.isPlain()) {
+      preview_->setPlainText(QString::fromStdU16String(content.text.string()));
     } else {
-      preview_->setHtml(QString::fromStdString(toHtml(content)));
+      preview_->setHtml(QString::fromStdString(toHtml(content.text)));
     }
-    preview_->verticalScrollBar()->setValue(scrolled);
+    places_ = content.places;
+    markPlaces();
+  }
+
+  // Shows where the answer that is being given stands in the text.
+  void markPlaces() {
+    if (!session_) return;
+    const auto current = std::ranges::find(inputs_, focusWidget());
+    if (current == inputs_.end()) return;
+    const auto field = static_cast<std::size_t>(current - inputs_.begin());
+    QList<QTextEdit::ExtraSelection> marks;
+    const auto at = [&](std::size_t position) {
+      const int end = preview_->document()->characterCount() - 1;
+      return std::min(static_cast<int>(position), end);
+    };
+    for (const auto& place : places_) {
+      if (place.field != field) continue;
+      QTextEdit::ExtraSelection mark;
+      mark.cursor = QTextCursor(preview_->document());
+      mark.cursor.setPosition(at(place.range.end()));
+      if (marks.empty()) scrollTo(mark.cursor);
+      mark.cursor.setPosition(at(place.range.location), QTextCursor::KeepAnchor);
+      mark.format.setBackground(palette().color(QPalette::Highlight));
+      mark.format.setForeground(palette().color(QPalette::HighlightedText));
+      marks.push_back(mark);
+    }
+    preview_->setExtraSelections(marks);
+  }
+
+  void scrollTo(const QTextCursor& cursor) {
+    preview_->setTextCursor(cursor);
+    preview_->ensureCursorVisible();
   }
 
   void showHint() {
     const auto* const edit = dynamic_cast<const TextAnswerEdit*>(focusWidget());
-    hint_->setText(edit && edit->holdsLines() ? text(u"Insert with Ctrl+Return") : QString());
+    hint_->setText(edit && edit->holdsLines() ? localizedText(u"Insert with Ctrl+Return") : QString());
   }
 
   // As large as its fields need, and on the screen as a whole.
@@ -185,18 +235,15 @@ class FillInWindow::Dialog : public QDialog {
     if (!screen) screen = QGuiApplication::primaryScreen();
     const QRect room = screen->availableGeometry();
     const int line = fontMetrics().lineSpacing();
-    const int fields = scroll_->widget()->sizeHint().height();
-    const int preview = preview_->isVisibleTo(this) ? 6 * line : 0;
-    preview_->setMinimumHeight(3 * line);
-    const int width = std::min(30 * line, room.width() * 9 / 10);
-    const int height = std::min(fields + preview + 7 * line, room.height() * 8 / 10);
+    const int frame = 2 * line;  // the title bar, whose height is known only once the window is there
+    const int width = std::min(30 * line, room.width());
+    const int height = std::min(layout()->totalSizeHint().height(), room.height() - frame);
     resize(width, height);
 
     QPoint corner = room.center() - QPoint(width / 2, height / 2);
     if (settings_.previewWindowPosition() == PreviewWindowPosition::nextToCursor) {
       corner = pointer + QPoint(line, line);
     }
-    const int frame = 2 * line;  // the title bar, whose height is known only once the window is there
     move(std::clamp(corner.x(), room.left(), std::max(room.left(), room.right() - width)),
          std::clamp(corner.y(), room.top(), std::max(room.top(), room.bottom() - height - frame)));
   }
@@ -205,9 +252,10 @@ class FillInWindow::Dialog : public QDialog {
   FillInSession* session_ = nullptr;  // while the window is open
   std::function<void(Outcome)> done_;
   QLabel* notice_ = new QLabel;
-  QScrollArea* scroll_ = new QScrollArea;
-  QFormLayout* form_ = nullptr;  // anew for each session
-  std::vector<QWidget*> inputs_;
+  FieldsArea* area_ = new FieldsArea;
+  QFormLayout* form_ = nullptr;                        // anew for each session
+  std::vector<QWidget*> inputs_;                       // by field
+  std::vector<FillInSession::Reading::Place> places_;  // in the preview
   QLabel* previewLabel_ = new QLabel;
   QTextEdit* preview_ = new QTextEdit;
   QLabel* hint_ = new QLabel;

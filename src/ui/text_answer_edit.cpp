@@ -55,4 +55,13 @@ void TextAnswerEdit::focusInEvent(QFocusEvent* event) {
   if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) selectAll();
 }
 
+// A selection that stays behind would look like the place of the keyboard.
+void TextAnswerEdit::focusOutEvent(QFocusEvent* event) {
+  QPlainTextEdit::focusOutEvent(event);
+  if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) return;
+  auto cursor = textCursor();
+  cursor.clearSelection();
+  setTextCursor(cursor);
+}
+
 }  // namespace quorlo

@@ -21,6 +21,7 @@ class TextAnswerEdit : public QPlainTextEdit {
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 
  private:
   void fitText();
