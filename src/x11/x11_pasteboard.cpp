@@ -95,9 +95,11 @@ X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, O
 
 X11Pasteboard::~X11Pasteboard() {
   if (!x_->lost()) {
-    provideAll();
     const auto done = std::make_shared<std::promise<void>>();
-    loop_.post([this, done] { server_.handOver([done] { done->set_value(); }); });
+    loop_.post([this, done] {
+      providersAreGone_ = true;
+      server_.handOver([done] { done->set_value(); });
+    });
     done->get_future().wait_for(kHandOverBudget);
   }
   loop_.stop();
@@ -160,6 +162,7 @@ void X11Pasteboard::pasteWillBePosted(const PasteTarget& target, PasteSelection 
 // On the pasteboard's thread.
 void X11Pasteboard::runProvider(const SelectionServer::Offer& offer, std::size_t representation,
                                 std::function<void()> done) {
+  if (providersAreGone_) return done();
   queue_.run([this, alive = std::weak_ptr<char>(alive_), offer, representation, done = std::move(done)] {
     if (alive.expired()) return;
     // Contents that were replaced meanwhile have no provider any more: the reader is refused.

@@ -33,7 +33,8 @@ class X11Pasteboard : public Pasteboard {
 
   static Result<std::unique_ptr<X11Pasteboard>> connect(const std::string& display, MainQueue& queue,
                                                         Options options);
-  // Contents that are not transient go to the desktop's clipboard manager, if there is one.
+  // Contents that are not transient go to the desktop's clipboard manager, if there is one; types that
+  // would have to be provided now are refused.
   ~X11Pasteboard() override;
 
   void setContents(PasteboardContents contents) override;
@@ -61,6 +62,8 @@ class X11Pasteboard : public Pasteboard {
   Options options_;
   XEventLoop loop_;
   SelectionServer server_;
+
+  bool providersAreGone_ = false;  // pasteboard's thread: at the end of the program
 
   // Main thread.
   std::shared_ptr<OwnContents> own_;  // what was set last

@@ -84,23 +84,19 @@ Subscription X11Workspace::observeActiveWindow(std::function<void()> changed) {
 
 std::shared_ptr<const X11Workspace::Snapshot> X11Workspace::latest() const {
   loop_.catchUp(kRefreshPatience);
-  std::unique_lock lock(mutex_);
-  if (!windowManagerTells_) {
-    lock.unlock();
-    loop_.postAndWait(refreshTask_, kRefreshPatience);
-    lock.lock();
-  }
+  if (!windowManagerTells_) loop_.postAndWait(refreshTask_, kRefreshPatience);
+  const std::lock_guard lock(mutex_);
   return snapshot_;
 }
 
 void X11Workspace::handleEvent(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7F) != XCB_PROPERTY_NOTIFY) return;
   const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-  if (notify.atom == windowManagerAtom_) findWindowManager();
-  if (notify.atom == activeWindowAtom_ || notify.atom == clientListAtom_ ||
-      notify.atom == windowManagerAtom_) {
-    refresh();
-  }
+  if (notify.atom != activeWindowAtom_ && notify.atom != clientListAtom_ && notify.atom != windowManagerAtom_)
+    return;
+  // One that is starting announces itself bit by bit.
+  if (notify.atom == windowManagerAtom_ || !windowManagerTells_) findWindowManager();
+  refresh();
 }
 
 // A window manager that died has left its properties behind: the one that lives has a window that names
@@ -112,17 +108,12 @@ void X11Workspace::findWindowManager() {
     const auto supported = cardinals(*x_, x_->root(), x_->atom("_NET_SUPPORTED"));
     tells = std::ranges::find(supported, activeWindowAtom_) != supported.end();
   }
-  const std::lock_guard lock(mutex_);
   windowManagerTells_ = tells;
 }
 
 void X11Workspace::refresh() {
-  bool asksFocus = false;
-  {
-    const std::lock_guard lock(mutex_);
-    asksFocus = !windowManagerTells_;
-  }
-  const auto before = std::exchange(active_, asksFocus ? focusedApplicationWindow() : askActiveWindow());
+  const auto before =
+      std::exchange(active_, windowManagerTells_ ? askActiveWindow() : focusedApplicationWindow());
   windows_ = cardinals(*x_, x_->root(), clientListAtom_);
   if (active_ != XCB_WINDOW_NONE && std::ranges::find(windows_, active_) == windows_.end()) {
     windows_.push_back(active_);

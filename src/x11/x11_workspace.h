@@ -8,6 +8,7 @@
 #include "x11/x_connection.h"
 #include "x11/x_event_loop.h"
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -44,10 +45,10 @@ class X11Workspace : public Workspace {
   const std::string& ownBundleIdentifier() const override { return options_.ownBundleIdentifier; }
   bool openURL(std::string_view url) override;
 
-  // Any thread.
+  // Any thread but the workspace's own.
   ActiveWindow activeWindow() const;
-  // Called on the workspace's thread after another window has become active. The subscription may end on
-  // any thread except inside the callback; no call is under way after.
+  // Called on the workspace's thread after another window has become active; ask which on another thread.
+  // The subscription may end on any thread except inside the callback; no call is under way after.
   Subscription observeActiveWindow(std::function<void()> changed);
 
  private:
@@ -88,8 +89,8 @@ class X11Workspace : public Workspace {
   std::map<xcb_window_t, Facts> facts_;
   xcb_window_t active_ = XCB_WINDOW_NONE;
 
+  std::atomic<bool> windowManagerTells_ = false;
   mutable std::mutex mutex_;
-  bool windowManagerTells_ = false;
   std::shared_ptr<const Snapshot> snapshot_ = std::make_shared<Snapshot>();
 
   mutable std::shared_ptr<const Snapshot> shown_;  // main thread: what runningApplications() has returned

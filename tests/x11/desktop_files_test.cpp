@@ -1,6 +1,7 @@
 #include "x11/desktop_files.h"
 
 #include "desktop/rig/temp_dir.h"
+#include "desktop/rig/wait.h"
 #include "x11/open_url.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +69,19 @@ TEST(OpenUrl, OnlyAddressesAreHandedToTheDesktop) {
   for (const auto* url : {"", ":", "https:", "example.org", "-x:y", "a b:c", "https://a b", "file:a\nb"}) {
     EXPECT_FALSE(openInDesktop(url)) << url;
   }
+}
+
+TEST(OpenUrl, StartsTheDesktopsProgramWithTheAddressAsItsOnlyArgument) {
+  TempDir directory;
+  const auto program = directory / "xdg-open";
+  writeFile(program, "#!/bin/sh\necho \"$# $1\" > \"$0.called\"\n");
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  const std::string path = getenv("PATH");
+  setenv("PATH", (directory.path().string() + ":" + path).c_str(), 1);
+  EXPECT_TRUE(openInDesktop("https://example.org/$(id);a"));
+  EXPECT_TRUE(waitUntil(
+      [&] { return readFile(directory / "xdg-open.called") == "1 https://example.org/$(id);a\n"; }));
+  setenv("PATH", path.c_str(), 1);
 }
 
 }  // namespace
