@@ -41,14 +41,17 @@ bool isResetKey(KeyCode code) {
 
 bool isSameApplication(const RunningApplication* a, const RunningApplication* b) {
   if (a == nullptr || b == nullptr) return a == b;
-  return a->processIdentifier == b->processIdentifier;
+  // One process may be several applications.
+  return a->processIdentifier == b->processIdentifier && a->bundleIdentifier == b->bundleIdentifier;
 }
 
 }  // namespace
 
 AbbreviationsMonitor::AbbreviationsMonitor(const Dependencies& dependencies)
-    : use_(dependencies), lastActiveApplication(use_.accessibility.frontmostApplication()) {
-  use_.persistence.observeObjectsDidChange(use_.persistence.managedObjectContext());
+    : use_(dependencies),
+      managedObjectContext(use_.persistence.managedObjectContext()),
+      lastActiveApplication(use_.accessibility.frontmostApplication()) {
+  use_.persistence.observeObjectsDidChange(managedObjectContext);
   settingsObservation_ = use_.settings.observe([this](Setting setting) {
     if (setting == Setting::abbreviationsEnabled) updateEventTap();
   });
@@ -66,7 +69,7 @@ void AbbreviationsMonitor::updateEventTap() {
   }
   abbreviationMouseEventMonitor = use_.mouse.observeLeftMouseDown([this] {
     logDebug("leftMouseDown");
-    potentialAbbreviation_.clear();
+    potentialAbbreviation.clear();
   });
   logInfo("Adding eventTap");
   eventTap();
@@ -108,7 +111,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
     return false;
   }
   if (!use_.settings.abbreviationsEnabled()) return false;
-  if (!isSameApplication(frontmost.get(), lastActiveApplication.get())) potentialAbbreviation_.clear();
+  if (!isSameApplication(frontmost.get(), lastActiveApplication.get())) potentialAbbreviation.clear();
 
   const bool mayExpand = event.origin == KeyDownEvent::Origin::keyboard;
   const auto trigger = use_.settings.abbreviationsTriggerType();
@@ -138,17 +141,17 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
 void AbbreviationsMonitor::editBuffer(const KeyDownEvent& event) {
   const bool hasSpace = event.characters.find_first_of(u" \u00A0") != std::u16string::npos;
   if (isResetKey(event.keyCode) || hasSpace || (event.flags & modifier::kCommand) != 0) {
-    potentialAbbreviation_.clear();
+    potentialAbbreviation.clear();
   } else if (event.keyCode == key::kBackspace) {
-    potentialAbbreviation_.removeLast();
+    potentialAbbreviation.removeLast();
   } else {
-    potentialAbbreviation_.append(event.characters);
+    potentialAbbreviation.append(event.characters);
   }
 }
 
 AbbreviationsMonitor::Match AbbreviationsMonitor::findTypedAbbreviation() const {
-  const auto typed = potentialAbbreviation_.text();
-  return findSnippet(typed, typed, potentialAbbreviation_.graphemeCount(),
+  const auto typed = potentialAbbreviation.text();
+  return findSnippet(typed, typed, potentialAbbreviation.graphemeCount(),
                      use_.settings.expandAbbreviationWithinWord(), 1);
 }
 

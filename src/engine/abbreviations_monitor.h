@@ -15,6 +15,7 @@ namespace quorlo {
 class AccessibilityManager;
 class ExpansionLookup;
 class MainQueue;
+class ManagedObjectContext;
 class MouseMonitor;
 class PersistenceController;
 class QLSnippet;
@@ -63,18 +64,19 @@ class AbbreviationsMonitor {
   Match findSnippet(std::u16string_view candidate, std::u16string_view fullText, std::size_t fullTextCount,
                     bool withinWord, int depth) const;
 
-  std::u16string_view potentialAbbreviation() const { return potentialAbbreviation_.text(); }
+  // What was typed since the last reset.
+  std::u16string_view typedText() const { return potentialAbbreviation.text(); }
 
  private:
   EventTap::Port* eventTap();
-  void addEventTap();
   bool isApplicationExcluded(const std::string& bundleIdentifier) const;
   Match findTypedAbbreviation() const;
   void editBuffer(const KeyDownEvent& event);
   void expand(const Match& match, std::u16string_view delimiter);
 
   Dependencies use_;
-  GraphemeBuffer potentialAbbreviation_;
+  ManagedObjectContext& managedObjectContext;
+  GraphemeBuffer potentialAbbreviation;
   Subscription abbreviationMouseEventMonitor;
   std::unique_ptr<EventTap::Port> _eventTap;
   std::shared_ptr<const RunningApplication> lastActiveApplication;

@@ -21,6 +21,10 @@ class FillInPrompt {
   // called once, never inside the call, after the application that was in front is in front again. One
   // question at a time: an earlier one that is still open is called off.
   virtual void ask(AttributedString text, std::vector<FillInField> fields, Completion completion) = 0;
+
+  // Calls an open question off: its window closes, the focus stays where the user has put it, and the
+  // completion is told so later.
+  virtual void callOff() = 0;
 };
 
 }  // namespace quorlo

@@ -6,13 +6,15 @@
 #include "macros/macro_type.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "store/ql_snippet.h"
+#include "text/line_breaks.h"
 
 #include <utility>
 
 namespace quorlo {
 
 void MacroPreparation::prepare(AttributedString content, const QLSnippet& snippet, Completion completion) {
-  auto resolved = interpreter_.resolveSnippetMacros(std::move(content), snippet.abbreviation());
+  const auto resolved =
+      withLineFeeds(interpreter_.resolveSnippetMacros(std::move(content), snippet.abbreviation()));
   auto fields = fillInMacros(resolved.string()).fields;
   if (fields.empty()) return completion(evaluate(resolved, {}));
 
@@ -20,7 +22,11 @@ void MacroPreparation::prepare(AttributedString content, const QLSnippet& snippe
     if (!answers) return completion(std::nullopt);
     completion(evaluate(resolved, std::move(*answers)));
   };
-  prompt_.ask(std::move(resolved), std::move(fields), life_.guard(std::move(answered)));
+  prompt_.ask(resolved, std::move(fields), life_.guard(std::move(answered)));
+}
+
+void MacroPreparation::callOff() {
+  prompt_.callOff();
 }
 
 PreparedSnippet MacroPreparation::evaluate(const AttributedString& resolved, FillInAnswers answers) const {

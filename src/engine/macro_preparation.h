@@ -18,6 +18,7 @@ class MacroPreparation : public SnippetPreparation {
       : interpreter_(interpreter), prompt_(prompt) {}
 
   void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) override;
+  void callOff() override;
 
  private:
   PreparedSnippet evaluate(const AttributedString& resolved, FillInAnswers answers) const;

@@ -76,6 +76,7 @@ class PasteController {
   void prepare(Request request);
   void insert(PreparedSnippet prepared);
   void callOff();
+  void leaveThePasteboardToTheUser();
   void whenPasteboardIsSaved(std::function<void()> next);
   void fillIn(PreparedSnippet prepared);
   void hideOwnWindows();
@@ -124,12 +125,18 @@ class PasteController {
   std::size_t pieceStart_ = 0;  // of the next piece, in snippetText
 
   bool isExpanding_ = false;
+  bool isAsking_ = false;    // the preparation waits for the user
+  bool isAnswered_ = false;  // the preparation has completed
   std::deque<Request> waiting_;
   Subscription hold_;
 
   bool restoreIsPending_ = false;
   std::uint64_t restoreGeneration_ = 0;  // an older scheduled restore does nothing
   bool pasteboardIsSaved_ = false;
+  std::uint64_t readGeneration_ = 0;  // only the last read counts
+  std::optional<std::int64_t> changeCountOfLastPiece_;
+  bool unhideIsPending_ = false;
+  std::uint64_t unhideGeneration_ = 0;
   std::function<void()> whenPasteboardIsSaved_;
 
   LifeToken life_;

@@ -13,19 +13,10 @@ namespace {
 
 constexpr char16_t kAttachmentCharacter = 0xFFFC;
 
-// Line breaks as Linux applications expect them; pictures have no place in plain text.
-std::u16string plainForm(const std::u16string& text) {
-  std::u16string result;
-  result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == u'\r') {
-      result += u'\n';
-      if (i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-    } else if (text[i] != kAttachmentCharacter) {
-      result += text[i];
-    }
-  }
-  return result;
+// Pictures have no place in plain text.
+std::u16string plainForm(std::u16string text) {
+  std::erase(text, kAttachmentCharacter);
+  return text;
 }
 
 bool isBlank(const std::u16string& text) {

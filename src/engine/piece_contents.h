@@ -9,7 +9,7 @@ enum class SnippetType;
 
 // What a piece of a snippet offers on the pasteboard. Formatted text comes as HTML with its plain form
 // beside it; plain text and code come as plain text alone, so that they take the style of the place
-// where they land; an image snippet offers the picture itself. Carriage returns become line feeds.
+// where they land; an image snippet offers the picture itself.
 PasteboardItem pieceContents(const AttributedString& piece, SnippetType type);
 
 }  // namespace quorlo

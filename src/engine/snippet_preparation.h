@@ -20,6 +20,9 @@ class SnippetPreparation {
 
   // Completes once, during the call or later (after the user has filled in what the snippet asks for).
   virtual void prepare(AttributedString content, const QLSnippet& snippet, Completion completion) = 0;
+
+  // Calls an open question off; its completion is told so later. Leaves the focus where it is.
+  virtual void callOff() = 0;
 };
 
 }  // namespace quorlo

@@ -9,6 +9,7 @@
 #include "engine/fill_in_controller.h"
 #include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
+#include "macros/find_macros.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
@@ -84,7 +85,7 @@ struct Program::Parts {
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};
 
-  PersistenceController persistence{queue, environment};
+  PersistenceController persistence{queue, environment, {.findMacroStrings = findMacroStrings}};
   SettingsController settings{ground->defaults, queue, [this] { return environment.now(); },
                               [this]() -> std::optional<Date> {
                                 const auto user = persistence.currentUser();

@@ -15,7 +15,7 @@ TEST_F(MonitorTest, ADelimiterExpandsAndIsTypedAgainAfterTheSnippet) {
   add(u"sig", u"Kind regards");
   desktop.typeAndWait(u"sig x");
   EXPECT_EQ(desktop.text(), u"Kind regards x");
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"x");
+  EXPECT_EQ(monitor.typedText(), u"x");
 }
 
 TEST_F(MonitorTest, TheDelimiterIsDroppedWhereTheUserWantsItRemoved) {
@@ -35,9 +35,8 @@ TEST_F(MonitorTest, OnlySelectedDelimitersExpand) {
 TEST_F(MonitorTest, ADelimiterThatIsNoResetKeyJoinsTheBuffer) {
   add(u"sig", u"S");
   settings.setAbbreviationDelimiterKey(DelimiterKeys(0x10000));
-  std::u16string buffer;
   desktop.type(u"sig.");
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"sig.");
+  EXPECT_EQ(monitor.typedText(), u"sig.");
 }
 
 TEST_F(MonitorTest, TheLastSymbolExpandsAndNeverReachesTheApplication) {
@@ -45,11 +44,11 @@ TEST_F(MonitorTest, TheLastSymbolExpandsAndNeverReachesTheApplication) {
   useLastSymbol();
   desktop.type(u"sig");
   EXPECT_EQ(desktop.text(), u"si");
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"sig");
+  EXPECT_EQ(monitor.typedText(), u"sig");
   desktop.queue.settle();
   EXPECT_EQ(desktop.text(), u"Kind regards");
   // The paste chord, which holds Command, has emptied it.
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"");
+  EXPECT_EQ(monitor.typedText(), u"");
 }
 
 TEST_F(MonitorTest, WithinAWordTheShortestTailWins) {
@@ -162,7 +161,7 @@ TEST_F(MonitorTest, AForbiddenExpansionLeavesTheBufferAsItWas) {
   const auto snippet = add(u"sig", u"S");
   addFolder(ExpansionBehavior::Disabled, *snippet);
   desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"sig");
+  EXPECT_EQ(monitor.typedText(), u"sig");
 }
 
 TEST_F(MonitorTest, TrashedAndSharedSnippetsNeverExpand) {
@@ -179,7 +178,7 @@ TEST_F(MonitorTest, PostedKeysChangeTheBufferButNeverExpand) {
   const KeyDownEvent space{key::kSpace, 0, u" ", KeyDownEvent::Origin::posted};
   desktop.type(u"sig");
   EXPECT_FALSE(monitor.handleKeyDown(space));
-  EXPECT_EQ(monitor.potentialAbbreviation(), u"");
+  EXPECT_EQ(monitor.typedText(), u"");
   useLastSymbol();
   desktop.type(u"si");
   EXPECT_FALSE(monitor.handleKeyDown({0, 0, u"g", KeyDownEvent::Origin::posted}));

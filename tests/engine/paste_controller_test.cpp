@@ -222,12 +222,62 @@ TEST_F(PasteTest, ASnippetDeletedWhileTheUserFillsItInIsStillInserted) {
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
 }
 
+TEST_F(PasteTest, WhileAQuestionIsOpenThePasteboardIsTheUsers) {
+  add(u"sig", u"S");
+  add(u"ask", u"%textfield:name=who:default=me:textfield% %clipboard%");
+  desktop.type(u"sig ");
+  desktop.queue.advance(Seconds(0.3));  // not yet given back
+  prompt.thinking = Seconds(60);
+  desktop.type(u"ask ");
+  desktop.queue.advance(Seconds(0.06));
+  EXPECT_EQ(desktop.pasteboard.text(), "mine");
+  desktop.pasteboard.copyFromElsewhere("copied while asked");
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.text(), u"S me copied while asked ");
+  EXPECT_EQ(desktop.pasteboard.text(), "copied while asked");
+}
+
+TEST_F(PasteTest, AnExpansionElsewhereCallsAnOpenQuestionOff) {
+  add(u"sig", u"S");
+  add(u"ask", u"%textfield:name=who:default=me:textfield%");
+  prompt.thinking = Seconds(60);
+  desktop.type(u"ask ");
+  desktop.queue.advance(Seconds(1));
+  desktop.launch("org.quorlo.Quorlo");  // the window that asks
+  auto& other = desktop.launch("org.example.Other");
+  desktop.type(u"sig ");
+  desktop.queue.advance(Seconds(1));
+  EXPECT_EQ(other.text, u"S ");
+  desktop.queue.settle();
+  EXPECT_EQ(other.text, u"S ");
+}
+
+TEST_F(PasteTest, APieceThatWasLeftBehindIsNotTakenForTheUsersContents) {
+  desktop.pasteboard.setContents({});
+  add(u"sig", u"S");
+  add(u"q", u"<%clipboard%>");
+  desktop.typeAndWait(u"sig q ");
+  EXPECT_EQ(desktop.text(), u"S <> ");
+}
+
+TEST_F(PasteTest, LineBreaksAreLineFeedsAndCountOnce) {
+  add(u"c", u"%cursor%a\r\nb\rc");
+  desktop.typeAndWait(u"c ");
+  EXPECT_EQ(desktop.text(), u"a\nb\nc ");
+  EXPECT_EQ(desktop.front().caret, 0U);
+}
+
 TEST_F(PasteTest, OurOwnWindowsStepAsideForThePaste) {
   const auto snippet = add(u"sig", u"S");
   ownApplication.openWindow();
   ownApplication.setActivationPolicy(ActivationPolicy::regular);
   paste.pasteSnippet(snippet->text(), snippet, {}, nullptr);
   desktop.queue.advance(Seconds(0.06));
+  EXPECT_FALSE(ownApplication.hasVisibleWindows());
+  // A second snippet before they are back keeps them away.
+  desktop.queue.advance(Seconds(0.25));
+  paste.pasteSnippet(snippet->text(), snippet, {}, nullptr);
+  desktop.queue.advance(Seconds(0.3));
   EXPECT_FALSE(ownApplication.hasVisibleWindows());
   EXPECT_EQ(ownApplication.activationPolicy(), ActivationPolicy::accessory);
   desktop.queue.settle();
@@ -257,7 +307,7 @@ TEST_F(PasteTest, TheLayoutsKeysAreUsedWithTheUsualOnesToFallBackOn) {
 }
 
 TEST(PieceContentsTest, EachTypeOffersWhatSuitsThePlaceWhereItLands) {
-  AttributedString rich(u"bold\r\nline\r");
+  AttributedString rich(u"bold\nline");
   TextAttributes bold;
   bold.bold = true;
   rich.setAttributes({0, 4}, bold);
@@ -266,7 +316,7 @@ TEST(PieceContentsTest, EachTypeOffersWhatSuitsThePlaceWhereItLands) {
 
   const auto plain = pieceContents(rich, SnippetType::plainText);
   EXPECT_EQ(types(plain), Types{"text/plain;charset=utf-8"});
-  EXPECT_EQ(plain.text(), "bold\nline\n");
+  EXPECT_EQ(plain.text(), "bold\nline");
   EXPECT_EQ(types(pieceContents(rich, SnippetType::code)), Types{"text/plain;charset=utf-8"});
   EXPECT_EQ(types(pieceContents(rich, SnippetType::formatted)),
             (Types{"text/html", "text/plain;charset=utf-8"}));

@@ -56,6 +56,12 @@ FakeApplication& FakeDesktop::launch(std::optional<std::string> bundleIdentifier
 void FakeDesktop::activate(FakeApplication* application) {
   active_ = application;
   for (const auto& each : applications_) each->record->isActive = each.get() == application;
+  if (application != nullptr && application->record->bundleIdentifier == own_) {
+    // A window of this program takes over.
+    ++holdGeneration_;
+    holds_ = 0;
+    deliverHeldKeys();
+  }
 }
 
 void FakeDesktop::type(std::u16string_view characters) {
@@ -129,11 +135,14 @@ void FakeDesktop::postKey(KeyCode code, ModifierFlags flags, PostLocation locati
 
 Subscription FakeDesktop::begin() {
   ++holds_;
-  return Subscription([this] { endHold(); });
+  return Subscription([this, generation = holdGeneration_] {
+    if (generation != holdGeneration_) return;
+    --holds_;
+    deliverHeldKeys();
+  });
 }
 
-void FakeDesktop::endHold() {
-  --holds_;
+void FakeDesktop::deliverHeldKeys() {
   while (holds_ == 0 && !held_.empty()) {
     const auto event = std::move(held_.front());
     held_.pop_front();

@@ -118,7 +118,7 @@ class FakeDesktop : public EventTap,
   };
 
   void deliver(const KeyDownEvent& event);
-  void endHold();
+  void deliverHeldKeys();
 
   std::vector<std::unique_ptr<FakeApplication>> applications_;
   FakeApplication* active_ = nullptr;
@@ -127,6 +127,7 @@ class FakeDesktop : public EventTap,
   std::function<void()> mouseHandler_;
   std::deque<KeyDownEvent> held_;
   int holds_ = 0;
+  int holdGeneration_ = 0;  // holds of an earlier one have been ended
   bool trusted_ = true;
   bool refusesTaps_ = false;
   std::optional<KeyCode> vKeyCode_ = key::kV;

@@ -17,7 +17,11 @@ class FakeFillInPrompt : public FillInPrompt {
 
   void ask(AttributedString, std::vector<FillInField> fields, Completion completion) override {
     asked.push_back(std::move(fields));
-    queue_.runAfter(thinking, [this, completion = std::move(completion)] { completion(answers); });
+    completion_ = std::move(completion);
+    queue_.runAfter(thinking, [this] { answer(answers); });
+  }
+  void callOff() override {
+    queue_.run([this] { answer(std::nullopt); });
   }
 
   std::optional<FillInAnswers> answers = FillInAnswers{};
@@ -25,7 +29,12 @@ class FakeFillInPrompt : public FillInPrompt {
   std::vector<std::vector<FillInField>> asked;
 
  private:
+  void answer(std::optional<FillInAnswers> given) {
+    if (const auto completion = std::exchange(completion_, nullptr)) completion(std::move(given));
+  }
+
   MainQueue& queue_;
+  Completion completion_;
 };
 
 }  // namespace quorlo
