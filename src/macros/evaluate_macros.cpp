@@ -107,7 +107,10 @@ class Evaluation {
 
   void addSpecialKey(std::u16string_view macroString) {
     const auto value = valueForArgument(u"value", macroString);
-    if (value && *value != u"combi") return addKey({here(), toUtf8(*value)});
+    if (value && *value != u"combi") {
+      if (specialKeyFromRawValue(*value)) return addKey({here(), toUtf8(*value)});
+      return logWarning("WARNING: #uz84KKlK - " + toUtf8(*value));
+    }
     const auto code = readNumber<KeyCode>(u"code", macroString);
     if (!code) {
       return logWarning("WARNING: #skM7kno - A special key names no key, left out: " + toUtf8(macroString));

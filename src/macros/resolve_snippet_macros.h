@@ -20,7 +20,8 @@ inline constexpr int kNestedSnippetDepth = 2;
 // `used` holds the abbreviations that the text itself came from.
 //
 // A snippet never comes to stand inside itself, directly or through others, but may stand twice side by
-// side; a macro that would break this is removed with a warning, as is one that names no snippet.
+// side; a macro that would break this is removed with a warning; one that names no snippet is
+// removed without.
 // Macros that appear after the last pass stay. What would make the text longer than
 // kLongestResolvedText is left out with a warning.
 AttributedString resolveSnippetMacros(AttributedString text, const std::set<std::u16string>& used, int depth,

@@ -210,8 +210,7 @@ TEST_F(Interpreter, RemovesKeysThatNameNone) {
   }
   EXPECT_EQ(log.count("A special key names no key"), 5U);
   // What presses the keys knows their names and speaks up about others.
-  EXPECT_EQ(evaluated(u"%specialKey:value=Hyper:specialKey%").keys,
-            (std::vector<KeyStep>{{{0, 0}, "Hyper"}}));
+  EXPECT_TRUE(evaluated(u"%specialKey:value=Hyper:specialKey%").keys.empty());
 }
 
 }  // namespace
