@@ -209,8 +209,8 @@ TEST_F(Interpreter, RemovesKeysThatNameNone) {
     EXPECT_TRUE(result.keys.empty()) << toUtf8(arguments);
   }
   EXPECT_EQ(log.count("A special key names no key"), 5U);
-  // What presses the keys knows their names and speaks up about others.
   EXPECT_TRUE(evaluated(u"%specialKey:value=Hyper:specialKey%").keys.empty());
+  EXPECT_EQ(log.count("WARNING: #uz84KKlK - Hyper"), 1U);
 }
 
 }  // namespace
