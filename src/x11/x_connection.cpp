@@ -41,7 +41,7 @@ std::string openingFailure(const std::string& display, int code) {
 
 std::vector<std::uint32_t> XProperty::cardinals() const {
   std::vector<std::uint32_t> result;
-  if (format != 32) return result;
+  if (format != 32 || bytes.empty()) return result;
   result.resize(bytes.size() / sizeof(std::uint32_t));
   std::memcpy(result.data(), bytes.data(), result.size() * sizeof(std::uint32_t));
   return result;
