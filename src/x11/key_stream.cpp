@@ -69,6 +69,14 @@ void KeyStream::drain() {
   output_.flush();
 }
 
+void KeyStream::letGoOthers(const std::vector<XKeycode>& pressed) {
+  const std::lock_guard lock(mutex_);
+  for (const auto keycode : pressed) {
+    if (!down_.contains(keycode)) output_.release(keycode);
+  }
+  output_.flush();
+}
+
 void KeyStream::keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& held) {
   std::vector<std::pair<std::uint16_t, XKeycode>> lost;
   {

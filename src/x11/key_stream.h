@@ -57,6 +57,9 @@ class KeyStream {
   void handle(PhysicalKey key);
   // Judges what waits, until the queue is empty or a hold begins.
   void drain();
+  // Of the keys that applications see as held, those that did not come this way are let go: nobody would
+  // see their release.
+  void letGoOthers(const std::vector<XKeycode>& pressed);
   // Keys that are down no longer, though nobody saw their release: their keyboard was unplugged.
   void keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& held);
 

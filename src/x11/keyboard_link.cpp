@@ -101,23 +101,26 @@ KeyboardLink::Keyboards KeyboardLink::findKeyboards() const {
   return result;
 }
 
-std::size_t KeyboardLink::grabKeyboards() {
+KeyboardLink::Grab KeyboardLink::grabKeyboards() {
   const auto keyboards = findKeyboards();
+  if (keyboards.attached.empty()) return Grab::nothingNew;
+  bool anyGrabbed = false;
   for (const auto device : keyboards.attached) {
-    grabbed_.erase(device);  // a grab that the server ended
     const auto reply = connection_.reply(
         xcb_input_xi_grab_device_reply,
         xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_NONE, device,
                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &kKeyMask));
     if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
       grabbed_.insert(device);
+      anyGrabbed = true;
     } else {
+      grabbed_.erase(device);  // the server ended a grab there was
       logWarning("A keyboard cannot be watched: another program has grabbed it.");
     }
   }
   // Keys come to the applications from the XTEST keyboard now, which has a map of its own.
-  if (!keyboards.attached.empty()) copyKeyboardMap(connection_, keyboards.attached.front(), xtestKeyboard_);
-  return grabbed_.size();
+  copyKeyboardMap(connection_, keyboards.attached.front(), xtestKeyboard_);
+  return anyGrabbed ? Grab::some : Grab::refused;
 }
 
 void KeyboardLink::ungrabKeyboards() {
@@ -165,11 +168,6 @@ std::vector<XKeycode> KeyboardLink::pressedKeys() const {
       pressed.push_back(static_cast<XKeycode>(keycode));
   }
   return pressed;
-}
-
-void KeyboardLink::releaseAllKeys() {
-  for (const auto keycode : pressedKeys()) release(keycode);
-  flush();
 }
 
 std::vector<XKeycode> KeyboardLink::pressedModifiers() const {

@@ -31,14 +31,15 @@ class KeyboardLink : public KeyStream::Output {
 
   void selectEvents();
 
-  // Grabs the keyboards that are not grabbed yet; how many are grabbed now.
-  std::size_t grabKeyboards();
+  enum class Grab { nothingNew, some, refused };
+  // Grabs the keyboards that are not grabbed yet. Refused when there are some and none can be grabbed.
+  Grab grabKeyboards();
   void ungrabKeyboards();
   bool isGrabbed(Device device) const { return grabbed_.contains(device); }
   // All keys down on the physical keyboards.
   HeldKeys heldKeys() const;
-  // Lets go what applications see as held.
-  void releaseAllKeys();
+  // What applications see as held.
+  std::vector<XKeycode> pressedKeys() const;
   // Lets go what is held by XTEST alone.
   void releaseXtestKeys();
   // What applications see as held of the keys that change what others do.
@@ -73,7 +74,6 @@ class KeyboardLink : public KeyStream::Output {
   };
   Keyboards findKeyboards() const;
   bool isXtest(Device device) const;
-  std::vector<XKeycode> pressedKeys() const;
   void appendHeldKeys(Device device, HeldKeys& held) const;
 
   XConnection& connection_;

@@ -76,10 +76,14 @@ void KeyboardSession::endTap() {
   tapping_ = false;
   loop_.postAndWait(
       [this] {
-        grabbing_ = false;
-        stream_->end();
         link_.ungrabKeyboards();
         connection_->sync();
+        // What was typed until then still goes to the applications.
+        while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) handleEvent(*event);
+        stream_->endHold();
+        stream_->drain();
+        grabbing_ = false;
+        stream_->end();
         conversation_.reset();
         guard_.reset();
       },
@@ -87,9 +91,9 @@ void KeyboardSession::endTap() {
 }
 
 bool KeyboardSession::takeKeyboards() {
-  if (link_.grabKeyboards() == 0) return false;
+  if (link_.grabKeyboards() == KeyboardLink::Grab::refused) return false;
   handleMapChange(false);
-  link_.releaseAllKeys();
+  stream_->letGoOthers(link_.pressedKeys());
   stream_->begin(link_.heldKeys());
   return true;
 }
@@ -117,9 +121,11 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
     if (guard_ && change.key->kind == PhysicalKey::Kind::press) guard_->answered(change.time);
   }
   if (change.keyboardsChanged && grabbing_) {
-    link_.grabKeyboards();
+    const auto grab = link_.grabKeyboards();
     const auto held = link_.heldKeys();
     stream_->keepOnly({held.begin(), held.end()});
+    // A new keyboard may have been typed on before it was grabbed.
+    if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
   }
   if (change.mapChanged || change.onlyKeysymsChanged) handleMapChange(!change.mapChanged);
   if (change.locks && stream_) {

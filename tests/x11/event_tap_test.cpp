@@ -4,6 +4,7 @@
 #include "x11/x11_event_poster.h"
 
 #include <gtest/gtest.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace quorlo {
 namespace {
@@ -237,6 +238,21 @@ TEST(KeyboardPlugTest, AKeyboardThatIsUnpluggedLetsItsKeysGoAndIsWatchedAgainWhe
   })) << keyboard.seenText;
 }
 
+TEST(KeyboardPlugTest, AServerThatGoesAwayIsReportedOnceAndEverythingGoesOnQuietly) {
+  VirtualDesktop desktop;
+  KeyboardDesktop keyboard(desktop);
+  ASSERT_TRUE(keyboard.startTap());
+  desktop.server().stop();
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return keyboard.connectionsLost == 1; }));
+  keyboard.service->beginHold();
+  keyboard.service->post([](KeyStream::Output& output) { output.press(38); });
+  EXPECT_EQ(keyboard.service->map(), nullptr);
+  keyboard.service->endHold();
+  keyboard.stopTap();
+  EXPECT_FALSE(keyboard.startTap());
+  EXPECT_EQ(keyboard.connectionsLost, 1);
+}
+
 TEST_F(EventTapTest, AltGrDeadKeysAndComposeAreReadAsTheyAreTyped) {
   ASSERT_TRUE(keyboard.startTap());
   desktop_->setLayout("de");
@@ -267,6 +283,43 @@ TEST_F(EventTapTest, ASwallowedEndOfACompositionLeavesNothingBehind) {
   EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("\u00E9<BackSpace>x"); }))
       << window.log();
   EXPECT_EQ(keyboard.seenText, "\u00E9x");
+}
+
+TEST_F(EventTapTest, KeysKeepTheLayoutOfTheirKeyboardThoughXtestHasAnother) {
+  for (const auto* name : {XorgServer::kKeyboardSocket, XorgServer::kSecondKeyboardSocket}) {
+    runProgram({.words = {"setxkbmap", "-device", std::to_string(deviceNamed(*desktop_, name)), "de"},
+                .variables = desktop_->variables(),
+                .output = {}});
+  }
+  ASSERT_TRUE(keyboard.startTap());
+  keys().tap(29);  // Y on a US keyboard
+  ASSERT_TRUE(keyboard.pumpUntil([&] { return keyboard.seenText == "z" && !window.log().empty(); }));
+  window.clear();  // reads the map that the session has now
+  keys().tap(29);
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("z"); })) << window.log();
+}
+
+TEST_F(EventTapTest, ThePasteChordFitsTheApplicationAndTheLayout) {
+  const auto pasteChord = [&] {
+    window.clear();
+    poster.postKey(key::kV, modifier::kLeftCommandEvent, PostLocation::session, 1);
+    keyboard.pumpUntil([&] { return window.log().ends_with("_L>"); });
+    return window.typed();
+  };
+  EXPECT_EQ(pasteChord(), "<Control_L>v");
+  active.windowClass = "XTerm";
+  EXPECT_EQ(pasteChord(), "<Shift_L><Insert>");
+  active.windowClass.clear();
+  const auto setLayout = [&](const std::string& name, XKeycode keyOfV) {
+    desktop_->setLayout(name);
+    return keyboard.pumpUntil([&] { return keyboard.service->map()->keyFor(XKB_KEY_v, 0) == keyOfV; });
+  };
+  ASSERT_TRUE(setLayout("us(dvorak)", 60));
+  EXPECT_EQ(pasteChord(), "<Control_L>v");
+  ASSERT_TRUE(setLayout("ru", 0));
+  EXPECT_EQ(pasteChord(), "<Shift_L><Insert>") << "no key has a v";
+  EXPECT_EQ(pastes, (std::vector{PasteSelection::clipboard, PasteSelection::clipboardAndPrimary,
+                                 PasteSelection::clipboard, PasteSelection::clipboard}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
+#include <stdexcept>
 
 namespace quorlo {
 
@@ -81,7 +82,7 @@ void KeyWindow::read() {
   }
 }
 
-void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled) {
+std::uint16_t deviceNamed(const VirtualDesktop& desktop, const std::string& name) {
   const auto connection = std::move(XConnection::open(desktop.display())).value();
   connection->reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(connection->get(), 2, 2));
   const auto devices =
@@ -90,11 +91,16 @@ void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, 
        xcb_input_xi_device_info_next(&it)) {
     const std::string found(xcb_input_xi_device_info_name(it.data),
                             static_cast<std::size_t>(xcb_input_xi_device_info_name_length(it.data)));
-    if (found != name) continue;
-    const std::uint8_t value = enabled ? 1 : 0;
-    xcb_input_xi_change_property(connection->get(), it.data->deviceid, XCB_PROP_MODE_REPLACE, 8,
-                                 connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, &value);
+    if (found == name) return it.data->deviceid;
   }
+  throw std::runtime_error("No device is named " + name);
+}
+
+void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled) {
+  const auto connection = std::move(XConnection::open(desktop.display())).value();
+  const std::uint8_t value = enabled ? 1 : 0;
+  xcb_input_xi_change_property(connection->get(), deviceNamed(desktop, name), XCB_PROP_MODE_REPLACE, 8,
+                               connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, &value);
   connection->sync();
 }
 

@@ -8,6 +8,7 @@
 #include "x11/pumped_queue.h"
 #include "x11/x_connection.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -37,6 +38,9 @@ class KeyWindow {
   std::unique_ptr<KeyReader> reader_;
   std::string typed_, log_;
 };
+
+// The number that the server gave to a device.
+std::uint16_t deviceNamed(const VirtualDesktop& desktop, const std::string& name);
 
 // As when the keyboard is plugged in or out.
 void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled);
