@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -33,7 +34,7 @@ namespace quorlo {
 namespace {
 
 constexpr std::size_t kLongestPreview = 20'000;
-// Enough to fill any screen at once; a snippet with thousands gets the others while the window is there.
+// Enough to fill any screen. A snippet with thousands gets the next ones when the user comes near them.
 constexpr std::size_t kFieldsAtOnce = 40;
 constexpr int kPreviewLines = 7;
 constexpr double kTransparentOpacity = 0.95;
@@ -80,6 +81,7 @@ class FillInWindow::Dialog : public QDialog {
     connect(buttons_, &QDialogButtonBox::rejected, this, [this] { decide(Outcome::cancel); });
     hint_->setEnabled(false);
     connect(qApp, &QApplication::focusChanged, this, [this] {
+      if (!inputs_.empty() && focusWidget() == inputs_.back()) addFields();
       showHint();
       markPlaces();
     });
@@ -96,24 +98,23 @@ class FillInWindow::Dialog : public QDialog {
 
     previewTimer_.setSingleShot(true);
     connect(&previewTimer_, &QTimer::timeout, this, [this] { showPreview(); });
-    fieldsTimer_.setSingleShot(true);
-    connect(&fieldsTimer_, &QTimer::timeout, this, [this] { addFields(); });
+    const auto* const bar = area_->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) {
+      if (session_ && value + bar->pageStep() > bar->maximum()) addFields();
+    });
     winId();  // the display server's window
   }
 
   void open(FillInSession& session, std::function<void(Outcome)> done) {
-    hide();
+    release();
     session_ = &session;
     done_ = std::move(done);
     notice_->hide();
     insert_->setText(localizedText(u"Insert"));
     cancel_->setText(localizedText(u"Cancel"));
 
-    inputs_.clear();
     auto* const page = new QWidget;
-    form_ = new QFormLayout(page);
-    form_->setRowWrapPolicy(QFormLayout::WrapLongRows);
-    form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    groups_ = new QVBoxLayout(page);
     area_->setWidget(page);
     addFields();
 
@@ -142,10 +143,13 @@ class FillInWindow::Dialog : public QDialog {
 
   void release() {
     previewTimer_.stop();
-    fieldsTimer_.stop();
     hide();
     done_ = nullptr;
     session_ = nullptr;
+    inputs_.clear();
+    places_.clear();
+    // It may be in the middle of a key press.
+    if (auto* const page = area_->takeWidget()) page->deleteLater();
   }
 
  protected:
@@ -165,9 +169,17 @@ class FillInWindow::Dialog : public QDialog {
     if (const auto done = std::exchange(done_, nullptr)) done(outcome);
   }
 
+  // In groups with layouts of their own, since Qt lays out again with each widget that is shown.
   void addFields() {
+    const auto first = inputs_.size();
+    const auto end = std::min(session_->fields().size(), first + kFieldsAtOnce);
+    if (first == end) return;
     const FillInFieldEvents events{[this] { changePreview(); }, [this] { decide(Outcome::insert); }};
-    const auto end = std::min(session_->fields().size(), inputs_.size() + kFieldsAtOnce);
+    auto* const group = new QWidget;
+    auto* const form = new QFormLayout(group);
+    form->setContentsMargins(0, 0, 0, 0);
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     while (inputs_.size() < end) {
       const auto field = inputs_.size();
       auto* const input = makeFieldInput(*session_, field, events);
@@ -175,10 +187,11 @@ class FillInWindow::Dialog : public QDialog {
       label->setTextFormat(Qt::PlainText);
       label->setWordWrap(true);
       label->setBuddy(input);
-      form_->addRow(label, input);
+      form->addRow(label, input);
       inputs_.push_back(input);
     }
-    if (end < session_->fields().size()) fieldsTimer_.start(0);
+    groups_->addWidget(group);
+    for (auto i = std::max<std::size_t>(first, 1); i < end; ++i) setTabOrder(inputs_[i - 1], inputs_[i]);
   }
 
   void showPreview() {
@@ -244,8 +257,8 @@ class FillInWindow::Dialog : public QDialog {
     if (settings_.previewWindowPosition() == PreviewWindowPosition::nextToCursor) {
       corner = pointer + QPoint(line, line);
     }
-    move(std::clamp(corner.x(), room.left(), std::max(room.left(), room.right() - width)),
-         std::clamp(corner.y(), room.top(), std::max(room.top(), room.bottom() - height - frame)));
+    move(std::clamp(corner.x(), room.left(), std::max(room.left(), room.right() - width - line)),
+         std::clamp(corner.y(), room.top(), std::max(room.top(), room.bottom() + 1 - height - frame)));
   }
 
   const SettingsController& settings_;
@@ -253,7 +266,7 @@ class FillInWindow::Dialog : public QDialog {
   std::function<void(Outcome)> done_;
   QLabel* notice_ = new QLabel;
   FieldsArea* area_ = new FieldsArea;
-  QFormLayout* form_ = nullptr;                        // anew for each session
+  QVBoxLayout* groups_ = nullptr;                      // of fields, anew for each session
   std::vector<QWidget*> inputs_;                       // by field
   std::vector<FillInSession::Reading::Place> places_;  // in the preview
   QLabel* previewLabel_ = new QLabel;
@@ -263,7 +276,6 @@ class FillInWindow::Dialog : public QDialog {
   QPushButton* insert_ = nullptr;
   QPushButton* cancel_ = nullptr;
   QTimer previewTimer_;
-  QTimer fieldsTimer_;
 };
 
 FillInWindow::FillInWindow(const SettingsController& settings)
