@@ -32,7 +32,8 @@ class [[nodiscard]] Result {
     assert(ok());
     return *std::get_if<0>(&state_);
   }
-  T&& value() && {
+  // By value, so that a loop over the value of a temporary is safe.
+  T value() && {
     assert(ok());
     return std::move(*std::get_if<0>(&state_));
   }
