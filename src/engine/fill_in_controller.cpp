@@ -63,10 +63,14 @@ void FillInController::showClipboard() {
 // the insertion takes over the hold.
 void FillInController::decide(FillInView::Outcome outcome) {
   hold_ = use_.typedKeys.begin();
-  use_.focus.giveBack(question_->guard([this, outcome](bool isActive) { end(outcome, isActive); }));
+  // A key that is already on its way to the window must not change them.
+  auto answers = session_->answers();
+  use_.focus.giveBack(question_->guard([this, outcome, answers = std::move(answers)](bool isActive) mutable {
+    end(outcome, std::move(answers), isActive);
+  }));
 }
 
-void FillInController::end(FillInView::Outcome outcome, bool targetIsActive) {
+void FillInController::end(FillInView::Outcome outcome, FillInAnswers answers, bool targetIsActive) {
   const auto completion = std::exchange(completion_, nullptr);
   const auto hold = std::move(hold_);
   if (outcome == FillInView::Outcome::insert && !targetIsActive) {
@@ -76,9 +80,9 @@ void FillInController::end(FillInView::Outcome outcome, bool targetIsActive) {
     return completion(std::nullopt);
   }
   use_.view.close();
-  const auto session = std::move(session_);
+  session_.reset();
   if (outcome == FillInView::Outcome::cancel) return completion(std::nullopt);
-  completion(session->answers());
+  completion(std::move(answers));
 }
 
 void FillInController::offerCopy() {

@@ -46,7 +46,7 @@ class FillInController : public FillInPrompt {
  private:
   void showClipboard();
   void decide(FillInView::Outcome outcome);
-  void end(FillInView::Outcome outcome, bool targetIsActive);
+  void end(FillInView::Outcome outcome, FillInAnswers answers, bool targetIsActive);
   void offerCopy();
   void copyText();
 

@@ -141,6 +141,7 @@ TEST_F(FillInControllerTest, HandsOverTheAnswersOnceTheUsersWindowIsBackAndHolds
   EXPECT_FALSE(desktop.holdsKeys()) << "keys belong to the window";
   view.session->setText(0, u"Ada");
   view.done(FillInView::Outcome::insert);
+  view.session->setText(0, u"Ada!");  // by a key typed too late
   EXPECT_TRUE(desktop.holdsKeys());
   EXPECT_EQ(completions, 0);
   desktop.queue.settle();
