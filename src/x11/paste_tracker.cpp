@@ -91,6 +91,12 @@ bool PasteTracker::hasOpenPaste() const {
   return !pastes_.empty();
 }
 
+bool PasteTracker::hasOpenPasteInto(const ClientIdentity& target) const {
+  const std::lock_guard lock(mutex_);
+  return std::ranges::any_of(pastes_,
+                             [&](const Paste& paste) { return paste.target.isSameProgramAs(target); });
+}
+
 bool PasteTracker::hasOpenPasteFromPrimary() const {
   const std::lock_guard lock(mutex_);
   return std::ranges::any_of(

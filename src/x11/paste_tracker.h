@@ -25,9 +25,10 @@ class SelectionOffer;
 // posted, even if the pasteboard holds something else by now.
 //
 // A reader that asks for contents (not for the list of targets, a timestamp or a marker) reads its oldest
-// paste; the same target asked for again is the next paste's read. One paste may read several targets:
-// Chromium takes the text and then the HTML. Other programs' reads count for nothing: a clipboard manager
-// asks before the target does.
+// paste. One paste may read several targets, and some programs read each of them several times (Chromium
+// takes the text four times); others (GTK, Qt, xterm) read once. So the next chord had better wait until the
+// paste before is over; where it did not, the same target asked for again is the next paste's read.
+// Other programs' reads count for nothing: a clipboard manager asks before the target does.
 //
 // The first group of operations may be used from any thread, the second is the pasteboard's own.
 class PasteTracker {
@@ -65,6 +66,7 @@ class PasteTracker {
   void delivered(PasteId paste, Instant now);   // the contents were taken whole
 
   bool hasOpenPaste() const;
+  bool hasOpenPasteInto(const ClientIdentity& target) const;
   bool hasOpenPasteFromPrimary() const;
   // Closes what is over; when to call it next.
   std::optional<Instant> closeFinished(Instant now);

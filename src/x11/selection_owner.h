@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorlo {
@@ -32,6 +33,8 @@ class SelectionOwner {
   // Takes the selection. When it returns the server knows; false when another program was quicker. An
   // empty offer is owned all the same: everything asked of it is refused.
   bool take(xcb_atom_t selection, Offer offer);
+  // Offers other contents without telling the programs that watch the selection. Only while owned.
+  void replaceQuietly(xcb_atom_t selection, Offer offer) { owned_.at(selection).offer = std::move(offer); }
   void giveUp(xcb_atom_t selection);
   bool owns(xcb_atom_t selection) const { return owned_.contains(selection); }
   Offer offer(xcb_atom_t selection) const;  // null while not owned

@@ -99,9 +99,29 @@ void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection se
     closeFinishedPastes();
     done();
   };
-  if (selection == PasteSelection::clipboard) return announce();
-  if (primarySaved_) return announce();
-  savePrimary(kLateSaveBudget, announce);
+  inTurn(client, [this, selection, announce] {
+    if (selection == PasteSelection::clipboard || primarySaved_) return announce();
+    savePrimary(kLateSaveBudget, announce);
+  });
+}
+
+void SelectionServer::inTurn(const ClientIdentity& target, std::function<void()> task) {
+  const auto now = XEventLoop::Clock::now();
+  tracker_.closeFinished(now);
+  if (!tracker_.hasOpenPasteInto(target)) return task();
+  waiting_.push_back({target, now + kTurnPatience, std::move(task)});
+  loop_.runAt(now + kTurnPatience, [this] { runWhatIsInTurn(); });
+}
+
+void SelectionServer::runWhatIsInTurn() {
+  const auto now = XEventLoop::Clock::now();
+  while (!waiting_.empty()) {
+    auto& first = waiting_.front();
+    if (tracker_.hasOpenPasteInto(first.target) && now < first.until) return;
+    const auto task = std::move(first.task);
+    waiting_.erase(waiting_.begin());
+    task();
+  }
 }
 
 void SelectionServer::handOver(std::function<void()> done) {
@@ -132,6 +152,9 @@ void SelectionServer::closeFinishedPastes() {
   if (const auto next = tracker_.closeFinished(PasteTracker::Clock::now())) {
     pasteTimer_ = loop_.runAt(*next, [this] { closeFinishedPastes(); });
   }
+  if (announcementIsDue_ && !tracker_.hasOpenPaste() && owner_.owns(clipboard_))
+    setClipboard(clipboardOffer());
+  runWhatIsInTurn();
   if (!savedPrimary_ && owner_.owns(XCB_ATOM_PRIMARY) && !tracker_.hasOpenPasteFromPrimary()) {
     owner_.giveUp(XCB_ATOM_PRIMARY);
   }

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace quorlo {
 
@@ -30,6 +31,8 @@ class SelectionServer {
 
   void handleEvent(const xcb_generic_event_t& event);
 
+  // New contents for all but the targets of open pastes. The other programs are told of them at once, or
+  // when the last open paste is over.
   void setClipboard(Offer offer);
   // Null when the clipboard is not this program's.
   Offer clipboardOffer() const { return owner_.offer(clipboard_); }
@@ -37,7 +40,9 @@ class SelectionServer {
 
   // Copies PRIMARY, so that it can be borrowed without delay. `done` is called once.
   void savePrimary(std::chrono::milliseconds atMost, std::function<void()> done);
-  // See X11Pasteboard::pasteWillBePosted. `done` is called when the chord may be posted.
+  // See X11Pasteboard::pasteWillBePosted. `done` is called when the chord may be posted: at the latest
+  // after kTurnPatience and the time that saving PRIMARY may take.
+  static constexpr std::chrono::milliseconds kTurnPatience{1000};
   void announcePaste(const PasteTarget& target, PasteSelection selection, std::function<void()> done);
 
   // Hands the clipboard to the desktop's clipboard manager, if there is one, so that it outlives this
@@ -52,6 +57,9 @@ class SelectionServer {
   void watch(xcb_atom_t selection);
   void ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since);
   void closeFinishedPastes();
+  // Runs the task once no earlier paste into the program is open, or the patience is at its end.
+  void inTurn(const ClientIdentity& target, std::function<void()> task);
+  void runWhatIsInTurn();
 
   XConnection& x_;
   XEventLoop& loop_;
@@ -64,8 +72,16 @@ class SelectionServer {
   std::atomic<std::int64_t> foreignChanges_ = 0;
   bool primarySaved_ = false;
   Offer savedPrimary_;  // null when PRIMARY was empty
+  bool announcementIsDue_ = false;
   XEventLoop::TimerId pasteTimer_ = 0;
   std::function<void()> handedOver_;
+
+  struct Waiting {
+    ClientIdentity target;
+    XEventLoop::Clock::time_point until;
+    std::function<void()> task;
+  };
+  std::vector<Waiting> waiting_;
 };
 
 }  // namespace quorlo

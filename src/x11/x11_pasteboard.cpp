@@ -17,6 +17,7 @@ using std::chrono_literals::operator""ms;
 constexpr auto kAnswerBudget = 1000ms;
 constexpr auto kReadPrimaryBudget = 1000ms;
 constexpr auto kHandOverBudget = 1500ms;
+constexpr auto kAnnouncementBudget = SelectionServer::kTurnPatience + kAnswerBudget;
 
 }  // namespace
 
@@ -156,7 +157,7 @@ void X11Pasteboard::pasteWillBePosted(const PasteTarget& target, PasteSelection 
   loop_.post([this, target, selection, done] {
     server_.announcePaste(target, selection, [done] { done->set_value(); });
   });
-  done->get_future().wait_for(kAnswerBudget);
+  done->get_future().wait_for(kAnnouncementBudget);
 }
 
 // On the pasteboard's thread.

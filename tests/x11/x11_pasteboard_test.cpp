@@ -14,6 +14,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -245,6 +246,33 @@ TEST_F(X11PasteboardTest, ServesThePieceToItsTargetAlthoughTheClipboardHasBeenRe
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
   EXPECT_TRUE(everythingIsRead());
   EXPECT_TRUE(waitUntil([&] { return target_.readText(kClipboard, "STRING") == "restored"; }));
+}
+
+TEST_F(X11PasteboardTest, NobodyIsToldOfNewContentsBeforeTheTargetHasReadThePiece) {
+  auto watcher = std::move(X11Pasteboard::connect(display(), queue_, {})).value();
+  pasteboard_->setContents(text("piece"));
+  ASSERT_TRUE(waitUntil([&] { return watcher->changeCount() == 1; }));
+  pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
+  pasteboard_->setContents(text("restored"));
+  EXPECT_EQ(readElsewhere("clipboard"), "restored");
+  EXPECT_EQ(watcher->changeCount(), 1);
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
+  EXPECT_TRUE(waitUntil([&] { return watcher->changeCount() == 2; }));
+}
+
+TEST_F(X11PasteboardTest, TheNextChordWaitsUntilThePasteBeforeIsOver) {
+  pasteboard_->setContents(text("first"));
+  pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
+  std::vector<std::optional<std::string>> got;
+  std::thread reader([&] {
+    // As Chromium does.
+    for (int i = 0; i < 3; ++i) got.push_back(target_.readText(kClipboard, kUtf8));
+  });
+  pasteboard_->setContents(text("second"));
+  pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
+  reader.join();
+  EXPECT_THAT(got, ElementsAre("first", "first", "first"));
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "second");
 }
 
 TEST_F(X11PasteboardTest, CountsALargePieceAsReadWhenItsLastPartIs) {
