@@ -98,9 +98,10 @@ std::uint16_t deviceNamed(const VirtualDesktop& desktop, const std::string& name
 
 void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled) {
   const auto connection = std::move(XConnection::open(desktop.display())).value();
-  const std::uint8_t value = enabled ? 1 : 0;
+  const std::array<std::uint8_t, 4> value{enabled ? std::uint8_t{1}
+                                                  : std::uint8_t{0}};  // xcb sends whole words
   xcb_input_xi_change_property(connection->get(), deviceNamed(desktop, name), XCB_PROP_MODE_REPLACE, 8,
-                               connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, &value);
+                               connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, value.data());
   connection->sync();
 }
 
