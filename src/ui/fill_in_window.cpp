@@ -246,6 +246,7 @@ class FillInWindow::Dialog : public QDialog {
     const QPoint pointer = QCursor::pos();
     const auto* screen = QGuiApplication::screenAt(pointer);
     if (!screen) screen = QGuiApplication::primaryScreen();
+    area_->updateGeometry();  // it does not notice by itself what its widget needs
     const QRect room = screen->availableGeometry();
     const int line = fontMetrics().lineSpacing();
     const int frame = 2 * line;  // the title bar, whose height is known only once the window is there
