@@ -249,15 +249,14 @@ TEST_F(X11PasteboardTest, ServesThePieceToItsTargetAlthoughTheClipboardHasBeenRe
 }
 
 TEST_F(X11PasteboardTest, NobodyIsToldOfNewContentsBeforeTheTargetHasReadThePiece) {
-  auto watcher = std::move(X11Pasteboard::connect(display(), queue_, {})).value();
   pasteboard_->setContents(text("piece"));
-  ASSERT_TRUE(waitUntil([&] { return watcher->changeCount() == 1; }));
+  const auto watcher = std::move(X11Pasteboard::connect(display(), queue_, {})).value();
   pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
   pasteboard_->setContents(text("restored"));
   EXPECT_EQ(readElsewhere("clipboard"), "restored");
-  EXPECT_EQ(watcher->changeCount(), 1);
+  EXPECT_EQ(watcher->changeCount(), 0);
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
-  EXPECT_TRUE(waitUntil([&] { return watcher->changeCount() == 2; }));
+  EXPECT_TRUE(waitUntil([&] { return watcher->changeCount() == 1; }));
 }
 
 TEST_F(X11PasteboardTest, TheNextChordWaitsUntilThePasteBeforeIsOver) {
