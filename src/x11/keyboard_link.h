@@ -18,7 +18,8 @@ namespace quorlo {
 // device, through which keys are pressed for the applications. Physical keyboards that are grabbed float:
 // applications see nothing of them, and nothing that is done to the session's keyboard reaches them.
 //
-// Any thread, one at a time.
+// Keyboards are grabbed, shared with and asked for by one thread; keys may be pressed, and the map, the locks
+// and what is pressed be asked for, from any.
 class KeyboardLink : public KeyStream::Output {
  public:
   using Device = std::uint16_t;
@@ -26,7 +27,7 @@ class KeyboardLink : public KeyStream::Output {
 
   explicit KeyboardLink(XConnection& connection);
 
-  // Null when the server has what it takes, else what is missing, for the user.
+  // What the server lacks, for the user; absent when it has all.
   const std::optional<Error>& problem() const { return problem_; }
 
   void selectEvents();
