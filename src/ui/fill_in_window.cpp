@@ -115,6 +115,7 @@ class FillInWindow::Dialog : public QDialog {
 
     auto* const page = new QWidget;
     groups_ = new QVBoxLayout(page);
+    groups_->setContentsMargins(0, 0, 0, 0);
     area_->setWidget(page);
     addFields();
 
