@@ -17,7 +17,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <ranges>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -81,7 +80,8 @@ class FillInMeter {
       last = Clock::now();
       picture = std::move(now);
     }
-    if (std::ranges::count(picture, picture.front()) == std::ranges::ssize(picture)) {
+    constexpr int kBytesPerPixel = 4;
+    if (std::equal(picture.begin() + kBytesPerPixel, picture.end(), picture.begin())) {
       throw std::runtime_error("the fill-in window shows no labels");
     }
     return last;
