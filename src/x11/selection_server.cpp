@@ -65,7 +65,16 @@ void SelectionServer::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void SelectionServer::setClipboard(Offer offer) {
-  owner_.take(clipboard_, std::move(offer));
+  // A target that hears of a new clipboard while it is pasting may drop the paste, as Chromium does.
+  if (tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
+    owner_.replaceQuietly(clipboard_, std::move(offer));
+    announcementIsDue_ = true;
+    return;
+  }
+  announcementIsDue_ = false;
+  if (!owner_.take(clipboard_, std::move(offer)) && !x_.lost()) {
+    logWarning("WARNING: #x11sS1; Another program took the clipboard while it was being set.");
+  }
 }
 
 void SelectionServer::readClipboard(SelectionReader::Completion completion) {
@@ -107,7 +116,7 @@ void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection se
 
 void SelectionServer::inTurn(const ClientIdentity& target, std::function<void()> task) {
   const auto now = XEventLoop::Clock::now();
-  tracker_.closeFinished(now);
+  closeFinishedPastes();
   if (!tracker_.hasOpenPasteInto(target)) return task();
   waiting_.push_back({target, now + kTurnPatience, std::move(task)});
   loop_.runAt(now + kTurnPatience, [this] { runWhatIsInTurn(); });
