@@ -1,4 +1,5 @@
 #include "program/command_line.h"
+#include "program/lost_display_notice.h"
 #include "program/program.h"
 #include "program/settings_command.h"
 #include "program/termination_signals.h"
@@ -41,5 +42,8 @@ int main(int argc, char** argv) {
   const auto program = Program::start(
       {commandLine.library, commandLine.abbreviations, [](int status) { QCoreApplication::exit(status); }});
   if (!program) return complain(program.error());
-  return QCoreApplication::exec();
+  sayWhenTheDisplayIsLost();
+  const int status = QCoreApplication::exec();
+  theEventLoopHasEnded();
+  return status;
 }

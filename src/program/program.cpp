@@ -11,6 +11,7 @@
 #include "engine/paste_controller.h"
 #include "macros/find_macros.h"
 #include "macros/ql_snippet_macro_interpreter.h"
+#include "program/lost_display_notice.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
 #include "store/library_document.h"
@@ -126,7 +127,7 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
   desktopOptions.terminalsFile = ground->environment.configDirectory() / "terminals";
   desktopOptions.guardProgram = ground->programDirectory / "quorlo-keyboard-guard";
   desktopOptions.connectionLost = [quit = options.quit] {
-    logError("The connection to the X server is lost. Start Quorlo again when the display is back.");
+    sayThatTheDisplayIsLost();
     quit(1);
   };
   auto desktop = X11Desktop::connect(desktopOptions, ground->queue);
