@@ -36,6 +36,7 @@ namespace {
 constexpr std::size_t kLongestPreview = 20'000;
 // Enough to fill any screen. A snippet with thousands gets the next ones when the user comes near them.
 constexpr std::size_t kFieldsAtOnce = 40;
+constexpr int kLongLabel = 24;  // in characters; with a longer one labels stand above their fields
 constexpr int kPreviewLines = 7;
 constexpr double kTransparentOpacity = 0.95;
 
@@ -53,7 +54,15 @@ class FieldsArea : public QScrollArea {
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
   }
-  QSize sizeHint() const override { return widget() ? widget()->sizeHint() : QScrollArea::sizeHint(); }
+  void fitWidth(int width) {
+    const int height = widget()->layout()->totalHeightForWidth(width);
+    hint_ = {width, height >= 0 ? height : widget()->sizeHint().height()};
+    updateGeometry();
+  }
+  QSize sizeHint() const override { return hint_; }
+
+ private:
+  QSize hint_;
 };
 
 }  // namespace
@@ -179,18 +188,22 @@ class FillInWindow::Dialog : public QDialog {
     auto* const group = new QWidget;
     auto* const form = new QFormLayout(group);
     form->setContentsMargins(0, 0, 0, 0);
-    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    int widestLabel = 0;
     while (inputs_.size() < end) {
       const auto field = inputs_.size();
       auto* const input = makeFieldInput(*session_, field, events);
       auto* const label = new QLabel(labelOfField(*session_, field));
+      widestLabel = std::max(widestLabel, label->sizeHint().width());
       label->setTextFormat(Qt::PlainText);
       label->setWordWrap(true);
       label->setBuddy(input);
       form->addRow(label, input);
       inputs_.push_back(input);
     }
+    form->setRowWrapPolicy(widestLabel > fontMetrics().averageCharWidth() * kLongLabel
+                               ? QFormLayout::WrapAllRows
+                               : QFormLayout::DontWrapRows);
     groups_->addWidget(group);
     for (auto i = std::max<std::size_t>(first, 1); i < end; ++i) setTabOrder(inputs_[i - 1], inputs_[i]);
   }
@@ -247,11 +260,12 @@ class FillInWindow::Dialog : public QDialog {
     const QPoint pointer = QCursor::pos();
     const auto* screen = QGuiApplication::screenAt(pointer);
     if (!screen) screen = QGuiApplication::primaryScreen();
-    area_->updateGeometry();  // it does not notice by itself what its widget needs
     const QRect room = screen->availableGeometry();
     const int line = fontMetrics().lineSpacing();
     const int frame = 2 * line;  // the title bar, whose height is known only once the window is there
     const int width = std::min(30 * line, room.width());
+    const auto margins = layout()->contentsMargins();
+    area_->fitWidth(width - margins.left() - margins.right());
     const int height = std::min(layout()->totalSizeHint().height(), room.height() - frame);
     resize(width, height);
 
