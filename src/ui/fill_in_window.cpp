@@ -114,7 +114,7 @@ class FillInWindow::Dialog : public QDialog {
     winId();  // the display server's window
   }
 
-  void open(FillInSession& session, std::function<void(Outcome)> done) {
+  void showSession(FillInSession& session, std::function<void(Outcome)> done) {
     release();
     session_ = &session;
     done_ = std::move(done);
@@ -300,7 +300,7 @@ FillInWindow::FillInWindow(const SettingsController& settings)
 FillInWindow::~FillInWindow() = default;
 
 void FillInWindow::open(FillInSession& session, std::function<void(Outcome)> done) {
-  dialog_->open(session, std::move(done));
+  dialog_->showSession(session, std::move(done));
 }
 
 void FillInWindow::refreshPreview() {

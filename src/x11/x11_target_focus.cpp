@@ -2,17 +2,15 @@
 
 #include "x11/x11_workspace.h"
 
+#include <chrono>
 #include <utility>
 
 namespace quorlo {
 namespace {
 
-using std::chrono_literals::operator""ms;
-using std::chrono_literals::operator""s;
-
-constexpr auto kPatience = 1s;
+constexpr std::chrono::seconds kPatience{1};
 // So long a window manager may take, and a window of ours to get on the screen.
-constexpr auto kWindowManagerPatience = 200ms;
+constexpr std::chrono::milliseconds kWindowManagerPatience{200};
 constexpr Seconds kLookAgain{0.004};
 
 }  // namespace
