@@ -3,11 +3,11 @@
 //
 // quorlo_desktop_bench [--figures FILE]; the program is the one of the same build.
 
-#include "desktop/rig/quorlo_program.h"
-#include "desktop/rig/virtual_desktop.h"
-#include "desktop/rig/wait.h"
 #include "figures.h"
 #include "target_window.h"
+#include "virtual_desktop/quorlo_program.h"
+#include "virtual_desktop/virtual_desktop.h"
+#include "virtual_desktop/wait.h"
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 // What the tap costs: the time from a key on a keyboard of a real X server to the window that has the
 // focus, with and without the tap in one run, and whether all keys of a long burst arrive in order.
-#include "desktop/rig/virtual_desktop.h"
 #include "figures.h"
 #include "platform/event_tap.h"
 #include "platform/main_queue.h"
+#include "virtual_desktop/virtual_desktop.h"
 #include "x11/keyboard_service.h"
 
 #include <poll.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "desktop/rig/applications.h"
-#include "desktop/rig/quorlo_program.h"
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/applications.h"
+#include "virtual_desktop/quorlo_program.h"
+#include "virtual_desktop/wait.h"
 
 #include <gtest/gtest.h>
 

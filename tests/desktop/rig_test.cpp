@@ -1,7 +1,7 @@
 // The instruments themselves: what a virtual keyboard types must arrive before anything else is tested with
 // it.
-#include "desktop/rig/applications.h"
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/applications.h"
+#include "virtual_desktop/wait.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "x11/desktop_files.h"
 
-#include "desktop/rig/temp_dir.h"
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/temp_dir.h"
+#include "virtual_desktop/wait.h"
 #include "x11/open_url.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "desktop/rig/virtual_desktop.h"
-#include "desktop/rig/wait.h"
 #include "platform/event_tap.h"
+#include "virtual_desktop/virtual_desktop.h"
+#include "virtual_desktop/wait.h"
 #include "x11/key_reader.h"
 #include "x11/keyboard_service.h"
 #include "x11/pumped_queue.h"

@@ -1,6 +1,6 @@
 #include "x11/paste_chords.h"
 
-#include "desktop/rig/temp_dir.h"
+#include "virtual_desktop/temp_dir.h"
 
 #include <gtest/gtest.h>
 

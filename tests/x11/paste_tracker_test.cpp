@@ -64,14 +64,31 @@ TEST_F(PasteTrackerTest, OnePasteMayReadSeveralFormsUntilItHasBeenQuiet) {
   EXPECT_EQ(read("text/html"), "piece");
   now += 50ms;
   EXPECT_EQ(read("text/rtf"), "piece");
+  EXPECT_TRUE(tracker.isBusy(kEditor, now));
   now += PasteTracker::kQuiet;
+  EXPECT_FALSE(tracker.isBusy(kEditor, now));
+  EXPECT_EQ(read("TARGETS"), "piece");
+  now += PasteTracker::kLinger - 1ms;
+  EXPECT_EQ(read("UTF8_STRING"), "piece");
+  now += PasteTracker::kLinger;
   EXPECT_EQ(read("UTF8_STRING"), "current");
 }
 
 TEST_F(PasteTrackerTest, AProgramThatKeepsReadingDoesNotKeepAPasteOpen) {
   paste("piece");
-  for (int i = 0; i < 6; ++i, now += 10ms) EXPECT_EQ(read("UTF8_STRING"), "piece");
+  const auto patienceEnds = now + PasteTracker::kPatience;
+  for (; now < patienceEnds; now += 50ms) EXPECT_EQ(read("UTF8_STRING"), "piece");
   EXPECT_EQ(read("UTF8_STRING"), "current");
+}
+
+TEST_F(PasteTrackerTest, TheNextChordEndsThePasteThatHasBeenRead) {
+  paste("first");
+  read("UTF8_STRING");
+  tracker.closeDelivered(kEditorsOtherConnection);
+  paste("second");
+  EXPECT_EQ(read("text/html"), "second");
+  tracker.closeDelivered(kClipboardManager);
+  EXPECT_TRUE(tracker.hasOpenPaste());
 }
 
 TEST_F(PasteTrackerTest, EachPieceIsReadInTurnByATargetThatLagsBehind) {

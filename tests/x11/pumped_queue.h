@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/rig/wait.h"
 #include "platform/main_queue.h"
+#include "virtual_desktop/wait.h"
 
 #include <chrono>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "x11/selection_peer.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <array>
 #include <stdexcept>

@@ -1,14 +1,14 @@
 #include "x11/x11_desktop.h"
 
 #include "base/log.h"
-#include "desktop/rig/applications.h"
-#include "desktop/rig/virtual_desktop.h"
 #include "platform/accessibility_trust.h"
 #include "platform/event_poster.h"
 #include "platform/event_tap.h"
 #include "platform/mouse_monitor.h"
 #include "platform/pasteboard.h"
 #include "platform/workspace.h"
+#include "virtual_desktop/applications.h"
+#include "virtual_desktop/virtual_desktop.h"
 #include "x11/pumped_queue.h"
 #include "x11/x11_workspace.h"
 

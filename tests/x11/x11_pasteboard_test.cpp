@@ -1,10 +1,10 @@
 #include "x11/x11_pasteboard.h"
 
 #include "base/log.h"
-#include "desktop/rig/child_process.h"
-#include "desktop/rig/temp_dir.h"
-#include "desktop/rig/xorg_server.h"
 #include "platform/pasteboard_contract.h"
+#include "virtual_desktop/child_process.h"
+#include "virtual_desktop/temp_dir.h"
+#include "virtual_desktop/xorg_server.h"
 #include "x11/pumped_queue.h"
 #include "x11/selection_peer.h"
 

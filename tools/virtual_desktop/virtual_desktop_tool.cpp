@@ -3,8 +3,8 @@
 //   quorlo-virtual-desktop SOCKET             starts one, prints its environment as shell exports and obeys
 //                                             lines from standard input and from SOCKET until "quit"
 //   quorlo-virtual-desktop send SOCKET LINE   sends one line and prints the answer; status 0 when it is "ok"
-#include "desktop/rig/virtual_desktop.h"
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/virtual_desktop.h"
+#include "virtual_desktop/wait.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>

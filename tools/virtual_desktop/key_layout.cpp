@@ -1,4 +1,4 @@
-#include "desktop/rig/key_layout.h"
+#include "virtual_desktop/key_layout.h"
 
 #include <xkbcommon/xkbcommon-compose.h>
 #include <xkbcommon/xkbcommon-keysyms.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/rig/virtual_desktop.h"
+#include "virtual_desktop/virtual_desktop.h"
 
 #include <filesystem>
 #include <map>

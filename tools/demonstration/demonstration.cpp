@@ -1,10 +1,10 @@
 // quorlo-demo QUORLO LIBRARY PICTURE
 //
-// Shows Quorlo at work on a virtual desktop: an editor opens, an abbreviation of the library is typed on a
-// virtual keyboard, and what then stands in the editor is printed last. Status 0 when it is what the library
-// says, 1 otherwise.
-#include "desktop/rig/applications.h"
-#include "desktop/rig/quorlo_program.h"
+// Shows Quorlo at work on a virtual desktop: an editor opens, two abbreviations of the library are typed on
+// a virtual keyboard, and what then stands in the editor is printed last. Status 0 when it is what the
+// library says, 1 otherwise.
+#include "virtual_desktop/applications.h"
+#include "virtual_desktop/quorlo_program.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,7 +17,10 @@
 namespace quorlo {
 namespace {
 
-constexpr const char* kAbbreviation = "brb";
+constexpr const char* kPlain = "brb";
+// Its macros press a key, put another snippet in and leave the cursor between brackets.
+constexpr const char* kWithMacros = "pps";
+constexpr const char* kNested = "omw";
 
 std::string textOf(const std::string& library, const std::string& abbreviation) {
   const auto document = nlohmann::json::parse(library);
@@ -29,17 +32,19 @@ std::string textOf(const std::string& library, const std::string& abbreviation) 
 
 int demonstrate(const std::string& program, const std::string& libraryFile, const std::string& picture) {
   const auto library = readFile(libraryFile);
-  const auto snippet = textOf(library, kAbbreviation);
+  const auto plain = textOf(library, kPlain);
+  const auto nested = textOf(library, kNested);
   VirtualDesktop desktop;
   Mousepad editor(desktop, "letter.txt");
   QuorloProgram quorlo(desktop, program, library);
   std::cout << "A text editor is open on the virtual display " << desktop.display() << ", and Quorlo runs."
             << std::endl;
 
-  const std::string typed = std::string("Hello Ada, ") + kAbbreviation + " - yours, Charles";
+  const std::string typed =
+      std::string("Hello Ada, ") + kPlain + " - yours, Charles. " + kWithMacros + " by train";
   std::cout << "Typing on a virtual keyboard: " << typed << std::endl;
   desktop.keyboard().type(typed, std::chrono::milliseconds(30));
-  const auto expected = "Hello Ada, " + snippet + " - yours, Charles";
+  const auto expected = "Hello Ada, " + plain + " - yours, Charles. PS: " + nested + " (by train) ";
   const auto arrived = editor.textOnceItIs(expected);
 
   desktop.screenshot(std::filesystem::absolute(picture));

@@ -1,4 +1,4 @@
-#include "desktop/rig/temp_dir.h"
+#include "virtual_desktop/temp_dir.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "desktop/rig/child_process.h"
-#include "desktop/rig/key_layout.h"
-#include "desktop/rig/temp_dir.h"
-#include "desktop/rig/virtual_keyboard.h"
-#include "desktop/rig/window_list.h"
-#include "desktop/rig/xorg_server.h"
+#include "virtual_desktop/child_process.h"
+#include "virtual_desktop/key_layout.h"
+#include "virtual_desktop/temp_dir.h"
+#include "virtual_desktop/virtual_keyboard.h"
+#include "virtual_desktop/window_list.h"
+#include "virtual_desktop/xorg_server.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "desktop/rig/virtual_desktop.h"
+#include "virtual_desktop/virtual_desktop.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <xcb/xcb.h>
 

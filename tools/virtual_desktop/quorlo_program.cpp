@@ -1,6 +1,6 @@
-#include "desktop/rig/quorlo_program.h"
+#include "virtual_desktop/quorlo_program.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <stdexcept>
 

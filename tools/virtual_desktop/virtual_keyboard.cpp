@@ -1,4 +1,4 @@
-#include "desktop/rig/virtual_keyboard.h"
+#include "virtual_desktop/virtual_keyboard.h"
 
 #include <map>
 #include <stdexcept>

@@ -1,6 +1,6 @@
-#include "desktop/rig/input_device.h"
+#include "virtual_desktop/input_device.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <poll.h>
 #include <sys/socket.h>

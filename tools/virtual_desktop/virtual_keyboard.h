@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/rig/input_device.h"
-#include "desktop/rig/key_layout.h"
+#include "virtual_desktop/input_device.h"
+#include "virtual_desktop/key_layout.h"
 
 #include <chrono>
 #include <functional>

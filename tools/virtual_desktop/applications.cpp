@@ -1,6 +1,6 @@
-#include "desktop/rig/applications.h"
+#include "virtual_desktop/applications.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "desktop/rig/window_list.h"
+#include "virtual_desktop/window_list.h"
 
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/wait.h"
 
 #include <xcb/res.h>
 

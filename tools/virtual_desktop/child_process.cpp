@@ -1,7 +1,7 @@
-#include "desktop/rig/child_process.h"
+#include "virtual_desktop/child_process.h"
 
-#include "desktop/rig/temp_dir.h"
-#include "desktop/rig/wait.h"
+#include "virtual_desktop/temp_dir.h"
+#include "virtual_desktop/wait.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/rig/child_process.h"
+#include "virtual_desktop/child_process.h"
 
 #include <filesystem>
 #include <string>
