@@ -6,6 +6,16 @@
 
 namespace quorlo {
 
+PasteTracker::Instant PasteTracker::Paste::calmsAt() const {
+  return lastActivity + (delivered ? Instant::duration(kQuiet) : kPatience);
+}
+
+PasteTracker::Instant PasteTracker::Paste::closesAt() const {
+  if (!delivered) return calmsAt();
+  // A program that never stops asking is not pasting.
+  return std::max(calmsAt(), std::min(lastVisit + kLinger, announced + kPatience));
+}
+
 bool PasteTracker::hasUnreadPaste() const {
   const std::lock_guard lock(mutex_);
   return std::ranges::any_of(pastes_, [](const Paste& paste) { return !paste.delivered; });
@@ -30,7 +40,7 @@ void PasteTracker::announce(const ClientIdentity& target, PasteSelection selecti
                             Instant now) {
   {
     const std::lock_guard lock(mutex_);
-    pastes_.push_back({++lastPaste_, target, selection, std::move(offer), now, {}});
+    pastes_.push_back({++lastPaste_, target, selection, std::move(offer), now, now, now, {}});
   }
   notify();
 }
@@ -58,6 +68,7 @@ std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdenti
     paste = std::ranges::find(pastes_, nextId, &Paste::id);
   }
   if (paste == pastes_.end()) return std::nullopt;
+  paste->lastVisit = now;
   if (isContent) {
     const bool isNew = paste->asked.emplace(target).second;
     if (paste->delivered && isNew) paste->lastActivity = now;
@@ -91,10 +102,17 @@ bool PasteTracker::hasOpenPaste() const {
   return !pastes_.empty();
 }
 
-bool PasteTracker::hasOpenPasteInto(const ClientIdentity& target) const {
+bool PasteTracker::isBusy(const ClientIdentity& target, Instant now) const {
   const std::lock_guard lock(mutex_);
-  return std::ranges::any_of(pastes_,
-                             [&](const Paste& paste) { return paste.target.isSameProgramAs(target); });
+  return std::ranges::any_of(pastes_, [&](const Paste& paste) {
+    return paste.target.isSameProgramAs(target) && paste.calmsAt() > now;
+  });
+}
+
+void PasteTracker::closeDelivered(const ClientIdentity& target) {
+  const std::lock_guard lock(mutex_);
+  std::erase_if(pastes_,
+                [&](const Paste& paste) { return paste.delivered && paste.target.isSameProgramAs(target); });
 }
 
 bool PasteTracker::hasOpenPasteFromPrimary() const {
@@ -113,7 +131,10 @@ std::optional<PasteTracker::Instant> PasteTracker::closeFinished(Instant now) {
       closedUnread = closedUnread || !paste.delivered;
       return true;
     });
-    for (const auto& paste : pastes_) next = std::min(next.value_or(paste.closesAt()), paste.closesAt());
+    for (const auto& paste : pastes_) {
+      const auto due = paste.calmsAt() > now ? paste.calmsAt() : paste.closesAt();
+      next = std::min(next.value_or(due), due);
+    }
   }
   if (closedUnread) notify();
   return next;

@@ -40,9 +40,12 @@ class PasteTracker {
 
   // A target that has not read its piece by then never will.
   static constexpr std::chrono::seconds kPatience{2};
-  // After its last read a target may come back for another form of the same piece; this long after it the
-  // paste is over.
+  // This long after a target's last read the next chord for it may be posted.
   static constexpr std::chrono::milliseconds kQuiet{60};
+  // A busy target may come back even later: Chromium reads once to see whether it may paste, and again when
+  // its page is at it. Until this long after its last visit it is given the same piece, unless the next
+  // chord comes first.
+  static constexpr std::chrono::milliseconds kLinger{200};
 
   // A chord has been announced whose target has not been handed its piece, and still may be.
   bool hasUnreadPaste() const;
@@ -66,9 +69,12 @@ class PasteTracker {
   void delivered(PasteId paste, Instant now);   // the contents were taken whole
 
   bool hasOpenPaste() const;
-  bool hasOpenPasteInto(const ClientIdentity& target) const;
+  // A paste into the program is under way: its next chord had better wait.
+  bool isBusy(const ClientIdentity& target, Instant now) const;
+  // The program's pastes that have been read are over now.
+  void closeDelivered(const ClientIdentity& target);
   bool hasOpenPasteFromPrimary() const;
-  // Closes what is over; when to call it next.
+  // Closes what is over; when the next paste closes or lets the next chord pass.
   std::optional<Instant> closeFinished(Instant now);
 
  private:
@@ -77,10 +83,13 @@ class PasteTracker {
     ClientIdentity target;
     PasteSelection selection;
     Offer offer;
-    Instant lastActivity;
+    Instant announced;
+    Instant lastActivity;                      // last time that contents were taken
+    Instant lastVisit;                         // last request of any kind
     std::set<std::string, std::less<>> asked;  // content targets requested
     bool delivered = false;
-    Instant closesAt() const { return lastActivity + (delivered ? Instant::duration(kQuiet) : kPatience); }
+    Instant calmsAt() const;   // the next chord may be posted
+    Instant closesAt() const;  // the target is treated as all others
   };
   Paste* find(PasteId paste);
   void notify();

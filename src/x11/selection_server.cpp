@@ -116,20 +116,21 @@ void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection se
 
 void SelectionServer::inTurn(const ClientIdentity& target, std::function<void()> task) {
   const auto now = XEventLoop::Clock::now();
-  closeFinishedPastes();
-  if (!tracker_.hasOpenPasteInto(target)) return task();
   waiting_.push_back({target, now + kTurnPatience, std::move(task)});
   loop_.runAt(now + kTurnPatience, [this] { runWhatIsInTurn(); });
+  runWhatIsInTurn();
 }
 
 void SelectionServer::runWhatIsInTurn() {
   const auto now = XEventLoop::Clock::now();
   while (!waiting_.empty()) {
     auto& first = waiting_.front();
-    if (tracker_.hasOpenPasteInto(first.target) && now < first.until) return;
-    const auto task = std::move(first.task);
+    if (tracker_.isBusy(first.target, now) && now < first.until) return;
+    const auto next = std::move(first);
     waiting_.erase(waiting_.begin());
-    task();
+    tracker_.closeDelivered(next.target);
+    tellOfNewContents();
+    next.task();
   }
 }
 
@@ -156,13 +157,18 @@ void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb
   reader_.ownerChanged(selection, owner);
 }
 
+void SelectionServer::tellOfNewContents() {
+  if (announcementIsDue_ && !tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
+    setClipboard(clipboardOffer());
+  }
+}
+
 void SelectionServer::closeFinishedPastes() {
   loop_.cancel(pasteTimer_);
   if (const auto next = tracker_.closeFinished(PasteTracker::Clock::now())) {
     pasteTimer_ = loop_.runAt(*next, [this] { closeFinishedPastes(); });
   }
-  if (announcementIsDue_ && !tracker_.hasOpenPaste() && owner_.owns(clipboard_))
-    setClipboard(clipboardOffer());
+  tellOfNewContents();
   runWhatIsInTurn();
   if (!savedPrimary_ && owner_.owns(XCB_ATOM_PRIMARY) && !tracker_.hasOpenPasteFromPrimary()) {
     owner_.giveUp(XCB_ATOM_PRIMARY);

@@ -56,8 +56,9 @@ class SelectionServer {
  private:
   void watch(xcb_atom_t selection);
   void ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since);
+  void tellOfNewContents();
   void closeFinishedPastes();
-  // Runs the task once no earlier paste into the program is open, or the patience is at its end.
+  // Runs the task once no earlier paste into the program is under way, or the patience is at its end.
   void inTurn(const ClientIdentity& target, std::function<void()> task);
   void runWhatIsInTurn();
 
