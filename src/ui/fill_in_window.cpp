@@ -89,7 +89,7 @@ class FillInWindow::Dialog : public QDialog {
     connect(buttons_, &QDialogButtonBox::accepted, this, [this] { decide(Outcome::insert); });
     connect(buttons_, &QDialogButtonBox::rejected, this, [this] { decide(Outcome::cancel); });
     hint_->setEnabled(false);
-    connect(qApp, &QApplication::focusChanged, this, [this] {
+    connect(qApp, &QApplication::focusChanged, &connections_, [this] {
       if (!inputs_.empty() && focusWidget() == inputs_.back()) addFields();
       showHint();
       markPlaces();
@@ -108,7 +108,7 @@ class FillInWindow::Dialog : public QDialog {
     previewTimer_.setSingleShot(true);
     connect(&previewTimer_, &QTimer::timeout, this, [this] { showPreview(); });
     const auto* const bar = area_->verticalScrollBar();
-    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) {
+    connect(bar, &QScrollBar::valueChanged, &connections_, [this, bar](int value) {
       if (session_ && value + bar->pageStep() > bar->maximum()) addFields();
     });
     winId();  // the display server's window
@@ -292,6 +292,7 @@ class FillInWindow::Dialog : public QDialog {
   QPushButton* insert_ = nullptr;
   QPushButton* cancel_ = nullptr;
   QTimer previewTimer_;
+  QObject connections_;  // the last: the end of the widgets must not call back
 };
 
 FillInWindow::FillInWindow(const SettingsController& settings)
