@@ -21,7 +21,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 namespace quorlo {
@@ -40,12 +39,6 @@ constexpr const char* kDoNotShowAgain = "DoNotShowAgain";
 
 bool isClipboardKey(std::string_view type) {
   return type == kClipboardKey || type == kClipboardTextKey;
-}
-
-PasteboardItem onlyText(const PasteboardItem& item) {
-  PasteboardItem result;
-  if (const auto text = item.text()) result.setText(*text);
-  return result;
 }
 
 }  // namespace
@@ -184,10 +177,10 @@ void PasteController::fillIn(PreparedSnippet prepared) {
   seperatedSnippetText.assign(std::make_move_iterator(prepared.pieces.begin()),
                               std::make_move_iterator(prepared.pieces.end()));
   if (seperatedSnippetText.empty()) seperatedSnippetText.emplace_back();
-  for (auto& key : prepared.keys | std::views::reverse) {
-    rangeOfSpecialKeys.push_back(key.range);
-    if (key.combination) combiKeys.emplace_back(key.range, *key.combination);
-    specialKeyTypes.push_back(std::move(key.type));
+  for (auto key = prepared.keys.rbegin(); key != prepared.keys.rend(); ++key) {
+    rangeOfSpecialKeys.push_back(key->range);
+    if (key->combination) combiKeys.emplace_back(key->range, *key->combination);
+    specialKeyTypes.push_back(std::move(key->type));
   }
 }
 

@@ -40,6 +40,12 @@ void addFirstPicture(PasteboardItem& item, const AttributedString& piece) {
 
 }  // namespace
 
+PasteboardItem onlyText(const PasteboardItem& item) {
+  PasteboardItem result;
+  if (const auto text = item.text()) result.setText(*text);
+  return result;
+}
+
 PasteboardItem pieceContents(const AttributedString& piece, SnippetType type) {
   PasteboardItem item;
   const auto plain = plainForm(piece.string());

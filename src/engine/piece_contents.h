@@ -12,4 +12,7 @@ enum class SnippetType;
 // where they land; an image snippet offers the picture itself.
 PasteboardItem pieceContents(const AttributedString& piece, SnippetType type);
 
+// The plain text of an item, if it has any.
+PasteboardItem onlyText(const PasteboardItem& item);
+
 }  // namespace quorlo
