@@ -57,13 +57,6 @@ TEST(Folder, ShowsTheSnippetsOfItsKind) {
         << static_cast<int>(type);
     EXPECT_EQ(library.userFolder->numberOfSnippets(), titles.size());
   }
-  library.userFolder->setType(5);
-  EXPECT_EQ(library.titles({.predicate = library.userFolder->predicate()}), Titles{});
-}
-
-TEST(Folder, LogsEachTimeThatASharedFolderIsAskedForItsPredicate) {
-  MixedLibrary library;
-  for (int i = 0; i < 2; ++i) library.sharedFolder->predicate();
   EXPECT_EQ(library.log, std::vector<std::string>(2, "Not yet implemented #dthjddd2"));
 }
 
@@ -84,17 +77,6 @@ TEST(Folder, TakesTitleAndSymbolFromItsTypeAndAnnouncesBothWithIt) {
   EXPECT_EQ(folder->image(), "folder.badge.person.crop");
 }
 
-TEST(Folder, JoinsKeyCodeAndModifiersInItsShortcut) {
-  QLCategory folder;
-  EXPECT_EQ(folder.shortcutValue(), std::nullopt);
-  folder.setShortcutValue(Shortcut{.keyCode = 49, .modifierFlags = modifier::kCommand | modifier::kShift});
-  EXPECT_EQ(folder.shortcutKeyCode(), 49);
-  EXPECT_EQ(folder.shortcutModifierFlags(), 0x120000);
-  folder.setShortcutValue(std::nullopt);
-  EXPECT_EQ(folder.shortcutKeyCode(), std::nullopt);
-  EXPECT_EQ(folder.shortcutValue(), std::nullopt);
-}
-
 TEST(Folder, IsListedBySectionPlaceAndType) {
   TestLibrary library;
   const auto add = [&library](std::u16string title, SourceType source, std::int64_t sort, CategoryType type) {
@@ -111,25 +93,6 @@ TEST(Folder, IsListedBySectionPlaceAndType) {
   const auto folders = library.context.fetch<QLCategory>({.sortDescriptors = QLCategory::sortDescriptors()});
   for (const auto& each : folders.value()) titles.push_back(each->title());
   EXPECT_EQ(titles, (Titles{u"Popular", u"Trash", u"first", u"second", u"shared"}));
-  EXPECT_EQ(folders.value().front()->sourceName(), u"");
-  EXPECT_EQ(folders.value().back()->sourceName(), u"Public");
-}
-
-TEST(Enumerations, ExistOnlyForTheirRawValues) {
-  std::vector<std::int64_t> snippetTypes, sourceTypes, categoryTypes, behaviors;
-  for (std::int64_t raw = -20; raw <= 120; ++raw) {
-    if (snippetType(raw)) snippetTypes.push_back(raw);
-    if (sourceType(raw)) sourceTypes.push_back(raw);
-    if (categoryType(raw)) categoryTypes.push_back(raw);
-    if (expansionBehavior(raw)) behaviors.push_back(raw);
-  }
-  EXPECT_EQ(snippetTypes, (std::vector<std::int64_t>{0, 1, 2, 8}));
-  EXPECT_EQ(sourceTypes, (std::vector<std::int64_t>{0, 10, 20}));
-  EXPECT_EQ(categoryTypes, (std::vector<std::int64_t>{-10, -9, -8, -7, -6, -5, -4, 0, 10, 100}));
-  EXPECT_EQ(behaviors, (std::vector<std::int64_t>{0, 10, 20, 30}));
-  EXPECT_EQ(displayName(SnippetType::code), u"Code");
-  EXPECT_EQ(symbolName(SnippetType::plainText), "text.justify.left");
-  EXPECT_EQ(title(ExpansionBehavior::AllApplicationsWithExeption), u"All Applications, except");
 }
 
 }  // namespace
