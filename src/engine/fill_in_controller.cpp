@@ -42,7 +42,8 @@ void FillInController::ask(AttributedString text, std::vector<FillInField> field
 void FillInController::callOff() {
   question_.reset();
   hold_.reset();
-  if (std::exchange(session_, nullptr)) use_.view.close();
+  if (session_) use_.view.close();
+  session_.reset();
   if (auto completion = std::exchange(completion_, nullptr)) {
     use_.queue.run([completion = std::move(completion)] { completion(std::nullopt); });
   }

@@ -153,11 +153,11 @@ class FillInWindow::Dialog : public QDialog {
 
   void release() {
     previewTimer_.stop();
-    hide();
     done_ = nullptr;
     session_ = nullptr;
     inputs_.clear();
     places_.clear();
+    hide();  // moves the focus, which must find no session any more
     // It may be in the middle of a key press.
     if (auto* const page = area_->takeWidget()) page->deleteLater();
   }
