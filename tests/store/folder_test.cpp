@@ -77,23 +77,5 @@ TEST(Folder, TakesTitleAndSymbolFromItsTypeAndAnnouncesBothWithIt) {
   EXPECT_EQ(folder->image(), "folder.badge.person.crop");
 }
 
-TEST(Folder, IsListedBySectionPlaceAndType) {
-  TestLibrary library;
-  const auto add = [&library](std::u16string title, SourceType source, std::int64_t sort, CategoryType type) {
-    const auto folder = library.folder(type, source);
-    folder->setSort(sort);
-    folder->setTitle(std::move(title));
-  };
-  add(u"shared", SourceType::Public, 0, CategoryType::SharedFolder);
-  add(u"second", SourceType::Folders, 2, CategoryType::Folder);
-  add(u"first", SourceType::Folders, 1, CategoryType::Folder);
-  add(u"", SourceType::General, 5, CategoryType::Trash);
-  add(u"", SourceType::General, 5, CategoryType::Popular);
-  Titles titles;
-  const auto folders = library.context.fetch<QLCategory>({.sortDescriptors = QLCategory::sortDescriptors()});
-  for (const auto& each : folders.value()) titles.push_back(each->title());
-  EXPECT_EQ(titles, (Titles{u"Popular", u"Trash", u"first", u"second", u"shared"}));
-}
-
 }  // namespace
 }  // namespace quorlo
