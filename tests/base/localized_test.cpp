@@ -18,20 +18,20 @@ namespace fs = std::filesystem;
 const fs::path kTranslations = QUORLO_TRANSLATIONS;
 constexpr std::u16string_view kPasteHint = u"Press ⌘V to insert snippet.";
 
-TEST(Localized, NamesThePlatformsChordInEveryLanguageEvenInTheCLocale) {
+TEST(Localized, NamesThePlatformsChordInTheFirstLanguageThatHasACatalogueEvenInTheCLocale) {
   ASSERT_EQ(setenv("LC_ALL", "C", 1), 0);
-  for (const std::vector<std::string>& languages :
-       {std::vector<std::string>{}, {"en_GB", "de_DE"}, {"tlh_XX"}}) {
+  using Languages = std::vector<std::string>;
+  const std::pair<Languages, std::u16string_view> cases[] = {
+      {{}, u"Press Ctrl+V to insert snippet."},
+      {{"en_GB", "de_DE"}, u"Press Ctrl+V to insert snippet."},
+      {{"tlh_XX", "de_AT", "en_US"}, u"Drücke Strg+V, um das Snippet einzufügen."},
+  };
+  for (const auto& [languages, hint] : cases) {
     const auto translations = loadCatalogues(kTranslations, languages);
-    EXPECT_EQ(localized(kPasteHint), u"Press Ctrl+V to insert snippet.");
+    EXPECT_EQ(localized(kPasteHint), hint);
     EXPECT_EQ(localized(u"No catalogue has this."), u"No catalogue has this.");
   }
   EXPECT_EQ(localized(kPasteHint), kPasteHint);
-}
-
-TEST(Localized, TakesTheFirstLanguageThatHasACatalogue) {
-  const auto translations = loadCatalogues(kTranslations, {"tlh_XX", "de_AT", "en_US"});
-  EXPECT_EQ(localized(kPasteHint), u"Drücke Strg+V, um das Snippet einzufügen.");
 }
 
 TEST(Localized, LeavesOutADamagedCatalogueWhereverItIsCut) {

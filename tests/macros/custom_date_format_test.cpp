@@ -62,9 +62,7 @@ TEST_F(CustomDateFormat, OffersTokensThatAllHaveAnExample) {
   for (const auto& group : groups) {
     for (const auto& token : group.tokens) {
       EXPECT_EQ(tokenizeCustomDateFormat(token.representedString), Pieces{token});
-      for (const auto* const language : {"en_US", "ar_EG", "ja_JP"}) {
-        EXPECT_NE(render(token.representedString, language), u"") << toUtf8(token.representedString);
-      }
+      EXPECT_NE(render(token.representedString, "ar_EG"), u"") << toUtf8(token.representedString);
     }
   }
 }

@@ -49,10 +49,7 @@ TEST(ExpansionLookup, AgreesWithAScanThroughAnyRowOfChanges) {
       [&] {
         if (snippets.size() > 1 && pick(4) == 0) drop(snippets);
       },
-      [&] {
-        folders.push_back(
-            library.folder(CategoryType::Folder, pick(2) == 0 ? SourceType::Public : SourceType::Folders));
-      },
+      [&] { folders.push_back(library.folder(CategoryType::Folder)); },
       [&] {
         if (auto* it = folder()) it->setSourceType(static_cast<std::int64_t>(10 * pick(3)));
       },

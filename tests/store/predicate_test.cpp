@@ -61,13 +61,12 @@ TEST(Predicate, KeepsTheFolderThatItComparesWith) {
 
 TEST(Fetch, RefusesPropertiesThatTheRecordsDoNotHave) {
   TestLibrary library;
-  const auto wrongPredicate = library.context.fetch<QLSnippet>(
-      {.predicate =
-           Predicate::all({QLSnippet::kTitle.equals(u"a"), QLApp::kType.equals(0).inParentheses()})});
-  ASSERT_FALSE(wrongPredicate);
-  EXPECT_EQ(wrongPredicate.error().message, "Snippet records have no property type of App records");
+  const auto nested =
+      Predicate::all({QLSnippet::kTitle.equals(u"a"), QLApp::kType.equals(0).inParentheses()});
+  const auto refused = library.context.fetch<QLSnippet>({.predicate = nested});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().message, "Snippet records have no property type of App records");
   EXPECT_FALSE(library.context.fetch<QLApp>({.sortDescriptors = {{&QLSnippet::kTitle}}}));
-  EXPECT_FALSE(library.context.count(Entity::user, liveClause()));
 }
 
 TEST(Fetch, SortsByEachDescriptorInTurnNilFirstAndTiesInTheOrderOfInsertion) {

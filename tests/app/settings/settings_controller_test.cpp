@@ -161,16 +161,5 @@ TEST_F(SettingsControllerTest, DatesTheFirstLaunchByTheUsersRecordIfThereIsOne) 
   EXPECT_EQ(start().firstLaunch(), userCreation_);
 }
 
-TEST_F(SettingsControllerTest, ShowsTheFormatBarAQuarterOfASecondLater) {
-  auto& settings = start();
-  std::vector<bool> shown;
-  settings.setFormatBarHandler([&](bool on) { shown.push_back(on); });
-  settings.setShowFormatInspector(false);
-  queue_.advance(Seconds(0.24));
-  EXPECT_THAT(shown, IsEmpty());
-  queue_.advance(Seconds(0.01));
-  EXPECT_THAT(shown, ElementsAre(false));
-}
-
 }  // namespace
 }  // namespace quorlo
