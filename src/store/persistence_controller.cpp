@@ -17,8 +17,9 @@ constexpr Seconds kStartUpPhase(3.0);
 
 // The first record of a fetch; a failure is logged as `failure` and its message.
 template <class Record>
-std::shared_ptr<Record> first(const ManagedObjectContext& context, Predicate predicate, const char* failure) {
-  auto found = context.fetch<Record>({.predicate = std::move(predicate), .fetchLimit = 1});
+std::shared_ptr<Record> first(const ManagedObjectContext& context, const Predicate& predicate,
+                              const char* failure) {
+  auto found = context.fetch<Record>({.predicate = predicate, .fetchLimit = 1});
   if (!found) logError(failure + found.error().message);
   return found && !found.value().empty() ? found.value().front() : nullptr;
 }

@@ -21,7 +21,7 @@ std::string lowerCase(std::string_view text) {
   return result;
 }
 
-std::string variable(const char* name, std::string fallback) {
+std::string variable(const char* name, const std::string& fallback) {
   const char* value = std::getenv(name);
   return value != nullptr && *value != '\0' ? value : fallback;
 }

@@ -121,8 +121,8 @@ TEST(KeyTranslationTest, CodesAndPlacesLeadBackToEachOther) {
   const KeyMap us = KeyMap::named("us", "", "").value();
   // a row of letters, digits, punctuation, keypad, named keys
   for (const KeyCode code : std::initializer_list<KeyCode>{
-           0,  1,  6,  9,  11,  12,  18,  29,  33,  42,  43,  44,  47,  50,  82,  91,  69, 36,
-           48, 49, 51, 53, 114, 115, 116, 117, 119, 121, 123, 124, 125, 126, 122, 111}) {
+           0,  1,  6,  9,  11, 12,  18,  29,  33,  42,  43,  44,  47,  50,  82,  91,  69,
+           36, 48, 49, 51, 53, 114, 115, 116, 117, 119, 121, 123, 124, 125, 126, 122, 111}) {
     const auto keycode = us.keyForCode(code, 0);
     ASSERT_NE(keycode, 0) << code;
     // The keypad's keys have names without Num Lock, and places with it.
