@@ -11,12 +11,10 @@ namespace quorlo {
 
 namespace {
 
-using std::chrono_literals::operator""ms;
-
 // The pasteboard's thread answers within a few round trips; only a server that hangs takes longer.
-constexpr auto kAnswerBudget = 1000ms;
-constexpr auto kReadPrimaryBudget = 1000ms;
-constexpr auto kHandOverBudget = 1500ms;
+constexpr std::chrono::milliseconds kAnswerBudget{1000};
+constexpr std::chrono::milliseconds kReadPrimaryBudget{1000};
+constexpr std::chrono::milliseconds kHandOverBudget{1500};
 constexpr auto kAnnouncementBudget = SelectionServer::kTurnPatience + kAnswerBudget;
 
 }  // namespace
@@ -24,7 +22,7 @@ constexpr auto kAnnouncementBudget = SelectionServer::kTurnPatience + kAnswerBud
 // What this program has set. Providers run here, on the main thread, each at most once.
 class X11Pasteboard::OwnContents {
  public:
-  OwnContents(PasteboardContents contents, const PropertyForms& forms) {
+  OwnContents(const PasteboardContents& contents, const PropertyForms& forms) {
     auto targets = offeredTargets(contents, forms);
     std::vector<SelectionOffer::Data> data;
     for (const auto& item : contents.items) {
@@ -83,9 +81,10 @@ X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, O
       queue_(queue),
       options_(std::move(options)),
       loop_(*x_, "pasteboard"),
-      server_(*x_, loop_, [this](const auto& offer, std::size_t representation, std::function<void()> done) {
-        runProvider(offer, representation, std::move(done));
-      }) {
+      server_(*x_, loop_,
+              [this](const auto& offer, std::size_t representation, const std::function<void()>& done) {
+                runProvider(offer, representation, done);
+              }) {
   // From here on no change of the clipboard goes unnoticed.
   x_->sync();
   loop_.start([this](const xcb_generic_event_t& event) { server_.handleEvent(event); },
@@ -109,7 +108,7 @@ X11Pasteboard::~X11Pasteboard() {
 void X11Pasteboard::setContents(PasteboardContents contents) {
   // A target that still has to read the earlier contents gets them, but their providers may go now.
   if (server_.tracker().hasOpenPaste()) provideAll();
-  own_ = std::make_shared<OwnContents>(std::move(contents), forms_);
+  own_ = std::make_shared<OwnContents>(contents, forms_);
   ++ownChanges_;
   const auto set = [this, offer = own_->offer()] { server_.setClipboard(offer); };
   if (!loop_.postAndWait(set, kAnswerBudget) && !x_->lost()) {
@@ -120,7 +119,7 @@ void X11Pasteboard::setContents(PasteboardContents contents) {
 void X11Pasteboard::read(ReadCompletion completion) {
   const bool savePrimary = options_.pastesFromPrimary && options_.pastesFromPrimary();
   const auto deliverLater = [this, alive = std::weak_ptr<char>(alive_), completion = std::move(completion),
-                             own = own_](std::shared_ptr<const SelectionCopy> foreign) {
+                             own = own_](const std::shared_ptr<const SelectionCopy>& foreign) {
     queue_.run([this, alive, completion, own, foreign] {
       if (alive.expired()) return;
       if (foreign) return deliver(*foreign, completion);

@@ -13,11 +13,9 @@ namespace quorlo {
 
 namespace {
 
-using std::chrono_literals::operator""ms;
-
 // A reader waits no longer than this for the latest state, even if the server hangs.
-constexpr auto kRefreshPatience = 20ms;
-constexpr auto kFirstStatePatience = 2000ms;
+constexpr std::chrono::milliseconds kRefreshPatience{20};
+constexpr std::chrono::milliseconds kFirstStatePatience{2000};
 
 std::vector<std::uint32_t> cardinals(const XConnection& x, xcb_window_t window, xcb_atom_t name) {
   const auto property = x.property(window, name);
