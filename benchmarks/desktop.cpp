@@ -28,6 +28,7 @@ using std::chrono::milliseconds;
 constexpr int kExpansions = 60;
 constexpr milliseconds kStartDelay{50};  // before the first piece, by design
 constexpr int kIdleSeconds = 10;
+constexpr int kStartUpSeconds = 6;  // the first save comes 3.5 s after the library has been read
 
 std::string library(int snippets) {
   std::string text =
@@ -84,7 +85,7 @@ double expandOverhead(VirtualDesktop& desktop) {
 void run(Figures& figures) {
   VirtualDesktop desktop;
   QuorloProgram quorlo(desktop, QUORLO, library(10'000));
-  std::this_thread::sleep_for(std::chrono::seconds(1));
+  std::this_thread::sleep_for(std::chrono::seconds(kStartUpSeconds));
 
   const auto before = wakeUps(quorlo.process().pid());
   std::this_thread::sleep_for(std::chrono::seconds(kIdleSeconds));
