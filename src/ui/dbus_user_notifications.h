@@ -9,9 +9,8 @@ namespace quorlo {
 class MainQueue;
 class NotificationServer;
 
-// Notifications of the desktop (freedesktop.org's Desktop Notifications Specification). The session bus
-// is met at the first notification; without a bus or a server, notifications are lost. Needs the
-// QCoreApplication.
+// Notifications of the desktop (freedesktop.org, Desktop Notifications). The session bus is met
+// at the first notification; without a bus or a server, notifications are lost. Needs the QCoreApplication.
 class DBusUserNotifications final : public UserNotifications {
  public:
   explicit DBusUserNotifications(MainQueue& queue);

@@ -9,8 +9,8 @@
 
 namespace quorlo {
 
-// An installed application, as its .desktop file describes it (freedesktop.org, "Desktop Entry
-// Specification").
+// An installed application, as its .desktop file describes it (freedesktop.org, Desktop Entry
+// files).
 struct DesktopFile {
   std::string identifier;   // "org.gnome.TextEditor": the file's name below the directory, without ".desktop"
   std::string name;         // in the user's language where the file has it
