@@ -69,6 +69,8 @@ TEST_F(DesktopFaultTest, AStoppedQuorloLosesTheKeyboardAndFindsItAgain) {
 TEST_F(DesktopFaultTest, ATargetThatNeverReadsTheClipboardHoldsUpNobody) {
   startQuorlo();
   Mousepad other(desktop());
+  type("y");  // an editor that has taken a key does not come to the front by itself any more
+  EXPECT_EQ(other.textOnceItIs("y"), "y");
   Xterm deaf(desktop());
   deaf.process().signal(SIGSTOP);
   type("brb x");
