@@ -5,12 +5,12 @@ build_packages=(
   libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
   libxkbcommon-dev libxkbcommon-x11-dev uuid-dev
   qt6-base-dev nlohmann-json3-dev libfmt-dev libcli11-dev libsndfile1-dev libpulse-dev
-  libgtest-dev libgmock-dev jq
+  libsqlite3-dev libgtest-dev libgmock-dev jq
 )
-run_packages=(qt6-qpa-plugins xkb-data)
+run_packages=(qt6-qpa-plugins libqt6svg6 xdg-utils xkb-data)
 fuzz_packages=(clang-16 libclang-rt-16-dev)
 lint_packages=(clang-format clang-tidy)
 desktop_packages=(
   xserver-xorg-core xserver-xorg-video-dummy xserver-xorg-dev openbox x11-xserver-utils x11-utils
-  x11-xkb-utils dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot
+  x11-xkb-utils dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot trayer dunst sqlite3 strace
 )
