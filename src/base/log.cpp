@@ -1,5 +1,7 @@
 #include "base/log.h"
 
+#include "base/recent_log_tags.h"
+
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -12,6 +14,7 @@ namespace {
 
 struct Log {
   std::mutex mutex;
+  RecentLogTags tags;
   std::map<std::uint64_t, LogSink> sinks;
   std::uint64_t lastSink = 0;
   std::atomic<bool> debug = false;
@@ -25,6 +28,7 @@ Log& log() {
 
 void write(LogLevel level, std::string_view line) {
   const std::lock_guard lock(log().mutex);
+  log().tags.note(line);
   if (!log().sinks.empty()) {
     log().sinks.rbegin()->second(level, line);
     return;
@@ -35,6 +39,10 @@ void write(LogLevel level, std::string_view line) {
 }
 
 }  // namespace
+
+const RecentLogTags& recentLogTags() {
+  return log().tags;
+}
 
 void logError(std::string_view line) {
   write(LogLevel::error, line);
