@@ -1,6 +1,7 @@
 #include "program/command_line.h"
 #include "program/lost_display_notice.h"
 #include "program/program.h"
+#include "program/running_instance.h"
 #include "program/settings_command.h"
 #include "program/termination_signals.h"
 #include "x11/x_connection.h"
@@ -25,6 +26,10 @@ int main(int argc, char** argv) {
   if (const auto* exit = std::get_if<CommandLineExit>(&parsed)) return exit->status;
   const auto& commandLine = std::get<CommandLine>(parsed);
 
+  if (!commandLine.command.empty()) {
+    const QCoreApplication application(argc, argv);
+    return runInstanceCommand(commandLine.command);
+  }
   if (commandLine.onlyChangesSettings()) {
     const QCoreApplication application(argc, argv);
     return switchAbbreviations(*commandLine.abbreviations);

@@ -23,10 +23,17 @@ TEST(CommandLineTest, ASwitchAloneChangesTheSettingAndWithALibraryRuns) {
   EXPECT_FALSE(std::get<CommandLine>(parse({})).onlyChangesSettings());
 }
 
+TEST(CommandLineTest, TellsCommandsFromFiles) {
+  EXPECT_EQ(std::get<CommandLine>(parse({"menu"})).command, "menu");
+  const auto opening = std::get<CommandLine>(parse({"mine.json", "menu.json"}));
+  EXPECT_EQ(opening.command, "");
+  EXPECT_EQ(opening.files, (std::vector<std::filesystem::path>{"mine.json", "menu.json"}));
+}
+
 TEST(CommandLineTest, WhatCannotBeMeantIsRefusedAndHelpIsNoFault) {
   EXPECT_EQ(std::get<CommandLineExit>(parse({"--abbreviations", "perhaps"})).status, 2);
   EXPECT_EQ(std::get<CommandLineExit>(parse({"--nonsense"})).status, 2);
-  EXPECT_EQ(std::get<CommandLineExit>(parse({"letter.json"})).status, 2);
+  EXPECT_EQ(std::get<CommandLineExit>(parse({"menu", "quit"})).status, 2);
   EXPECT_EQ(std::get<CommandLineExit>(parse({"--help"})).status, 0);
   EXPECT_EQ(std::get<CommandLineExit>(parse({"--version"})).status, 0);
 }

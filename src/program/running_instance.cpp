@@ -1,0 +1,110 @@
+#include "program/running_instance.h"
+
+#include "program/application_service.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <QEventLoop>
+#include <QStringList>
+#include <QTimer>
+#include <QUrl>
+#include <QVariant>
+
+#include <chrono>
+#include <iostream>
+
+namespace quorlo {
+namespace {
+
+constexpr const char* kApplicationInterface = "org.freedesktop.Application";
+constexpr int kAnswerMilliseconds = 5000;
+constexpr std::chrono::seconds kLongestFarewell{10};
+
+Result<QDBusMessage> call(const char* interface, const char* method, const QVariantList& arguments) {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) {
+    return Error{
+        "There is no session bus, by which the running Quorlo is reached. Run this command in the desktop "
+        "session, or see that DBUS_SESSION_BUS_ADDRESS is set."};
+  }
+  if (!RunningInstance().isThere()) return Error{"Quorlo is not running. Start it with: quorlo"};
+  auto message = QDBusMessage::createMethodCall(QLatin1String(kServiceName), QLatin1String(kServicePath),
+                                                QLatin1String(interface), QLatin1String(method));
+  message.setArguments(arguments);
+  const auto answer = bus.call(message, QDBus::Block, kAnswerMilliseconds);
+  if (answer.type() != QDBusMessage::ReplyMessage) {
+    return Error{"The running Quorlo does not answer: " + answer.errorMessage().toStdString()};
+  }
+  return answer;
+}
+
+Status statusOf(const Result<QDBusMessage>& answer) {
+  return answer ? Status() : Status(answer.error());
+}
+
+}  // namespace
+
+bool RunningInstance::isThere() const {
+  const auto bus = QDBusConnection::sessionBus();
+  return bus.isConnected() && bus.interface()->isServiceRegistered(QLatin1String(kServiceName)).value();
+}
+
+Status RunningInstance::reopen() const {
+  return statusOf(call(kApplicationInterface, "Activate", {QVariantMap()}));
+}
+
+Status RunningInstance::open(const std::vector<std::filesystem::path>& files) const {
+  QStringList addresses;
+  for (const auto& each : files) {
+    const auto path = QString::fromStdString(std::filesystem::absolute(each).string());
+    addresses.append(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+  }
+  return statusOf(call(kApplicationInterface, "Open", {addresses, QVariantMap()}));
+}
+
+Status RunningInstance::activateAction(std::string_view name) const {
+  const auto action = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  return statusOf(call(kApplicationInterface, "ActivateAction", {action, QVariantList(), QVariantMap()}));
+}
+
+Result<std::string> RunningInstance::status() const {
+  const auto answer = call(kServiceName, "Status", {});
+  if (!answer) return answer.error();
+  return answer.value().arguments().value(0).toString().toStdString();
+}
+
+Status RunningInstance::quit() const {
+  QEventLoop loop;
+  QDBusServiceWatcher watcher(QLatin1String(kServiceName), QDBusConnection::sessionBus(),
+                              QDBusServiceWatcher::WatchForUnregistration);
+  QObject::connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, &loop, [&loop] { loop.exit(0); });
+  if (auto asked = activateAction("quit"); !asked) return asked;
+  QTimer::singleShot(kLongestFarewell, &loop, [&loop] { loop.exit(1); });
+  if (isThere() && loop.exec() != 0) {
+    return Error{"Quorlo has not quit. It may be asking a question on the screen."};
+  }
+  return {};
+}
+
+int runInstanceCommand(std::string_view command) {
+  const RunningInstance instance;
+  Status done;
+  if (command == "status") {
+    const auto status = instance.status();
+    if (status) {
+      std::cout << status.value();
+    } else {
+      done = status.error();
+    }
+  } else if (command == "quit") {
+    done = instance.quit();
+  } else {
+    done = instance.activateAction(command);
+  }
+  if (!done) std::cerr << "quorlo: " << done.error().message << "\n";
+  return done ? 0 : 1;
+}
+
+}  // namespace quorlo
