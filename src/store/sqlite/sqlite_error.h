@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace quorlo {
+
+// A failure of SQLite in words for the user: the file, what is wrong with it, what to do, SQLite's own
+// text and its extended code. `systemErrno` tells a full disk from a broken one; 0 when unknown.
+Error sqliteError(const std::filesystem::path& file, int extendedCode, int systemErrno,
+                  std::string_view sqliteText);
+
+// What an extended code means for the file.
+bool saysDamaged(int extendedCode);  // the contents are not those of a sound database
+bool saysLocked(int extendedCode);   // another program holds it for longer than the busy timeout
+
+}  // namespace quorlo
