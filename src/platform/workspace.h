@@ -18,6 +18,13 @@ struct RunningApplication {
   bool isActive = false;
 };
 
+// One that the user could start, with windows or without.
+struct InstalledApplication {
+  std::string bundleIdentifier;  // as RunningApplication has it while the application runs
+  std::string localizedName;
+  std::string iconName;  // of the desktop's icon theme, or a file; may be empty
+};
+
 using RunningApplications = std::vector<std::shared_ptr<const RunningApplication>>;
 
 // The applications of the session. Main thread.
@@ -28,6 +35,9 @@ class Workspace {
   // In the order the system gives. The list is kept current by the adapter, so that asking costs no round
   // trip; the reference holds until the next turn of the main queue.
   virtual const RunningApplications& runningApplications() const = 0;
+
+  // Those that the desktop offers to its user, in no order. Reads the disk.
+  virtual std::vector<InstalledApplication> installedApplications() const = 0;
 
   virtual const std::string& ownBundleIdentifier() const = 0;
 

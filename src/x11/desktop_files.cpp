@@ -42,7 +42,9 @@ std::optional<DesktopFile> parse(const std::filesystem::path& path, std::string 
                                  const std::vector<std::string>& nameKeys) {
   std::ifstream stream(path);
   if (!stream) return std::nullopt;
-  DesktopFile file{std::move(identifier), {}, {}};
+  DesktopFile file;
+  file.identifier = std::move(identifier);
+  bool isHidden = false;
   std::size_t nameRank = nameKeys.size() + 1;
   bool inEntry = false;
   for (std::string line; std::getline(stream, line);) {
@@ -57,6 +59,9 @@ std::optional<DesktopFile> parse(const std::filesystem::path& path, std::string 
     const auto start = line.find_first_not_of(' ', equals + 1);
     const std::string value = start != std::string::npos ? line.substr(start) : "";
     if (key == "StartupWMClass") file.windowClass = value;
+    if (key == "Icon") file.icon = value;
+    if (key == "Type") file.isApplication = value == "Application";
+    if (key == "NoDisplay") isHidden = value == "true";
     if (key == "Hidden" && value == "true") return std::nullopt;
     const auto rank = key == "Name"
                           ? nameKeys.size()
@@ -67,6 +72,7 @@ std::optional<DesktopFile> parse(const std::filesystem::path& path, std::string 
     }
   }
   if (!inEntry) return std::nullopt;
+  file.isApplication = file.isApplication && !isHidden;
   return file;
 }
 
@@ -84,6 +90,11 @@ std::vector<std::filesystem::path> DesktopFiles::standardDirectories() {
     if (!directory.empty()) result.push_back(std::filesystem::path(directory) / "applications");
   }
   return result;
+}
+
+const std::vector<DesktopFile>& DesktopFiles::all() {
+  scan();
+  return files_;
 }
 
 const DesktopFile* DesktopFiles::withIdentifier(std::string_view identifier) {

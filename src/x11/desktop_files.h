@@ -15,6 +15,8 @@ struct DesktopFile {
   std::string identifier;   // "org.gnome.TextEditor": the file's name below the directory, without ".desktop"
   std::string name;         // in the user's language where the file has it
   std::string windowClass;  // StartupWMClass; may be empty
+  std::string icon;         // a name in the icon theme or a path; may be empty
+  bool isApplication = false;  // one that menus of applications show
 };
 
 // The installed applications by what their windows say of themselves. The directories are read when first
@@ -25,6 +27,9 @@ class DesktopFiles {
   explicit DesktopFiles(std::vector<std::filesystem::path> directories);
 
   static std::vector<std::filesystem::path> standardDirectories();  // XDG base directories
+
+  // All of them, read anew.
+  const std::vector<DesktopFile>& all();
 
   // Null when no such application is installed. The pointers hold until the next call.
   const DesktopFile* withIdentifier(std::string_view identifier);

@@ -66,6 +66,15 @@ ActiveWindow X11Workspace::activeWindow() const {
   return latest()->active;
 }
 
+std::vector<InstalledApplication> X11Workspace::installedApplications() const {
+  std::vector<InstalledApplication> installed;
+  // Not desktopFiles_, which is the thread's.
+  for (auto& file : DesktopFiles(options_.applicationDirectories).all()) {
+    if (file.isApplication) installed.push_back({file.identifier, file.name, file.icon});
+  }
+  return installed;
+}
+
 bool X11Workspace::openURL(std::string_view url) {
   return openInDesktop(url);
 }

@@ -42,6 +42,7 @@ class X11Workspace : public Workspace {
   ~X11Workspace() override;
 
   const RunningApplications& runningApplications() const override;
+  std::vector<InstalledApplication> installedApplications() const override;
   const std::string& ownBundleIdentifier() const override { return options_.ownBundleIdentifier; }
   bool openURL(std::string_view url) override;
 

@@ -85,6 +85,7 @@ class FakeDesktop : public EventTap,
   };
   std::vector<Post> posts;
   std::vector<std::string> openedUrls;
+  std::vector<InstalledApplication> installed;
 
   // Ports.
 
@@ -96,6 +97,7 @@ class FakeDesktop : public EventTap,
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   bool isProcessTrusted() const override { return trusted_; }
   const RunningApplications& runningApplications() const override { return running_; }
+  std::vector<InstalledApplication> installedApplications() const override { return installed; }
   const std::string& ownBundleIdentifier() const override { return own_; }
   bool openURL(std::string_view url) override {
     openedUrls.emplace_back(url);

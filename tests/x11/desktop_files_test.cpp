@@ -62,6 +62,16 @@ TEST_F(DesktopFilesTest, TheNameIsInTheUsersLanguage) {
   unsetenv("LC_ALL");
 }
 
+TEST_F(DesktopFilesTest, AMenuOfApplicationsShowsThoseThatAreNotHidden) {
+  install("system/editor.desktop", "Name=Editor\nIcon=pencil\n[Desktop Action new]\nNoDisplay=true\n");
+  install("system/helper.desktop", "Name=Helper\nNoDisplay=true\n");
+  install("system/page.desktop", "Name=Page\nType=Link\n");
+  install("user/removed.desktop", "Name=Removed\nHidden=true\n");
+  std::string shown;
+  for (const auto& file : files_.all()) shown += file.isApplication ? file.identifier + " " + file.icon : "";
+  EXPECT_EQ(shown, "editor pencil");
+}
+
 TEST(OpenUrl, OnlyAddressesAreHandedToTheDesktop) {
   for (const auto* url : {"https://example.org/a?b#c", "mailto:a@b", "x-scheme.settings:panel"}) {
     EXPECT_TRUE(isAddress(url)) << url;
