@@ -3,6 +3,7 @@
 #include "base/localized.h"
 #include "engine/fill_in_session.h"
 #include "macros/macro_arguments.h"
+#include "ui/qt_text.h"
 #include "ui/text_answer_edit.h"
 
 #include <QCalendarWidget>
@@ -19,10 +20,6 @@ namespace quorlo {
 namespace {
 
 constexpr int kMostRows = 7;
-
-QString toQString(std::u16string_view text) {
-  return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QWidget* makeTextInput(FillInSession& session, std::size_t field, const FillInFieldEvents& events) {
   auto* const edit = new TextAnswerEdit(toQString(session.text(field)), events.submitted);

@@ -1,10 +1,10 @@
 #include "ui/fill_in_window.h"
 
 #include "app/settings/settings_controller.h"
-#include "base/localized.h"
 #include "engine/fill_in_session.h"
 #include "text/html_writer.h"
 #include "ui/fill_in_fields.h"
+#include "ui/qt_text.h"
 #include "ui/text_answer_edit.h"
 
 #include <QApplication>
@@ -39,10 +39,6 @@ constexpr std::size_t kFieldsAtOnce = 40;
 constexpr int kLongLabel = 24;  // in characters; with a longer one labels stand above their fields
 constexpr int kPreviewLines = 7;
 constexpr double kTransparentOpacity = 0.95;
-
-QString localizedText(std::u16string_view base) {
-  return QString::fromStdU16String(localized(base));
-}
 
 // As high as what it shows, where there is room.
 class FieldsArea : public QScrollArea {
