@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/status_item.h"
+
 #include <QIcon>
 #include <QStringView>
 
@@ -11,8 +13,6 @@ namespace quorlo {
 QIcon symbol(QStringView name);
 
 QIcon programIcon();
-
-enum class StatusImage { regular, hollowed };
 
 // For a panel whose colour nobody tells: cut out of, or drawn in, a colour that is seen on light and dark.
 QIcon statusImage(StatusImage image);
