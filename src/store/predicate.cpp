@@ -124,12 +124,12 @@ Predicate Predicate::contains(const Property& property, std::u16string_view part
   return Predicate(std::make_shared<Node>(Node{Contains{&property, FoldedNeedle(part)}}));
 }
 
-Predicate Predicate::all(std::initializer_list<Predicate> conditions) {
-  return Predicate(std::make_shared<Node>(Node{Join{true, conditions}}));
+Predicate Predicate::all(std::vector<Predicate> conditions) {
+  return Predicate(std::make_shared<Node>(Node{Join{true, std::move(conditions)}}));
 }
 
-Predicate Predicate::any(std::initializer_list<Predicate> conditions) {
-  return Predicate(std::make_shared<Node>(Node{Join{false, conditions}}));
+Predicate Predicate::any(std::vector<Predicate> conditions) {
+  return Predicate(std::make_shared<Node>(Node{Join{false, std::move(conditions)}}));
 }
 
 Predicate Predicate::inParentheses() const {

@@ -5,7 +5,6 @@
 
 #include <concepts>
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,8 +22,8 @@ class Predicate {
   enum class Comparison { equal, notEqual, less, atMost, greater, atLeast };
 
   static Predicate always(bool value);
-  static Predicate all(std::initializer_list<Predicate> conditions);  // joined by AND
-  static Predicate any(std::initializer_list<Predicate> conditions);  // joined by OR
+  static Predicate all(std::vector<Predicate> conditions);  // joined by AND
+  static Predicate any(std::vector<Predicate> conditions);  // joined by OR
 
   static Predicate compare(const Property& property, Comparison comparison, const ValueView& value);
 

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "app/shell/menu_item.h"
+#include "base/life_token.h"
+#include "base/subscription.h"
+#include "platform/key_codes.h"
+#include "store/entity.h"
+#include "store/fetch_request.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+
+class LaunchAtLogin;
+class MainQueue;
+class ManagedObjectContext;
+class NavigationModel;
+class OwnApplication;
+class PasteController;
+class Pasteboard;
+class PersistenceController;
+class QLCategory;
+class QLSnippet;
+class QLSnippetMacroInterpreter;
+class SettingsController;
+class SnippetMenuView;
+class StatusItem;
+class TargetFocus;
+class TypedKeysHold;
+enum class Setting;
+
+// The one menu of the program: snippets grouped by folder, found by a search field, and the commands. It
+// opens at the status item or, by a hot key, at the pointer. A chosen snippet goes into the window that
+// the user came from. One instance; main thread.
+class QLSnippetStatusMenuViewController {
+ public:
+  struct Dependencies {
+    MainQueue& queue;
+    SettingsController& settings;
+    LaunchAtLogin& launchAtLogin;
+    PersistenceController& persistence;
+    const QLSnippetMacroInterpreter& interpreter;
+    PasteController& paste;
+    Pasteboard& generalPasteboard;
+    OwnApplication& application;
+    TargetFocus& focus;
+    TypedKeysHold& typedKeys;
+    StatusItem& statusItem;
+    SnippetMenuView& view;
+    NavigationModel& navigation;
+    std::function<void()> terminate;  // as the user wishes it, with everything that is asked before
+  };
+
+  // The references must outlive the controller. The status item is shown according to the settings.
+  explicit QLSnippetStatusMenuViewController(const Dependencies& dependencies);
+  QLSnippetStatusMenuViewController(const QLSnippetStatusMenuViewController&) = delete;
+  QLSnippetStatusMenuViewController& operator=(const QLSnippetStatusMenuViewController&) = delete;
+
+  // By a hot key: takes the focus and opens the menu at the pointer 0.05 s later. Closes it when it is open.
+  void activateAndPopUpSnippetMenu();
+  // The same, limited to the snippets of the folder.
+  void activateAndPopUpSnippetMenu(const std::shared_ptr<QLCategory>& category);
+  // At the pointer, at once.
+  void popUpSnippetMenu();
+  // A click on the status item.
+  void openAtStatusItem();
+  bool isOpen() const { return isOpen_; }
+  void close();
+
+  const std::u16string& searchString() const { return searchString_; }
+  // Runs the search; the first result is highlighted.
+  void setSearchString(std::u16string searchString);
+  const std::vector<SortDescriptor>& snippetsSortDescriptors() const { return snippetsSortDescriptors_; }
+  // The folder to which the open menu is limited; null for none. Cleared when the menu closes.
+  const std::shared_ptr<QLCategory>& filteredCategory() const { return filteredCategory_; }
+
+  // Does nothing for a snippet that is gone. Into the window that the user came from; into the editor where
+  // that is visible or kOption or kCommand is held.
+  void choose(ObjectID snippet, ModifierFlags flags);
+  // Its text as it would be inserted, fields at their defaults. Nothing is pasted.
+  void copySelectedSnippetToPasteboard(ObjectID snippet);
+  void perform(MenuCommand command);
+
+  // Shows for a moment that something happened.
+  void blink();
+
+ private:
+  enum class FocusAfterwards { giveBack, leave };
+
+  void open(MenuPlace place);
+  void menuWillOpen();
+  void menuDidClose();
+  void rebuild();
+  std::vector<MenuItem> items() const;
+  std::shared_ptr<QLSnippet> snippet(ObjectID id) const;
+  void closeView();
+  void paste(const std::shared_ptr<QLSnippet>& snippet);
+  void copy(const QLSnippet& snippet);
+  void toggleLaunchAtLogin();
+  void settingDidChange(Setting changed);
+  void updateSortDescriptors();
+
+  Dependencies use_;
+  ManagedObjectContext& managedObjectContext;
+  std::u16string searchString_;
+  std::vector<SortDescriptor> snippetsSortDescriptors_;
+  std::shared_ptr<QLCategory> filteredCategory_;
+  bool shouldHighLightOrUnhighlight = false;
+  MenuPlace place_ = MenuPlace::pointer;
+  bool isOpen_ = false;
+  bool itemForMenuBarIsShown_ = false;
+  Subscription settingsObservation_;
+  LifeToken life_;
+};
+
+}  // namespace quorlo
