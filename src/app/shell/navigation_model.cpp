@@ -61,6 +61,10 @@ void NavigationModel::showSettings() {
   windows_.openWindow(kSettingsWindow);
 }
 
+void NavigationModel::closeSheets() {
+  windows_.closeSheets();
+}
+
 void NavigationModel::setPresentsWelcomeView(bool presents) {
   if (presents == presentsWelcomeView_) return;
   presentsWelcomeView_ = presents;

@@ -39,6 +39,7 @@ class NavigationModel {
   // Opens the editor with the snippet selected.
   void showInSnippetEditor(const std::shared_ptr<QLSnippet>& snippet);
   void showSettings();
+  void closeSheets();
 
   // Raising the flag opens the welcome window. Whoever shows that window lowers the flag when it closes.
   bool presentsWelcomeView() const { return presentsWelcomeView_; }

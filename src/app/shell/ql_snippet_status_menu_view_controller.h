@@ -30,6 +30,7 @@ class SnippetMenuView;
 class StatusItem;
 class TargetFocus;
 class TypedKeysHold;
+class Workspace;
 enum class Setting;
 
 // The one menu of the program: snippets grouped by folder, found by a search field, and the commands. It
@@ -46,6 +47,7 @@ class QLSnippetStatusMenuViewController {
     PasteController& paste;
     Pasteboard& generalPasteboard;
     OwnApplication& application;
+    Workspace& workspace;
     TargetFocus& focus;
     TypedKeysHold& typedKeys;
     StatusItem& statusItem;
@@ -59,15 +61,15 @@ class QLSnippetStatusMenuViewController {
   QLSnippetStatusMenuViewController(const QLSnippetStatusMenuViewController&) = delete;
   QLSnippetStatusMenuViewController& operator=(const QLSnippetStatusMenuViewController&) = delete;
 
-  // By a hot key: takes the focus and opens the menu at the pointer 0.05 s later. Closes it when it is open.
-  void activateAndPopUpSnippetMenu();
-  // The same, limited to the snippets of the folder.
-  void activateAndPopUpSnippetMenu(const std::shared_ptr<QLCategory>& category);
+  // By a hot key: opens the menu at the pointer 0.05 s later, limited to the folder's snippets where one is
+  // given. Closes the menu where it is open like that already.
+  void activateAndPopUpSnippetMenu(std::shared_ptr<QLCategory> category = nullptr);
   // At the pointer, at once.
   void popUpSnippetMenu();
   // A click on the status item.
   void openAtStatusItem();
   bool isOpen() const { return isOpen_; }
+  // The focus goes back to the window that the user came from.
   void close();
 
   const std::u16string& searchString() const { return searchString_; }
@@ -80,7 +82,7 @@ class QLSnippetStatusMenuViewController {
   // Does nothing for a snippet that is gone. Into the window that the user came from; into the editor where
   // that is visible or kOption or kCommand is held.
   void choose(ObjectID snippet, ModifierFlags flags);
-  // Its text as it would be inserted, fields at their defaults. Nothing is pasted.
+  // Its text as it would be inserted, fields at their defaults. Nothing is pasted, and the menu closes.
   void copySelectedSnippetToPasteboard(ObjectID snippet);
   void perform(MenuCommand command);
 
@@ -88,20 +90,20 @@ class QLSnippetStatusMenuViewController {
   void blink();
 
  private:
-  enum class FocusAfterwards { giveBack, leave };
-
   void open(MenuPlace place);
-  void menuWillOpen();
   void menuDidClose();
+  void closeView();
+  void closeAndGiveBack();
   void rebuild();
+  void rebuildStatusMenu();
+  MenuToggles toggles() const;
   std::vector<MenuItem> items() const;
   std::shared_ptr<QLSnippet> snippet(ObjectID id) const;
-  void closeView();
+  void pasteIntoTarget(std::shared_ptr<QLSnippet> snippet);
   void paste(const std::shared_ptr<QLSnippet>& snippet);
   void copy(const QLSnippet& snippet);
-  void toggleLaunchAtLogin();
+  void toggleLaunchAtLoginStatus();
   void settingDidChange(Setting changed);
-  void updateSortDescriptors();
 
   Dependencies use_;
   ManagedObjectContext& managedObjectContext;
@@ -111,8 +113,12 @@ class QLSnippetStatusMenuViewController {
   bool shouldHighLightOrUnhighlight = false;
   MenuPlace place_ = MenuPlace::pointer;
   bool isOpen_ = false;
-  bool itemForMenuBarIsShown_ = false;
+  bool isAboutToOpen_ = false;
+  bool cameFromOwnWindow_ = false;
+  bool offersToShowInMenuBar_ = false;
+  Subscription hold_;
   Subscription settingsObservation_;
+  Subscription launchAtLoginObservation_;
   LifeToken life_;
 };
 
