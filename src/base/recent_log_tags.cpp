@@ -9,8 +9,8 @@ namespace {
 std::string_view tagOf(std::string_view line) {
   if (!line.starts_with("ERROR") && !line.starts_with("WARNING")) return {};
   const auto start = line.find('#');
-  if (start == std::string_view::npos || line.substr(0, start).find_first_not_of("ERRORWARNING: ") !=
-                                             std::string_view::npos) {
+  if (start == std::string_view::npos ||
+      line.substr(0, start).find_first_not_of("ERRORWARNING: ") != std::string_view::npos) {
     return {};
   }
   const auto end = line.find_first_of(" ;:", start);
