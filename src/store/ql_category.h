@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/key_codes.h"
+#include "platform/shortcut.h"
 #include "store/folder_types.h"
 #include "store/managed_object.h"
 #include "store/predicate.h"
@@ -18,14 +18,6 @@ namespace quorlo {
 struct SortDescriptor;
 class QLApp;
 class QLSnippet;
-
-// A global hot key.
-struct Shortcut {
-  KeyCode keyCode = 0;
-  ModifierFlags modifierFlags = 0;
-
-  bool operator==(const Shortcut&) const = default;
-};
 
 // A folder, built-in or the user's.
 class QLCategory final : public ManagedObject {

@@ -77,6 +77,18 @@ constexpr auto kNamedKeys = std::to_array<NamedKeyEntry>({
 constexpr auto kFunctionKeyCodes = std::to_array<KeyCode>(
     {122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111, 105, 107, 113, 106, 64, 79, 80, 90});
 
+// Where every layout for X has them: Alt is Mod1, Super is Mod4.
+struct ModifierPlace {
+  std::uint32_t bit;
+  ModifierFlags flag;
+};
+constexpr auto kModifierPlaces = std::to_array<ModifierPlace>({
+    {1U << 0U, modifier::kShift},
+    {1U << 2U, modifier::kCommand},
+    {1U << 3U, modifier::kOption},
+    {1U << 6U, modifier::kControl},
+});
+
 bool isFunctionKey(XKeysym keysym) {
   return keysym >= XKB_KEY_F1 && keysym <= XKB_KEY_F35;
 }
@@ -118,6 +130,22 @@ std::optional<char16_t> charactersOfNamedKey(XKeysym keysym) {
   const auto* named = namedKey(keysym);
   if (named == nullptr || named->character == 0) return std::nullopt;
   return named->character;
+}
+
+ModifierFlags flagsOfState(std::uint32_t modifiers) {
+  ModifierFlags flags = 0;
+  for (const auto& place : kModifierPlaces) {
+    if ((modifiers & place.bit) != 0) flags |= place.flag;
+  }
+  return flags;
+}
+
+std::uint32_t stateOfFlags(ModifierFlags flags) {
+  std::uint32_t modifiers = 0;
+  for (const auto& place : kModifierPlaces) {
+    if ((flags & place.flag) != 0) modifiers |= place.bit;
+  }
+  return modifiers;
 }
 
 bool isModifier(XKeysym keysym) {

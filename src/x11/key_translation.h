@@ -32,6 +32,11 @@ XKeysym keysymOfNamedKey(KeyCode code);
 // keysym's own character.
 std::optional<char16_t> charactersOfNamedKey(XKeysym keysym);
 
+// Modifiers as X numbers them in its events, and those among them that have a flag.
+ModifierFlags flagsOfState(std::uint32_t modifiers);
+// Of kShortcutModifiers; other flags count for nothing.
+std::uint32_t stateOfFlags(ModifierFlags flags);
+
 // Keys that change what other keys do: never reported, and passed on as they are.
 bool isModifier(XKeysym keysym);
 // Those in effect only while held, which may be let go and pressed again; not Caps Lock and the like.

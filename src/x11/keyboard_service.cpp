@@ -36,6 +36,7 @@ Status KeyboardService::openSession() {
   if (!session) return session.error();
   session_ = std::move(session).value();
   problem_ = session_->problem();
+  session_->setHotKeys(hotKeys_);
   map_.reset();
   return {};
 }
@@ -67,6 +68,11 @@ void KeyboardService::closeTap() {
 
 void KeyboardService::report(const KeyDownEvent& event) {
   if (const auto conversation = conversation_) conversation->report(event);
+}
+
+void KeyboardService::setHotKeys(std::set<Shortcut> hotKeys) {
+  hotKeys_ = std::move(hotKeys);
+  if (session_) session_->setHotKeys(hotKeys_);
 }
 
 void KeyboardService::beginHold() {

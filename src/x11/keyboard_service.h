@@ -3,6 +3,7 @@
 #include "base/result.h"
 #include "platform/event_tap.h"
 #include "platform/main_queue.h"
+#include "platform/shortcut.h"
 #include "x11/key_map.h"
 #include "x11/key_stream.h"
 #include "x11/keyboard_session.h"
@@ -11,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace quorlo {
 
@@ -26,6 +28,8 @@ class KeyboardService {
   std::unique_ptr<EventTap::Port> createTap(EventTap::Callback callback, void* userInfo);
   // A key that this program posts, for the callback of the tap.
   void report(const KeyDownEvent& event);
+  // Combinations that are no typing: the tap passes them on without asking.
+  void setHotKeys(std::set<Shortcut> hotKeys);
 
   void beginHold();
   void endHold();
@@ -50,6 +54,7 @@ class KeyboardService {
   std::optional<Error> problem_;
   std::unique_ptr<KeyboardSession> session_;       // null once the server is gone
   std::shared_ptr<TapConversation> conversation_;  // while a port lives
+  std::set<Shortcut> hotKeys_;
   mutable std::optional<KeyMap> map_;
   mutable std::uint64_t mapGeneration_ = 0;
   std::shared_ptr<char> alive_ = std::make_shared<char>();

@@ -99,14 +99,19 @@ bool KeyboardSession::takeKeyboards() {
 }
 
 TapVerdict KeyboardSession::keyPressed(const KeyDownEvent& event) {
-  return conversation_ ? conversation_->ask(event) : TapVerdict::pass;
+  if (!conversation_ || isHotKey(event)) return TapVerdict::pass;
+  return conversation_->ask(event);
 }
 
 void KeyboardSession::keyRepeated(const KeyDownEvent& event) {
-  if (!conversation_) return;
+  if (!conversation_ || isHotKey(event)) return;
   auto notice = event;
   notice.origin = KeyDownEvent::Origin::posted;
   conversation_->tell(notice);
+}
+
+bool KeyboardSession::isHotKey(const KeyDownEvent& event) const {
+  return hotKeys_.contains(normalized({event.keyCode, event.flags}));
 }
 
 void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
@@ -142,6 +147,10 @@ void KeyboardSession::handleMapChange(bool onlyKeysyms) {
   stream_->setMap(std::move(*map));
   stream_->setLocks(link_.locks());
   ++mapGeneration_;
+}
+
+void KeyboardSession::setHotKeys(std::set<Shortcut> hotKeys) {
+  loop_.post([this, hotKeys = std::move(hotKeys)] { hotKeys_ = hotKeys; });
 }
 
 void KeyboardSession::beginHold() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "platform/shortcut.h"
 #include "x11/guard_process.h"
 #include "x11/key_stream.h"
 #include "x11/keyboard_link.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace quorlo {
@@ -38,6 +40,9 @@ class KeyboardSession : KeyStream::Judge {
   bool beginTap(std::shared_ptr<TapConversation> conversation);
   void endTap();
   bool isTapping() const { return tapping_; }
+
+  // Combinations to pass on without asking.
+  void setHotKeys(std::set<Shortcut> hotKeys);
 
   void beginHold();
   void endHold();
@@ -64,6 +69,7 @@ class KeyboardSession : KeyStream::Judge {
   void keyRepeated(const KeyDownEvent& event) override;
   void handleEvent(const xcb_generic_event_t& event);
   void handleMapChange(bool onlyKeysyms);
+  bool isHotKey(const KeyDownEvent& event) const;
   bool takeKeyboards();
   void watchHold();
   // Another thread has waited for a reply, which may have brought events along.
@@ -79,6 +85,7 @@ class KeyboardSession : KeyStream::Judge {
   std::optional<KeyStream> stream_;                // present unless there is a problem
   std::unique_ptr<GuardProcess> guard_;            // used on the thread while tapping
   std::shared_ptr<TapConversation> conversation_;  // on the thread
+  std::set<Shortcut> hotKeys_;                     // on the thread
   bool tapping_ = false;                           // main thread
   bool grabbing_ = false;                          // on the thread
   bool watchingHold_ = false;                      // on the thread

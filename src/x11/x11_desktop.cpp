@@ -7,6 +7,7 @@
 #include "x11/x11_accessibility_trust.h"
 #include "x11/x11_event_poster.h"
 #include "x11/x11_event_tap.h"
+#include "x11/x11_hot_key_center.h"
 #include "x11/x11_keyboard_layout.h"
 #include "x11/x11_mouse_monitor.h"
 #include "x11/x11_pasteboard.h"
@@ -56,6 +57,7 @@ struct X11Desktop::Parts {
   std::unique_ptr<KeyboardService> keyboard;
   std::unique_ptr<X11AccessibilityTrust> trust;
   std::unique_ptr<X11KeyboardLayout> layout;
+  std::unique_ptr<X11HotKeyCenter> hotKeys;
   std::unique_ptr<X11EventTap> tap;
   std::unique_ptr<X11EventPoster> poster;
   std::unique_ptr<X11TypedKeysHold> hold;
@@ -100,6 +102,9 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
 
   p.trust = std::make_unique<X11AccessibilityTrust>(*p.x, *p.keyboard);
   p.layout = std::make_unique<X11KeyboardLayout>(*p.keyboard);
+  auto hotKeys = X11HotKeyCenter::connect({display, lost}, queue, *p.keyboard, *p.layout);
+  if (!hotKeys) return hotKeys.error();
+  p.hotKeys = std::move(hotKeys).value();
   p.tap = std::make_unique<X11EventTap>(*p.keyboard);
   p.poster = std::make_unique<X11EventPoster>(
       *p.keyboard, p.chords, [&p] { return p.workspace->activeWindow(); },
@@ -135,6 +140,9 @@ MouseMonitor& X11Desktop::mouseMonitor() {
 }
 KeyboardLayout& X11Desktop::keyboardLayout() {
   return *parts_->layout;
+}
+HotKeyCenter& X11Desktop::hotKeyCenter() {
+  return *parts_->hotKeys;
 }
 AccessibilityTrust& X11Desktop::accessibilityTrust() {
   return *parts_->trust;

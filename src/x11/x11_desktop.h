@@ -12,6 +12,7 @@ namespace quorlo {
 class AccessibilityTrust;
 class EventPoster;
 class EventTap;
+class HotKeyCenter;
 class KeyboardLayout;
 class MainQueue;
 class MouseMonitor;
@@ -45,6 +46,7 @@ class X11Desktop {
   TypedKeysHold& typedKeysHold();
   MouseMonitor& mouseMonitor();
   KeyboardLayout& keyboardLayout();
+  HotKeyCenter& hotKeyCenter();
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
   Pasteboard& pasteboard();

@@ -13,6 +13,8 @@ class X11KeyboardLayout : public KeyboardLayout {
 
   std::optional<KeyCode> keyCodeForCharacter(char16_t character) const override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
+  std::u16string labelOfKey(KeyCode code) const override;
+  std::optional<Shortcut> shortcutOf(const NativeKeyPress& press) const override;
 
  private:
   std::optional<KeyCode> keyCodeForKeysym(std::uint32_t keysym) const;

@@ -95,6 +95,11 @@ class FakeDesktop : public EventTap,
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
   std::optional<KeyCode> keyCodeForCharacter(char16_t character) const override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
+  std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
+  // The native numbers of the fake are the program's own.
+  std::optional<Shortcut> shortcutOf(const NativeKeyPress& press) const override {
+    return Shortcut{static_cast<KeyCode>(press.keycode), press.modifiers};
+  }
   bool isProcessTrusted() const override { return trusted_; }
   const RunningApplications& runningApplications() const override { return running_; }
   std::vector<InstalledApplication> installedApplications() const override { return installed; }

@@ -4,36 +4,48 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <utility>
 
 namespace quorlo {
 
+// The test presses the combinations. Those in `takenByOthers` belong to another program.
 class FakeHotKeyCenter : public HotKeyCenter {
  public:
-  Result<Subscription> registerHotKey(KeyCode code, ModifierFlags flags,
-                                      std::function<void()> pressed) override {
-    const Combination combination{code, flags};
-    if (!registered_->emplace(combination, std::move(pressed)).second) {
+  Result<Subscription> registerHotKey(Shortcut shortcut, std::function<void()> pressed) override {
+    shortcut = normalized(shortcut);
+    if (takenByOthers.contains(shortcut) ||
+        !state_->registered.emplace(shortcut, std::move(pressed)).second) {
       return Error{"The combination is taken"};
     }
-    return Subscription([weak = std::weak_ptr(registered_), combination] {
-      if (const auto registered = weak.lock()) registered->erase(combination);
+    return Subscription([weak = std::weak_ptr(state_), shortcut] {
+      if (const auto state = weak.lock()) state->registered.erase(shortcut);
+    });
+  }
+  Subscription suspend() override {
+    ++state_->suspensions;
+    return Subscription([weak = std::weak_ptr(state_)] {
+      if (const auto state = weak.lock()) --state->suspensions;
     });
   }
 
-  // False when nothing is registered for the combination.
-  bool press(KeyCode code, ModifierFlags flags) const {
-    const auto found = registered_->find({code, flags});
-    if (found == registered_->end()) return false;
+  // False when nothing is called back.
+  bool press(Shortcut shortcut) const {
+    const auto found = state_->registered.find(normalized(shortcut));
+    if (found == state_->registered.end() || state_->suspensions > 0) return false;
     const auto pressed = found->second;
     pressed();
     return true;
   }
 
+  std::set<Shortcut> takenByOthers;
+
  private:
-  using Combination = std::pair<KeyCode, ModifierFlags>;
-  std::shared_ptr<std::map<Combination, std::function<void()>>> registered_ =
-      std::make_shared<std::map<Combination, std::function<void()>>>();
+  struct State {
+    std::map<Shortcut, std::function<void()>> registered;
+    int suspensions = 0;
+  };
+  std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 }  // namespace quorlo
