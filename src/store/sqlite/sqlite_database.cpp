@@ -8,6 +8,13 @@
 #include <utility>
 
 namespace quorlo {
+namespace {
+
+// The limit gives the room of an unusually large save back.
+constexpr const char* kSettings =
+    "PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 16777216";
+
+}  // namespace
 
 SqliteDatabase::SqliteDatabase(std::filesystem::path file) : file_(std::move(file)) {}
 
@@ -25,8 +32,14 @@ Status SqliteDatabase::open(Access access, std::chrono::milliseconds busyTimeout
     close();
     return error;
   }
+  // SQLite is content to read where it may not write.
+  if (access != Access::readOnly && sqlite3_db_readonly(connection_, "main") == 1) {
+    const auto error = failure(SQLITE_READONLY);
+    close();
+    return error;
+  }
   sqlite3_busy_timeout(connection_, static_cast<int>(busyTimeout.count()));
-  if (auto status = execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL"); !status) {
+  if (auto status = execute(kSettings); !status) {
     close();
     return status;
   }
@@ -42,6 +55,11 @@ void SqliteDatabase::close() {
   assert(code == SQLITE_OK);
   static_cast<void>(code);
   connection_ = nullptr;
+}
+
+void SqliteDatabase::closeUntouched() {
+  if (isOpen()) sqlite3_db_config(connection_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  close();
 }
 
 Status SqliteDatabase::useWriteAheadLog() {

@@ -40,6 +40,8 @@ class SqliteDatabase {
   bool isOpen() const { return connection_ != nullptr; }
   // The last connection to a file merges its write-ahead log and removes the side files.
   void close();
+  // Leaves the write-ahead log unmerged, for a file that is not to be written to any more.
+  void closeUntouched();
 
   const std::filesystem::path& file() const { return file_; }
 
