@@ -7,6 +7,7 @@
 #include "platform/background_queue.h"
 #include "platform/environment.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -47,20 +48,30 @@ const fs::path& SoundManager::defaultSoundURL() {
   return *defaultSoundURL_;
 }
 
-void SoundManager::addCustomSound(const fs::path& chosen) {
+std::vector<std::string> SoundManager::customSounds() {
+  std::vector<std::string> names;
+  std::error_code failure;
+  for (const auto& file : fs::directory_iterator(customSoundsFolder(), failure)) {
+    if (file.is_regular_file(failure)) names.push_back(file.path().filename().string());
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+SoundManager::Addition SoundManager::addCustomSound(const fs::path& chosen) {
   const auto duration = player_.duration(chosen);
   if (!duration) {
     logError("ERROR: #jzi<38rr " + duration.error().message);
-    return;
+    return Addition::noAudio;
   }
   if (duration.value() > kLongestSound) {
     logWarning("WARNING: #rheoue - Audio file is longer than 4 seconds");
-    return;
+    return Addition::tooLong;
   }
   const auto destination = customSoundsFolder() / chosen.filename();
   std::error_code failure;
   // The sound that is already in place must not be removed before it is copied onto itself.
-  if (fs::equivalent(chosen, destination, failure)) return;
+  if (fs::equivalent(chosen, destination, failure)) return Addition::added;
   fs::remove(destination, failure);
   if (failure) {
     fatal("ERROR: The custom sound " + destination.string() + " cannot be replaced: " + failure.message());
@@ -70,6 +81,16 @@ void SoundManager::addCustomSound(const fs::path& chosen) {
     fatal("ERROR: The sound " + chosen.string() + " cannot be copied to " + destination.string() + ": " +
           failure.message());
   }
+  return Addition::added;
+}
+
+void SoundManager::removeCustomSound(const std::string& fileName) {
+  std::error_code failure;
+  fs::remove(customSoundsFolder() / fs::path(fileName).filename(), failure);
+  if (failure) logWarning("WARNING: The custom sound could not be removed. " + failure.message());
+  if (settings_.snippetExpansionSound() != SnippetExpansionSound::custom) return;
+  if (settings_.customSnippetSound() == fileName)
+    settings_.setSnippetExpansionSound(SnippetExpansionSound::magnet);
 }
 
 fs::path SoundManager::customSoundsFolder() {

@@ -4,6 +4,9 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quorlo {
 
@@ -29,9 +32,16 @@ class SoundManager {
   // The file of the current sound. One of the user's own may be missing by now.
   const std::filesystem::path& defaultSoundURL();
 
+  // The file names in the custom-sounds folder, in order.
+  std::vector<std::string> customSounds();
+
   // Copies a sound that the user chose into the custom-sounds folder, where it replaces one of the same
   // name. A file that is no audio or longer than 4 s is logged and refused.
-  void addCustomSound(const std::filesystem::path& chosen);
+  enum class Addition { added, noAudio, tooLong };
+  Addition addCustomSound(const std::filesystem::path& chosen);
+
+  // Where it was the sound of expansions, the default sound takes its place.
+  void removeCustomSound(const std::string& fileName);
 
   // Made when first needed.
   std::filesystem::path customSoundsFolder();

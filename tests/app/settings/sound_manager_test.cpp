@@ -88,7 +88,8 @@ TEST_F(SoundManagerTest, PlaysInTheBackgroundAndOutlivesAMissingFile) {
 }
 
 TEST_F(SoundManagerTest, TakesSoundsOfUpToFourSecondsAndReplacesOneOfTheSameName) {
-  sounds_.addCustomSound(choose("first", Seconds(4.0)));
+  using Addition = SoundManager::Addition;
+  EXPECT_EQ(sounds_.addCustomSound(choose("first", Seconds(4.0))), Addition::added);
   EXPECT_EQ(customGong(), "first");
   sounds_.addCustomSound(choose("second", Seconds(3)));
   EXPECT_EQ(customGong(), "second");
@@ -96,11 +97,21 @@ TEST_F(SoundManagerTest, TakesSoundsOfUpToFourSecondsAndReplacesOneOfTheSameName
   const auto kept = sounds_.customSoundsFolder() / "gong.wav";
   player_.durations[kept] = Seconds(3);
   sounds_.addCustomSound(kept);
-  sounds_.addCustomSound(choose("third", Seconds(4.5)));
-  sounds_.addCustomSound(chosen_ / "missing.wav");
+  EXPECT_EQ(sounds_.addCustomSound(choose("third", Seconds(4.5))), Addition::tooLong);
+  EXPECT_EQ(sounds_.addCustomSound(chosen_ / "missing.wav"), Addition::noAudio);
   EXPECT_EQ(customGong(), "second");
   EXPECT_THAT(log_, ElementsAre("WARNING: #rheoue - Audio file is longer than 4 seconds",
                                 testing::StartsWith("ERROR: #jzi<38rr ")));
+}
+
+TEST_F(SoundManagerTest, TheDefaultSoundTakesThePlaceOfARemovedOne) {
+  sounds_.addCustomSound(choose("gong", Seconds(1)));
+  EXPECT_THAT(sounds_.customSounds(), ElementsAre("gong.wav"));
+  settings_.setCustomSnippetSound("gong.wav");
+  settings_.setSnippetExpansionSound(SnippetExpansionSound::custom);
+  sounds_.removeCustomSound("gong.wav");
+  EXPECT_THAT(sounds_.customSounds(), IsEmpty());
+  EXPECT_EQ(settings_.snippetExpansionSound(), SnippetExpansionSound::magnet);
 }
 
 TEST_F(SoundManagerTest, CannotGoOnWithoutItsFiles) {

@@ -1,0 +1,70 @@
+#include "app/settings/settings_controller.h"
+#include "platform/environment.h"
+#include "platform/workspace.h"
+#include "ui/settings/settings_page.h"
+#include "ui/settings/settings_pages.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QUrl>
+
+#include <filesystem>
+#include <system_error>
+
+namespace quorlo {
+namespace {
+
+class AdvancedPage : public SettingsPage {
+ public:
+  explicit AdvancedPage(const SettingsServices& services)
+      : SettingsPage(services.settings, u"Advanced"), services_(services) {
+    auto& settings = services.settings;
+    beginGroup(u"Finding faults");
+    addSwitch(
+        u"Debug mode", [&settings] { return settings.debugModeEnabled(); },
+        [&settings, &environment = services.environment](bool on) {
+          if (on) settings.setDebugEnabledDate(environment.now());
+          settings.setDebugModeEnabled(on);
+        },
+        u"Quorlo writes a detailed log, which may name titles and abbreviations of snippets but holds no other "
+        u"text. Debug mode ends by itself after 24 hours.");
+    auto* const buttons = new QWidget;
+    auto* const row = new QHBoxLayout(buttons);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* const log = new QPushButton(localizedText(u"Show Log"));
+    auto* const folder = new QPushButton(localizedText(u"Open Data Folder"));
+    row->addWidget(log);
+    row->addWidget(folder);
+    row->addStretch();
+    addWidget(buttons);
+    notice_ = addHint(u"There is no log yet. It is written while debug mode is on.");
+    notice_->hide();
+    connect(log, &QPushButton::clicked, this,
+            [this] { open(services_.environment.dataDirectory() / "Quorlo.log"); });
+    connect(folder, &QPushButton::clicked, this, [this] { open(services_.environment.dataDirectory()); });
+  }
+
+ private:
+  void open(const std::filesystem::path& path) {
+    std::error_code failure;
+    const bool exists = std::filesystem::exists(path, failure);
+    const auto address = QUrl::fromLocalFile(QString::fromStdString(path.string())).toEncoded().toStdString();
+    const bool isOpen = exists && services_.workspace.openURL(address);
+    notice_->setText(exists ? localizedText(u"Your desktop has no program that opens this: %1")
+                                  .arg(QString::fromStdString(path.string()))
+                            : localizedText(u"There is no log yet. It is written while debug mode is on."));
+    notice_->setVisible(!isOpen);
+  }
+
+  SettingsServices services_;
+  QLabel* notice_;
+};
+
+}  // namespace
+
+SettingsPage* makeAdvancedPage(const SettingsServices& services) {
+  return new AdvancedPage(services);
+}
+
+}  // namespace quorlo

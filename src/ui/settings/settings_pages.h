@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+
+namespace quorlo {
+
+class Environment;
+class LaunchAtLogin;
+class PersistenceController;
+class SettingsController;
+class SettingsPage;
+class SoundManager;
+class Workspace;
+
+// What the pages of the settings window change and use; all of it outlives the window.
+struct SettingsServices {
+  SettingsController& settings;
+  SoundManager& sound;
+  PersistenceController& persistence;
+  Workspace& workspace;
+  const Environment& environment;
+  LaunchAtLogin& launchAtLogin;
+  std::function<void()> showWelcome;
+  std::function<void()> showAbout;
+};
+
+// One file each. The caller owns the page.
+SettingsPage* makeGeneralPage(const SettingsServices& services);
+SettingsPage* makeExpansionPage(const SettingsServices& services);
+SettingsPage* makeApplicationsPage(const SettingsServices& services);
+SettingsPage* makeSoundsPage(const SettingsServices& services);
+SettingsPage* makeMenuPage(const SettingsServices& services);
+SettingsPage* makeFillInPage(const SettingsServices& services);
+SettingsPage* makeEditorPage(const SettingsServices& services);
+SettingsPage* makeAdvancedPage(const SettingsServices& services);
+
+}  // namespace quorlo

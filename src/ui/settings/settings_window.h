@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QWidget>
+
+class QListWidget;
+class QStackedWidget;
+
+namespace quorlo {
+
+class SettingsPage;
+struct SettingsServices;
+
+// All settings, in pages. A change holds at once, and the controls follow changes made elsewhere.
+class SettingsWindow : public QWidget {
+ public:
+  // Everything that the services refer to must outlive the window.
+  explicit SettingsWindow(const SettingsServices& services);
+
+  // Shows the window in front of others, on the page that was seen last.
+  void present();
+
+ private:
+  void addPage(SettingsPage* page, QStringView symbolName);
+
+  QListWidget* titles_;
+  QStackedWidget* pages_;
+  QSize largestPage_;
+};
+
+}  // namespace quorlo
