@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -80,6 +81,16 @@ Obstacle damage(const fs::path& store, std::string_view what) {
           true};
 }
 
+// SQLite itself counts a part of a page as a page and reads zeros for the rest. While there is a log, the
+// page may be whole in it.
+bool endsWithinAPage(const fs::path& store, std::int64_t pageSize) {
+  std::error_code failure;
+  const auto log = fs::file_size(storeSideFile(store, "-wal"), failure);
+  if (!failure && log > 0) return false;
+  const auto size = fs::file_size(store, failure);
+  return !failure && size % static_cast<std::uintmax_t>(pageSize) != 0;
+}
+
 std::optional<Obstacle> openAndMigrate(SqliteDatabase& store, std::chrono::milliseconds busyTimeout) {
   const auto failed = [&store](const Error& error) {
     return Obstacle{error, saysDamaged(store.failureCode())};
@@ -98,6 +109,9 @@ std::optional<Obstacle> openAndMigrate(SqliteDatabase& store, std::chrono::milli
                      ", the newest known here " + std::to_string(kSchemaVersion) +
                      "). Install that version of Quorlo or a later one."}};
   }
+  const auto pageSize = store.integer("PRAGMA page_size");
+  if (!pageSize) return failed(pageSize.error());
+  if (endsWithinAPage(store.file(), pageSize.value())) return damage(store.file(), "its end is missing.");
   if (const auto logged = store.useWriteAheadLog(); !logged) return failed(logged.error());
   if (const auto migrated = migrateSchema(store); !migrated) return failed(migrated.error());
   return std::nullopt;
