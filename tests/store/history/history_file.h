@@ -26,12 +26,15 @@ class HistoryFile {
   void add(int time, const std::string& author, const std::string& contextName,
            const std::string& entity = "Snippet", int row = 1, int kind = 0,
            const std::string& changedProperties = "") {
-    EXPECT_TRUE(database.execute("INSERT INTO HistoryTransaction(timestamp, author, contextName) VALUES(" +
+    auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::write);
+    ASSERT_TRUE(transaction);
+    ASSERT_TRUE(database.execute("INSERT INTO HistoryTransaction(timestamp, author, contextName) VALUES(" +
                                  std::to_string(time) + ", '" + author + "', '" + contextName + "')"));
-    EXPECT_TRUE(database.execute(
+    ASSERT_TRUE(database.execute(
         "INSERT INTO HistoryChange(transactionNumber, entity, row, uuid, kind, changedProperties) VALUES(" +
         std::to_string(database.lastInsertRowNumber()) + ", '" + entity + "', " + std::to_string(row) +
         ", '', " + std::to_string(kind) + ", '" + changedProperties + "')"));
+    ASSERT_TRUE(transaction.value().commit());
   }
 
   TempDir directory;

@@ -1,0 +1,49 @@
+#include "store/history/history_reader.h"
+
+#include "store/history/history_purge.h"
+#include "store/history/persistent_history_fetcher.h"
+
+#include <utility>
+
+namespace quorlo {
+
+HistoryReader::HistoryReader(const std::filesystem::path& storeFile, std::string author,
+                             std::string contextName, std::chrono::milliseconds busyTimeout)
+    : database_(storeFile),
+      author_(std::move(author)),
+      contextName_(std::move(contextName)),
+      busyTimeout_(busyTimeout) {}
+
+Result<NewHistory> HistoryReader::read(Date after) {
+  if (auto status = open(); !status) return status.error();
+  // A commit is written to the file, and noticed, before readers may see it. Once the write lock is ours,
+  // every commit that has been noticed is complete. Nothing is written.
+  const auto lock = SqliteTransaction::begin(database_, SqliteTransaction::Kind::write);
+  if (!lock) return lock.error();
+
+  NewHistory history;
+  {
+    auto statement = database_.prepare("SELECT max(timestamp) FROM HistoryTransaction");
+    if (const auto row = statement.step(); !row) return row.error();
+    history.newest = statement.date(0);
+  }
+  if (!history.newest || *history.newest < after) after = Date::min();
+
+  const auto fetched = PersistentHistoryFetcher{database_, after, author_, contextName_}.fetch();
+  if (!fetched) return fetched.error();
+  if (fetched.value().empty()) return history;
+  history.lastProcessed = fetched.value().back().timestamp;
+  history.changes = walk(fetched.value());
+  return history;
+}
+
+Status HistoryReader::purge(Date through) {
+  if (auto status = open(); !status) return status.error();
+  return purgeHistory(database_, through);
+}
+
+Status HistoryReader::open() {
+  return database_.isOpen() ? Status() : database_.open(SqliteDatabase::Access::readWrite, busyTimeout_);
+}
+
+}  // namespace quorlo

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/date.h"
+#include "base/result.h"
+#include "store/history/remote_changes.h"
+#include "store/sqlite/sqlite_database.h"
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quorlo {
+
+// What others have saved since a moment, and how far the history reaches.
+struct NewHistory {
+  RemoteChanges changes;
+  std::optional<Date> lastProcessed;  // of the last foreign transaction; nil when there was none
+  std::optional<Date> newest;         // of the newest transaction of all; nil in a store without history
+};
+
+// Reads and purges the history through a connection of its own, opened when first needed. One thread at a
+// time.
+class HistoryReader {
+ public:
+  // The own author and context name are left out of what is read.
+  HistoryReader(const std::filesystem::path& storeFile, std::string author, std::string contextName,
+                std::chrono::milliseconds busyTimeout);
+
+  // Includes every commit of which a file watcher can have told before the call. A moment that lies after
+  // the newest transaction is one of another store: then the whole history is read.
+  Result<NewHistory> read(Date after);
+
+  // See purgeHistory.
+  Status purge(Date through);
+
+ private:
+  Status open();
+
+  SqliteDatabase database_;
+  const std::string author_;
+  const std::string contextName_;
+  const std::chrono::milliseconds busyTimeout_;
+};
+
+}  // namespace quorlo

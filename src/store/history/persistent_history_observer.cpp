@@ -1,0 +1,136 @@
+#include "store/history/persistent_history_observer.h"
+
+#include "base/log.h"
+#include "platform/user_defaults.h"
+#include "store/history/store_file_watcher.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace quorlo {
+namespace {
+
+constexpr std::chrono::hours kHistoryLife = std::chrono::days(90);
+constexpr std::chrono::hours kPurgeInterval = std::chrono::days(1);
+constexpr Seconds kFirstRetry(0.5);
+constexpr Seconds kLastRetry(60);
+
+std::string dateKey(AppTarget target) {
+  return "lastHistoryTransactionTimeStamp-" + std::string(rawValue(target));
+}
+
+}  // namespace
+
+PersistentHistoryObserver::PersistentHistoryObserver(AppTarget target, Dependencies dependencies)
+    : target_(target),
+      its_(std::move(dependencies)),
+      reader_(its_.storeFile, its_.author, its_.contextName, its_.busyTimeout),
+      retryDelay_(kFirstRetry) {}
+
+PersistentHistoryObserver::~PersistentHistoryObserver() = default;
+
+Status PersistentHistoryObserver::startObserving() {
+  auto watcher =
+      StoreFileWatcher::watch(its_.storeFile, [&mainQueue = its_.mainQueue, process = life_.guard([this] {
+                                processStoreRemoteChanges();
+                              })] { mainQueue.run(process); });
+  processStoreRemoteChanges();
+  if (!watcher) return watcher.error();
+  watcher_ = std::move(watcher).value();
+  return {};
+}
+
+// Runs the operation on the queue and hands what it returns to the completion on the main thread.
+template <class Outcome>
+void PersistentHistoryObserver::perform(std::function<Outcome()> operation,
+                                        std::function<void(Outcome)> completion) {
+  queue_.addOperation([&mainQueue = its_.mainQueue, operation = std::move(operation),
+                       completion = life_.guard(std::move(completion))] {
+    mainQueue.run([outcome = operation(), completion]() mutable { completion(std::move(outcome)); });
+  });
+}
+
+void PersistentHistoryObserver::processStoreRemoteChanges() {
+  mustProcessAgain_ = true;
+  if (std::exchange(isProcessing_, true)) return;
+  mustProcessAgain_ = false;
+  const auto after = processedThrough_ ? processedThrough_ : storedDate(target_);
+  perform<Result<NewHistory>>([this, after] { return reader_.read(after.value_or(Date::min())); },
+                              [this](const auto& history) { didRead(history); });
+}
+
+void PersistentHistoryObserver::didRead(const Result<NewHistory>& read) {
+  if (!read) {
+    logError("ERROR: #evvfd - Persistent History Tracking failed with error " + read.error().message);
+    return retryLater();
+  }
+  const auto& history = read.value();
+  if (!history.lastProcessed) return didProcess(history);
+  if (const auto status = its_.refresh(history.changes.records); !status) {
+    logError("ERROR: #m7rgH; Couldn't take over what other programs have saved. " + status.error().message);
+    return retryLater();
+  }
+  if (history.changes.foldersToCheck.empty()) return didProcess(history);
+  perform<Result<bool>>(
+      [this, folders = history.changes.foldersToCheck] { return its_.deduplicate(folders); },
+      [this, history](const auto& merged) { didDeduplicate(history, merged); });
+}
+
+void PersistentHistoryObserver::didDeduplicate(const NewHistory& history, const Result<bool>& merged) {
+  if (!merged) {
+    logError("ERROR: #dDup3s; Couldn't merge duplicate folders. " + merged.error().message);
+    return retryLater();
+  }
+  if (merged.value()) mustProcessAgain_ = true;  // the background context has saved
+  didProcess(history);
+}
+
+void PersistentHistoryObserver::didProcess(const NewHistory& history) {
+  retryDelay_ = kFirstRetry;
+  if (history.newest) processedThrough_ = history.newest;
+  if (history.lastProcessed) {
+    its_.defaults.setValue(DefaultsDomain::appGroup, dateKey(target_), *history.lastProcessed);
+  }
+  purgeIfDue();
+}
+
+// What every target with a date has processed is needed by nobody, and is kept a while for those who look
+// for a fault.
+void PersistentHistoryObserver::purgeIfDue() {
+  const auto instant = its_.mainQueue.now();
+  if (!processedThrough_ || (lastPurge_ && instant - *lastPurge_ < kPurgeInterval)) return finish();
+  lastPurge_ = instant;
+  auto through = std::min(its_.now() - kHistoryLife, *processedThrough_);
+  for (const auto target : kAppTargets) {
+    if (const auto date = storedDate(target); date && target != target_) through = std::min(through, *date);
+  }
+  perform<Status>([this, through] { return reader_.purge(through); },
+                  [this](const auto& status) {
+                    if (!status)
+                      logError("ERROR: #pRg3h; Couldn't purge the history. " + status.error().message);
+                    finish();
+                  });
+}
+
+void PersistentHistoryObserver::retryLater() {
+  if (retryDelay_ <= kLastRetry) {
+    its_.mainQueue.runAfter(retryDelay_, life_.guard([this] { processStoreRemoteChanges(); }));
+    retryDelay_ *= 2;
+  }
+  finish();
+}
+
+void PersistentHistoryObserver::finish() {
+  isProcessing_ = false;
+  if (mustProcessAgain_) processStoreRemoteChanges();
+}
+
+std::optional<Date> PersistentHistoryObserver::storedDate(AppTarget target) const {
+  const auto* stored = its_.defaults.value(DefaultsDomain::appGroup, dateKey(target));
+  const auto* date = stored == nullptr ? nullptr : std::get_if<Date>(stored);
+  return date == nullptr ? std::nullopt : std::optional(*date);
+}
+
+}  // namespace quorlo
