@@ -115,6 +115,12 @@ Error SqliteDatabase::failure(int code) {
                      isTheConnections ? sqlite3_errmsg(connection_) : sqlite3_errstr(code));
 }
 
+Error SqliteDatabase::damage(std::string_view what) {
+  failureCode_ = SQLITE_CORRUPT;
+  return {"The library \"" + file_.string() + "\": " + std::string(what) +
+          " Put a backup in its place, or move it away to begin anew."};
+}
+
 void SqliteDatabase::rollBack() {
   // SQLite has rolled back by itself after some failures.
   if (sqlite3_get_autocommit(connection_) == 0)

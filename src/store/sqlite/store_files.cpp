@@ -44,7 +44,7 @@ Status synchronise(const fs::path& file) {
 Status copyFile(const fs::path& from, const fs::path& to) {
   std::error_code failure;
   fs::copy_file(from, to, fs::copy_options::overwrite_existing, failure);
-  if (failure) return fileError(to, failure);
+  if (failure) return fileError(from.string() + "\" to \"" + to.string(), failure);
   fs::permissions(to, kPrivateFile, failure);
   if (failure) return fileError(to, failure);
   const auto time = fs::last_write_time(from, failure);

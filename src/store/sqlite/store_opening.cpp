@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -69,18 +68,6 @@ Status beginStore(const fs::path& store, Date now) {
   return {};
 }
 
-// Why the store cannot be used.
-struct Obstacle {
-  Error error;
-  bool isDamage = false;
-};
-
-Obstacle damage(const fs::path& store, std::string_view what) {
-  return {{"The library \"" + store.string() + "\": " + std::string(what) +
-           " Put a backup in its place, or move it away to begin anew."},
-          true};
-}
-
 // SQLite itself counts a part of a page as a page and reads zeros for the rest. While there is a log, the
 // page may be whole in it.
 bool endsWithinAPage(const fs::path& store, std::int64_t pageSize) {
@@ -91,40 +78,25 @@ bool endsWithinAPage(const fs::path& store, std::int64_t pageSize) {
   return !failure && size % static_cast<std::uintmax_t>(pageSize) != 0;
 }
 
-std::optional<Obstacle> openAndMigrate(SqliteDatabase& store, std::chrono::milliseconds busyTimeout) {
-  const auto failed = [&store](const Error& error) {
-    return Obstacle{error, saysDamaged(store.failureCode())};
-  };
+Status openAndMigrate(SqliteDatabase& store, std::chrono::milliseconds busyTimeout) {
   // SQLite would take the file for a new database and remove the write-ahead log beside it.
   std::error_code failure;
-  if (fs::file_size(store.file(), failure) == 0 && !failure) return damage(store.file(), "it is empty.");
+  if (fs::file_size(store.file(), failure) == 0 && !failure) return store.damage("it is empty.");
 
-  if (const auto opened = store.open(Access::readWrite, busyTimeout); !opened) return failed(opened.error());
+  if (auto opened = store.open(Access::readWrite, busyTimeout); !opened) return opened;
   const auto version = store.integer("PRAGMA user_version");
-  if (!version) return failed(version.error());
-  if (version.value() < 1) return damage(store.file(), "it is a database, but no library of Quorlo.");
+  if (!version) return version.error();
+  if (version.value() < 1) return store.damage("it is a database, but no library of Quorlo.");
   if (version.value() > kSchemaVersion) {
-    return Obstacle{{"The library \"" + store.file().string() +
-                     "\" was made by a newer Quorlo (its layout is " + std::to_string(version.value()) +
-                     ", the newest known here " + std::to_string(kSchemaVersion) +
-                     "). Install that version of Quorlo or a later one."}};
+    return Error{"The library \"" + store.file().string() + "\" was made by a newer Quorlo (its layout is " +
+                 std::to_string(version.value()) + ", the newest known here " +
+                 std::to_string(kSchemaVersion) + "). Install that version of Quorlo or a later one."};
   }
   const auto pageSize = store.integer("PRAGMA page_size");
-  if (!pageSize) return failed(pageSize.error());
-  if (endsWithinAPage(store.file(), pageSize.value())) return damage(store.file(), "its end is missing.");
-  if (const auto logged = store.useWriteAheadLog(); !logged) return failed(logged.error());
-  if (const auto migrated = migrateSchema(store); !migrated) return failed(migrated.error());
-  return std::nullopt;
-}
-
-Error loadError(SqliteDatabase& store, const Obstacle& obstacle, Date now) {
-  store.closeUntouched();
-  auto message = std::string(kLoadFailure) + obstacle.error.message;
-  if (!obstacle.isDamage) return {std::move(message)};
-  const auto copy = copyForRescue(store.file(), now);
-  if (copy)
-    return {message + " Nothing in it was changed. A copy is kept as \"" + copy.value().string() + "\"."};
-  return {message + " Nothing in it was changed. No copy could be kept: " + copy.error().message};
+  if (!pageSize) return pageSize.error();
+  if (endsWithinAPage(store.file(), pageSize.value())) return store.damage("its end is missing.");
+  if (auto logged = store.useWriteAheadLog(); !logged) return logged;
+  return migrateSchema(store);
 }
 
 fs::path resolved(const fs::path& file) {
@@ -151,14 +123,20 @@ Result<std::unique_ptr<SqliteDatabase>> openStore(const fs::path& directory,
   }
   auto store = std::make_unique<SqliteDatabase>(resolved(name));
   makeStorePrivate(store->file());
-  if (const auto obstacle = openAndMigrate(*store, options.busyTimeout)) {
-    return loadError(*store, *obstacle, options.now);
+  if (const auto opened = openAndMigrate(*store, options.busyTimeout); !opened) {
+    return storeLoadFailure(*store, opened.error(), options.now);
   }
   return store;
 }
 
 Error storeLoadFailure(SqliteDatabase& store, const Error& cause, Date now) {
-  return loadError(store, {cause, saysDamaged(store.failureCode())}, now);
+  store.closeUntouched();
+  auto message = std::string(kLoadFailure) + cause.message;
+  if (!saysDamaged(store.failureCode())) return {std::move(message)};
+  const auto copy = copyForRescue(store.file(), now);
+  if (copy)
+    return {message + " Nothing in it was changed. A copy is kept as \"" + copy.value().string() + "\"."};
+  return {message + " Nothing in it was changed. No copy could be kept: " + copy.error().message};
 }
 
 }  // namespace quorlo
