@@ -11,9 +11,11 @@
 #include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace quorlo {
 
@@ -35,6 +37,15 @@ void selectMapChanges(const XConnection& x, std::uint16_t keyboard) {
   constexpr std::uint16_t kMap = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
   xcb_xkb_select_events_aux(x.get(), keyboard, kWhich, 0, 0, kMap, kMap, &details);
   x.flush();
+}
+
+// Caps Lock and Num Lock are modifiers to the server, and a grab is for exactly its modifiers.
+std::vector<std::uint32_t> withLocks(std::uint32_t modifiers, std::uint32_t locks) {
+  std::vector<std::uint32_t> result;
+  for (std::uint32_t some = locks;; some = (some - 1) & locks) {
+    result.push_back(modifiers | some);
+    if (some == 0) return result;
+  }
 }
 
 }  // namespace
@@ -78,36 +89,35 @@ Result<Subscription> X11HotKeyCenter::registerHotKey(Shortcut shortcut, std::fun
   const auto failure = [&](std::u16string_view message) {
     return withText(localized(message), shortcutText(shortcut, layout_));
   };
-  if (!map_) {
-    if (auto map = KeyMap::ofServer(x_->get(), masterKeyboard_)) useMap(std::move(*map));
-  }
+  if (!map_) readMap();
   const auto key = keyFor(shortcut);
   if (inputOpcode_ == 0 || key.keycode == 0) return failure(u"There is no key on this keyboard for %@.");
-  for (const auto& [other, hotKey] : hotKeys_) {
-    if (other == shortcut || hotKey.key == key) return failure(u"%@ is already in use in Quorlo.");
+  const auto isTheSame = [&](const auto& other) { return keyFor(other.first) == key; };
+  if (std::ranges::any_of(hotKeys_, isTheSame)) return failure(u"%@ is already in use in Quorlo.");
+  HotKey hotKey{std::nullopt, std::move(pressed)};
+  if (suspensions_ == 0) {
+    if (!grab(key)) return failure(u"%@ is in use by another program.");
+    hotKey.grabbed = key;
   }
-  if (suspensions_ == 0 && !grab(key)) return failure(u"%@ is in use by another program.");
-  hotKeys_.emplace(shortcut, HotKey{suspensions_ == 0 ? key : Key{}, std::move(pressed)});
+  hotKeys_.emplace(shortcut, std::move(hotKey));
   tellTap();
   return Subscription(life_.guard([this, shortcut] { unregister(shortcut); }));
 }
 
 void X11HotKeyCenter::unregister(Shortcut shortcut) {
   const auto found = hotKeys_.find(shortcut);
-  ungrab(found->second.key);
+  ungrab(found->second);
   hotKeys_.erase(found);
   tellTap();
 }
 
 Subscription X11HotKeyCenter::suspend() {
   if (suspensions_++ == 0) {
-    ungrabAll();
+    for (auto& [shortcut, hotKey] : hotKeys_) ungrab(hotKey);
     tellTap();
   }
   return Subscription(life_.guard([this] {
-    if (--suspensions_ > 0) return;
-    grabAll();
-    tellTap();
+    if (--suspensions_ == 0) grabAgain();
   }));
 }
 
@@ -118,9 +128,9 @@ void X11HotKeyCenter::handleEvent(const xcb_generic_event_t& event) {
     if (generic.extension != inputOpcode_ || generic.event_type != XCB_INPUT_KEY_PRESS) return;
     const auto& press = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
     if ((press.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0) return;
-    // The grab lasts until the key is up; only the combination itself calls.
-    const Key key{static_cast<XKeycode>(press.detail), stateOfFlags(flagsOfState(press.mods.effective))};
-    queue_.run(life_.guard([this, key] { keyPressed(key); }));
+    const auto keycode = static_cast<XKeycode>(press.detail);
+    const auto modifiers = stateOfFlags(flagsOfState(press.mods.effective));
+    queue_.run(life_.guard([this, keycode, modifiers] { keyPressed(keycode, modifiers); }));
   } else if (type == xkbFirstEvent_ && xkbFirstEvent_ != 0) {
     if (event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY) {
       queue_.run(life_.guard([this] { keyboardChanged(); }));
@@ -128,108 +138,107 @@ void X11HotKeyCenter::handleEvent(const xcb_generic_event_t& event) {
   }
 }
 
-void X11HotKeyCenter::keyPressed(Key key) {
+// A grab lasts until its key is up, and other keys come along meanwhile.
+void X11HotKeyCenter::keyPressed(XKeycode keycode, std::uint32_t modifiers) {
   for (const auto& [shortcut, hotKey] : hotKeys_) {
-    if (hotKey.key != key) continue;
+    const auto& key = hotKey.grabbed;
+    if (!key || key->keycode != keycode || key->modifiers != modifiers) continue;
     const auto pressed = hotKey.pressed;  // may end the registration
     return pressed();
   }
 }
 
+// Told often, for instance whenever another keyboard is typed on; keys seldom move.
 void X11HotKeyCenter::keyboardChanged() {
   if (!map_) return;
-  auto map = KeyMap::ofServer(x_->get(), masterKeyboard_);
-  if (!map) return;
-  ungrabAll();  // as they were grabbed: with the modifiers of before
-  useMap(std::move(*map));
-  if (suspensions_ == 0) grabAll();
+  readMap();
+  if (suspensions_ > 0) return;
+  for (auto& [shortcut, hotKey] : hotKeys_) {
+    if (hotKey.grabbed && *hotKey.grabbed != keyFor(shortcut)) ungrab(hotKey);
+  }
+  grabAgain();
 }
 
-void X11HotKeyCenter::useMap(KeyMap map) {
-  map_ = std::move(map);
-  lockModifiers_ = XCB_MOD_MASK_LOCK;
+void X11HotKeyCenter::readMap() {
+  if (auto map = KeyMap::ofServer(x_->get(), masterKeyboard_)) map_ = std::move(map);
   const auto reply = x_->reply(xcb_get_modifier_mapping_reply, xcb_get_modifier_mapping(x_->get()));
-  if (!reply) return;
+  wake();
+  if (!map_ || !reply) return;
+  locks_ = XCB_MOD_MASK_LOCK;
   const auto* keycodes = xcb_get_modifier_mapping_keycodes(reply.get());
   for (unsigned modifier = 3; modifier < 8; ++modifier) {  // Mod1 to Mod5
     for (unsigned i = 0; i < reply->keycodes_per_modifier; ++i) {
       const auto keysym = map_->keysym(keycodes[modifier * reply->keycodes_per_modifier + i], 0);
-      if (keysym == XKB_KEY_Num_Lock || keysym == XKB_KEY_Scroll_Lock) lockModifiers_ |= 1U << modifier;
+      if (keysym == XKB_KEY_Num_Lock || keysym == XKB_KEY_Scroll_Lock) locks_ |= 1U << modifier;
     }
   }
-  lockModifiers_ &= ~stateOfFlags(kShortcutModifiers);
+  locks_ &= ~stateOfFlags(kShortcutModifiers);
 }
 
 X11HotKeyCenter::Key X11HotKeyCenter::keyFor(Shortcut shortcut) const {
   if (!map_) return {};
-  return {map_->keyForCode(shortcut.keyCode, 0), stateOfFlags(shortcut.modifierFlags)};
+  return {map_->keyForCode(shortcut.keyCode, 0), stateOfFlags(shortcut.modifierFlags), locks_};
 }
 
-bool X11HotKeyCenter::grab(Key key) const {
+bool X11HotKeyCenter::grab(const Key& key) const {
   // Servers keep the grabs of the old and of the new protocol apart: neither refuses the other.
-  if (coreGrabIsTaken(key)) return false;
-  const auto modifiers = withLocks(key.modifiers);
-  const auto reply =
-      x_->reply(xcb_input_xi_passive_grab_device_reply,
-                xcb_input_xi_passive_grab_device(
-                    x_->get(), XCB_CURRENT_TIME, x_->root(), XCB_CURSOR_NONE, key.keycode, masterKeyboard_,
-                    static_cast<std::uint16_t>(modifiers.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
-                    XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER,
-                    &kKeyMask, modifiers.data()));
-  if (reply && reply->num_modifiers == 0) return true;  // it lists those that were refused
-  ungrab(key);
-  return false;
+  bool isTaken = coreGrabIsTaken(key);
+  if (!isTaken) {
+    const auto modifiers = withLocks(key.modifiers, key.locks);
+    const auto reply =
+        x_->reply(xcb_input_xi_passive_grab_device_reply,
+                  xcb_input_xi_passive_grab_device(
+                      x_->get(), XCB_CURRENT_TIME, x_->root(), XCB_CURSOR_NONE, key.keycode, masterKeyboard_,
+                      static_cast<std::uint16_t>(modifiers.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
+                      XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                      XCB_INPUT_GRAB_OWNER_NO_OWNER, &kKeyMask, modifiers.data()));
+    isTaken = !reply || reply->num_modifiers > 0;  // it lists those that were refused
+    HotKey refused{key, nullptr};
+    if (isTaken) ungrab(refused);
+  }
+  wake();
+  return !isTaken;
 }
 
-void X11HotKeyCenter::ungrab(Key key) const {
-  if (key.keycode == 0) return;
-  const auto modifiers = withLocks(key.modifiers);
-  xcb_input_xi_passive_ungrab_device(x_->get(), x_->root(), key.keycode, masterKeyboard_,
+void X11HotKeyCenter::ungrab(HotKey& hotKey) const {
+  const auto key = std::exchange(hotKey.grabbed, std::nullopt);
+  if (!key) return;
+  const auto modifiers = withLocks(key->modifiers, key->locks);
+  xcb_input_xi_passive_ungrab_device(x_->get(), x_->root(), key->keycode, masterKeyboard_,
                                      static_cast<std::uint16_t>(modifiers.size()),
                                      XCB_INPUT_GRAB_TYPE_KEYCODE, modifiers.data());
-  x_->flush();
+  // A key pressed from now on goes to the applications.
+  x_->sync();
+  wake();
 }
 
-bool X11HotKeyCenter::coreGrabIsTaken(Key key) const {
-  const auto request =
-      xcb_grab_key_checked(x_->get(), 0, x_->root(), static_cast<std::uint16_t>(key.modifiers), key.keycode,
-                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+bool X11HotKeyCenter::coreGrabIsTaken(const Key& key) const {
+  const auto modifiers = static_cast<std::uint16_t>(key.modifiers);
+  const auto request = xcb_grab_key_checked(x_->get(), 0, x_->root(), modifiers, key.keycode,
+                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
   const XReply<xcb_generic_error_t> refused(xcb_request_check(x_->get(), request));
-  if (!refused) {
-    xcb_ungrab_key(x_->get(), key.keycode, x_->root(), static_cast<std::uint16_t>(key.modifiers));
-  }
+  if (!refused) xcb_ungrab_key(x_->get(), key.keycode, x_->root(), modifiers);
   return refused != nullptr;
 }
 
-// Caps Lock and Num Lock are modifiers to the server, and a grab is for exactly its modifiers.
-std::vector<std::uint32_t> X11HotKeyCenter::withLocks(std::uint32_t modifiers) const {
-  std::vector<std::uint32_t> result;
-  for (std::uint32_t locks = lockModifiers_;; locks = (locks - 1) & lockModifiers_) {
-    result.push_back(modifiers | locks);
-    if (locks == 0) return result;
-  }
-}
-
-void X11HotKeyCenter::grabAll() {
+void X11HotKeyCenter::grabAgain() {
   for (auto& [shortcut, hotKey] : hotKeys_) {
+    if (hotKey.grabbed) continue;
     const auto key = keyFor(shortcut);
     if (key.keycode != 0 && grab(key)) {
-      hotKey.key = key;
+      hotKey.grabbed = key;
     } else {
-      logWarning("WARNING: #x11hK1; A hot key could not be taken again: " +
+      logWarning("WARNING: #x11hK1; A hot key cannot be taken again: " +
                  toUtf8(shortcutText(shortcut, layout_)));
     }
   }
-}
-
-void X11HotKeyCenter::ungrabAll() {
-  for (auto& [shortcut, hotKey] : hotKeys_) ungrab(std::exchange(hotKey.key, Key{}));
+  tellTap();
 }
 
 void X11HotKeyCenter::tellTap() const {
   std::set<Shortcut> combinations;
   for (const auto& [shortcut, hotKey] : hotKeys_) {
-    if (hotKey.key.keycode != 0) combinations.insert(shortcut);
+    if (hotKey.grabbed) combinations.insert(shortcut);
   }
   keyboard_.setHotKeys(std::move(combinations));
 }

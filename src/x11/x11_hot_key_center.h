@@ -40,11 +40,12 @@ class X11HotKeyCenter : public HotKeyCenter {
  private:
   struct Key {
     XKeycode keycode = 0;
-    std::uint32_t modifiers = 0;  // without locks
-    auto operator<=>(const Key&) const = default;
+    std::uint32_t modifiers = 0;
+    std::uint32_t locks = 0;  // modifiers that must not matter
+    bool operator==(const Key&) const = default;
   };
   struct HotKey {
-    Key key;  // the one grabbed; keycode 0 while none is
+    std::optional<Key> grabbed;
     std::function<void()> pressed;
   };
 
@@ -52,20 +53,22 @@ class X11HotKeyCenter : public HotKeyCenter {
                   KeyboardService& keyboard, const KeyboardLayout& layout);
 
   void handleEvent(const xcb_generic_event_t& event);  // on the loop's thread
-  void keyPressed(Key key);
+  void keyPressed(XKeycode keycode, std::uint32_t modifiers);
   void keyboardChanged();
   void unregister(Shortcut shortcut);
 
-  void useMap(KeyMap map);
+  void readMap();
   Key keyFor(Shortcut shortcut) const;
   // False when another program has the combination.
-  bool grab(Key key) const;
-  void ungrab(Key key) const;
-  bool coreGrabIsTaken(Key key) const;
-  std::vector<std::uint32_t> withLocks(std::uint32_t modifiers) const;
-  void grabAll();
-  void ungrabAll();
+  bool grab(const Key& key) const;
+  void ungrab(HotKey& hotKey) const;
+  bool coreGrabIsTaken(const Key& key) const;
+  void grabAgain();
   void tellTap() const;
+  // A reply waited for may have brought events along, for which the loop would sleep on.
+  void wake() const {
+    loop_.post([] {});
+  }
 
   std::unique_ptr<XConnection> x_;
   MainQueue& queue_;
@@ -74,12 +77,12 @@ class X11HotKeyCenter : public HotKeyCenter {
   std::uint8_t inputOpcode_ = 0;  // 0 when the server lacks XInput 2
   std::uint8_t xkbFirstEvent_ = 0;
   std::uint16_t masterKeyboard_ = 3;
-  std::optional<KeyMap> map_;        // once it is needed
-  std::uint32_t lockModifiers_ = 0;  // those that must not matter
+  std::optional<KeyMap> map_;  // once it is needed
+  std::uint32_t locks_ = 0;
   std::map<Shortcut, HotKey> hotKeys_;
   int suspensions_ = 0;
   LifeToken life_;
-  XEventLoop loop_;
+  mutable XEventLoop loop_;  // the last: its thread uses the others
 };
 
 }  // namespace quorlo

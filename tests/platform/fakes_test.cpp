@@ -1,6 +1,8 @@
+#include "fakes/fake_hot_key_center.h"
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_pasteboard.h"
 #include "fakes/fake_user_defaults.h"
+#include "platform/hot_key_contract.h"
 #include "platform/main_queue_contract.h"
 #include "platform/pasteboard_contract.h"
 #include "platform/user_defaults_contract.h"
@@ -11,6 +13,11 @@ namespace {
 TEST(FakeMainQueue, KeepsTheContract) {
   FakeMainQueue queue;
   expectTasksInTheOrderInWhichTheyFallDue(queue, [&](Seconds time) { queue.advance(time); });
+}
+
+TEST(FakeHotKeyCenter, KeepsTheContract) {
+  FakeHotKeyCenter center;
+  expectHotKeysToCallWhileTheyAreRegistered(center, [&](Shortcut shortcut) { center.press(shortcut); });
 }
 
 TEST(FakePasteboard, KeepsTheContract) {
