@@ -50,8 +50,7 @@ class TintedEngine : public QIconEngine {
  public:
   using Color = QColor (*)(QIcon::Mode);
 
-  TintedEngine(QString name, QByteArray drawing, Color color)
-      : name_(std::move(name)), drawing_(std::move(drawing)), color_(color) {}
+  TintedEngine(QString file, Color color) : file_(std::move(file)), color_(color) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
     const auto ratio = painter->device()->devicePixelRatioF();
@@ -63,13 +62,12 @@ class TintedEngine : public QIconEngine {
   // `size` in pixels of the device.
   QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/, qreal scale) override {
     const auto color = color_(mode).name(QColor::HexRgb);
-    const auto key = QStringLiteral("%1 %2 %3x%4").arg(name_, color).arg(size.width()).arg(size.height());
+    const auto key = QStringLiteral("%1 %2 %3x%4").arg(file_, color).arg(size.width()).arg(size.height());
     QPixmap picture;
     if (!QPixmapCache::find(key, &picture)) {
       picture = QPixmap(size);
       picture.fill(Qt::transparent);
-      auto tinted = drawing_;
-      QSvgRenderer renderer(tinted.replace("currentColor", color.toLatin1()));
+      QSvgRenderer renderer(drawing().replace("currentColor", color.toLatin1()));
       renderer.setAspectRatioMode(Qt::KeepAspectRatio);
       QPainter painter(&picture);
       renderer.render(&painter);
@@ -78,28 +76,31 @@ class TintedEngine : public QIconEngine {
     picture.setDevicePixelRatio(scale);
     return picture;
   }
-  bool isNull() override { return drawing_.isEmpty(); }
+  bool isNull() override { return false; }
   QIconEngine* clone() const override { return new TintedEngine(*this); }
 
  private:
-  QString name_;
-  QByteArray drawing_;
+  QByteArray drawing() const {
+    QFile file(file_);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+
+  QString file_;
   Color color_;
 };
 
 QIcon tinted(const QString& name, TintedEngine::Color color) {
   initializeResources();
-  QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
-  if (!file.open(QIODevice::ReadOnly)) {
-    logError(fmt::format("ERROR: #sy4Gcx - There is no picture named {}.", name.toStdString()));
-    return {};
-  }
-  return QIcon(new TintedEngine(name, file.readAll(), color));
+  const auto file = QStringLiteral(":/icons/%1.svg").arg(name);
+  if (QFile::exists(file)) return QIcon(new TintedEngine(file, color));
+  logError(fmt::format("ERROR: #sy4Gcx - There is no picture named {}.", name.toStdString()));
+  return {};
 }
 
 }  // namespace
 
 QIcon symbol(QStringView name) {
+  if (name.startsWith(u"Statusbar")) return tinted(name.toString(), symbolColor);
   return tinted(QStringLiteral("symbols/%1").arg(name), symbolColor);
 }
 
