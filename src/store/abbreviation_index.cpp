@@ -53,13 +53,14 @@ void AbbreviationIndex::remove(const QLSnippet& snippet) {
   snippets_[hole] = nullptr;
 }
 
-QLSnippet* AbbreviationIndex::find(std::u16string_view abbreviation) const {
+QLSnippet* AbbreviationIndex::find(std::u16string_view abbreviation, const QLSnippet* besides) const {
   if (abbreviation.size() >= countByLength_.size() || countByLength_[abbreviation.size()] == 0)
     return nullptr;
   const auto hash = hashOf(abbreviation);
   QLSnippet* oldest = nullptr;
   for (auto at = home(hash); hashes_[at] != 0; at = next(at)) {
-    if (hashes_[at] != hash || snippets_[at]->abbreviation() != abbreviation) continue;
+    if (hashes_[at] != hash || snippets_[at] == besides || snippets_[at]->abbreviation() != abbreviation)
+      continue;
     if (oldest == nullptr || isOlder(*snippets_[at], *oldest)) oldest = snippets_[at];
   }
   return oldest;

@@ -19,9 +19,9 @@ class AbbreviationIndex {
   // Before its abbreviation changes.
   void remove(const QLSnippet& snippet);
 
-  // Of several the one created first, by uuid where that is equal; null when there is none. Refuses
-  // texts of a length that no abbreviation has without hashing them.
-  QLSnippet* find(std::u16string_view abbreviation) const;
+  // Of several the one created first, by uuid where that is equal, `besides` left out; null when there is
+  // none. Refuses texts of a length that no abbreviation has without hashing them.
+  QLSnippet* find(std::u16string_view abbreviation, const QLSnippet* besides = nullptr) const;
 
   std::size_t size() const { return size_; }
 

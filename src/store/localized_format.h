@@ -8,8 +8,10 @@
 
 namespace quorlo {
 
-// The text to show for `baseText` with `argument` in place of its first "%d" or "%@".
+// The text to show for `baseText` with the arguments, in order, in place of its first "%d" or "%@".
 std::u16string localizedFormat(std::u16string_view baseText, std::u16string_view argument);
+std::u16string localizedFormat(std::u16string_view baseText, std::u16string_view first,
+                               std::u16string_view second);
 std::u16string localizedFormat(std::u16string_view baseText, std::int64_t number);
 
 }  // namespace quorlo

@@ -6,6 +6,7 @@
 #include "store/entity.h"
 #include "store/property.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -31,6 +32,9 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
 
   Entity entity() const { return objectID_.entity; }
   ObjectID objectID() const { return objectID_; }
+
+  // Names the record in the library's file, for every process that reads it; 0 before it was first saved.
+  std::int64_t rowNumber() const { return rowNumber_; }
 
   // Null before insertion and after deletion.
   ManagedObjectContext* managedObjectContext() const { return context_; }
@@ -64,7 +68,10 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
  private:
   friend class ManagedObjectContext;
   friend class Relationship;
+  friend class StoreAccess;
 
+  // In the context's indexes, whether made here or read from the store.
+  virtual void enterIndexes(ManagedObjectContext&) {}
   virtual void awakeFromInsert(ManagedObjectContext&) {}
   virtual void awakeFromFetch() {}
 
@@ -74,6 +81,7 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
   virtual void dropRelationships() {}
 
   ObjectID objectID_;
+  std::int64_t rowNumber_ = 0;
   ManagedObjectContext* context_ = nullptr;
   bool isDeleted_ = false;
   std::vector<const Property*> changedProperties_;

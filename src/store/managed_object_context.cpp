@@ -1,5 +1,6 @@
 #include "store/managed_object_context.h"
 
+#include "base/log.h"
 #include "platform/main_queue.h"
 #include "store/managed_object.h"
 #include "store/ql_snippet.h"
@@ -58,20 +59,27 @@ ManagedObjectContext::~ManagedObjectContext() {
 void ManagedObjectContext::insert(const std::shared_ptr<ManagedObject>& record) {
   assert(record->objectID_.number == 0);
   if (record->objectID_.number != 0) return;
-  auto& into = table(record->entity());
-  record->objectID_.number = ++into.lastNumber;
-  record->context_ = this;
-  into.rows.push_back({into.lastNumber, record});
+  enter(record);
   record->awakeFromInsert(*this);
   pending_.noteInsertion(record);
   unsaved_.noteInsertion(record);
   scheduleProcessing();
 }
 
+void ManagedObjectContext::enter(const std::shared_ptr<ManagedObject>& record) {
+  auto& into = table(record->entity());
+  record->objectID_.number = ++into.lastNumber;
+  record->context_ = this;
+  into.rows.push_back({into.lastNumber, record});
+  record->enterIndexes(*this);
+  if (record->entity() == Entity::snippet) searchIndex_.noteChange(static_cast<QLSnippet&>(*record));
+}
+
 void ManagedObjectContext::deleteObject(ManagedObject& record) {
   if (record.context_ != this) return;
   const auto held = record.shared_from_this();
   record.prepareForDeletion();
+  if (record.entity() == Entity::snippet) searchIndex_.remove(static_cast<QLSnippet&>(record));
   record.context_ = nullptr;
   record.isDeleted_ = true;
 
@@ -82,7 +90,13 @@ void ManagedObjectContext::deleteObject(ManagedObject& record) {
     from.deletedCount = 0;
   }
   pending_.noteDeletion(held);
-  unsaved_.noteDeletion(held);
+  auto& rows = byRow_[static_cast<std::size_t>(record.entity())];
+  if (origin_ == Origin::user) {
+    unsaved_.noteDeletion(held);
+    if (record.rowNumber_ != 0) rows[record.rowNumber_] = nullptr;
+  } else {
+    rows.erase(record.rowNumber_);
+  }
   scheduleProcessing();
 }
 
@@ -92,12 +106,7 @@ Result<std::vector<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetch(
   if (const auto* foreign = foreignProperty(entity, predicate, order))
     return foreignPropertyError(entity, *foreign);
 
-  std::vector<ManagedObject*> found;
-  for (const auto& row : table(entity).rows) {
-    if (!row.record || (predicate && !predicate->evaluate(*row.record))) continue;
-    found.push_back(row.record.get());
-    if (order.empty() && found.size() == limit) break;
-  }
+  auto found = matches(entity, predicate, order.empty() ? limit : 0);
   const auto wanted = limit == 0 ? found.size() : std::min(limit, found.size());
   if (!order.empty()) {
     std::ranges::partial_sort(
@@ -111,6 +120,39 @@ Result<std::vector<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetch(
     records.push_back(found[i]->shared_from_this());
   }
   return records;
+}
+
+std::vector<ManagedObject*> ManagedObjectContext::matches(Entity entity,
+                                                          const std::optional<Predicate>& predicate,
+                                                          std::size_t limit) const {
+  std::vector<ManagedObject*> found;
+  // False once there are enough.
+  const auto look = [&](ManagedObject& record) {
+    if (!predicate || predicate->evaluate(record)) found.push_back(&record);
+    return limit == 0 || found.size() < limit;
+  };
+  const auto required = predicate ? predicate->requiredText() : std::nullopt;
+  if (!required) {
+    for (const auto& row : table(entity).rows) {
+      if (row.record && !look(*row.record)) break;
+    }
+    return found;
+  }
+  if (!searchIndex_.isBuilt()) {
+    std::vector<QLSnippet*> snippets;
+    for (const auto& row : table(Entity::snippet).rows) {
+      if (row.record) snippets.push_back(static_cast<QLSnippet*>(row.record.get()));
+    }
+    searchIndex_.build(snippets);
+  }
+  auto candidates = searchIndex_.candidates(*required);
+  if (!std::ranges::is_sorted(candidates, {}, &ManagedObject::objectID)) {
+    std::ranges::sort(candidates, {}, &ManagedObject::objectID);
+  }
+  for (auto* each : candidates) {
+    if (!look(*each)) break;
+  }
+  return found;
 }
 
 Result<std::size_t> ManagedObjectContext::count(Entity entity, const Predicate& predicate) const {
@@ -134,6 +176,14 @@ Result<std::shared_ptr<QLSnippet>> ManagedObjectContext::liveSnippet(std::u16str
   return std::static_pointer_cast<QLSnippet>(snippet->shared_from_this());
 }
 
+std::shared_ptr<QLSnippet> ManagedObjectContext::otherLiveSnippet(std::u16string_view abbreviation,
+                                                                  const QLSnippet& besides) const {
+  auto* const snippet = index_.abbreviations.find(abbreviation, &besides);
+  if (snippet == nullptr) return nullptr;
+  snippet->awakeFromFetch();
+  return std::static_pointer_cast<QLSnippet>(snippet->shared_from_this());
+}
+
 Result<bool> ManagedObjectContext::hasApp(std::string_view bundleID, std::int64_t type) const {
   return index_.hasApp(bundleID, type);
 }
@@ -147,6 +197,9 @@ Status ManagedObjectContext::save() {
   }
   unsaved_.clear();
   for (const auto& each : changes.updated) each->changedProperties_.clear();
+  for (const auto& each : changes.deleted) {
+    byRow_[static_cast<std::size_t>(each->entity())].erase(each->rowNumber_);
+  }
   return {};
 }
 
@@ -163,13 +216,31 @@ Subscription ManagedObjectContext::observeObjectsDidChange(std::function<void(co
 }
 
 void ManagedObjectContext::recordDidChange(ManagedObject& record, const Property& property) {
+  if (property.isSearched) searchIndex_.noteChange(static_cast<QLSnippet&>(record));
+  if (origin_ == Origin::loading) return;
   pending_.noteUpdate(record);
+  scheduleProcessing();
+  if (origin_ == Origin::others) return;
+
   unsaved_.noteUpdate(record);
   auto& changed = record.changedProperties_;
   if (!unsaved_.holdsInsertionOf(record) && std::ranges::find(changed, &property) == changed.end()) {
     changed.push_back(&property);
   }
-  scheduleProcessing();
+}
+
+std::optional<AttributedString> ManagedObjectContext::richText(const QLSnippet& snippet) const {
+  if (!configuration_.loadRichText) return std::nullopt;
+  auto text = configuration_.loadRichText(snippet);
+  if (text) return std::move(text).value();
+  logError("ERROR: #rT3xtLd; Couldn't read the text of a snippet with its formats. " + text.error().message);
+  return std::nullopt;
+}
+
+void ManagedObjectContext::releaseRichTexts() {
+  for (const auto& row : table(Entity::snippet).rows) {
+    if (row.record) static_cast<QLSnippet&>(*row.record).releaseRichText();
+  }
 }
 
 void ManagedObjectContext::scheduleProcessing() {

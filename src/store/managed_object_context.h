@@ -10,6 +10,8 @@
 #include "store/expansion_index.h"
 #include "store/expansion_lookup.h"
 #include "store/fetch_request.h"
+#include "store/search_index.h"
+#include "text/attributed_string.h"
 
 #include <array>
 #include <concepts>
@@ -20,6 +22,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -48,6 +51,9 @@ class ManagedObjectContext final : public ExpansionLookup {
 
     // Makes a save permanent, whole or not at all; without one a save only accepts the changes.
     std::function<Status(const ChangeSet&)> commit = nullptr;
+
+    // Reads the rich text of a snippet that was loaded without it.
+    std::function<Result<AttributedString>(const QLSnippet&)> loadRichText = nullptr;
 
     // Called by every snippet and folder, on insertion and on fetch, so that whoever saves can begin to
     // observe the context.
@@ -99,12 +105,18 @@ class ManagedObjectContext final : public ExpansionLookup {
   std::shared_ptr<ManagedObject> object(ObjectID id) const;
 
   Result<std::shared_ptr<QLSnippet>> liveSnippet(std::u16string_view abbreviation) const override;
+  // The same among all snippets but one.
+  std::shared_ptr<QLSnippet> otherLiveSnippet(std::u16string_view abbreviation, const QLSnippet& besides) const;
   Result<bool> hasApp(std::string_view bundleID, std::int64_t type) const override;
 
   bool hasChanges() const { return !unsaved_.empty(); }
 
   // Tells the pending changes, then commits everything. After a failure all changes are still there.
   Status save();
+
+  // Lets go of the rich texts that can be read from the store again. What text() and its like returned by
+  // reference is gone then.
+  void releaseRichTexts();
 
   // Tells the observers what has changed since they were last told; nothing when nothing has.
   void processPendingChanges();
@@ -115,6 +127,12 @@ class ManagedObjectContext final : public ExpansionLookup {
   friend class QLSnippet;
   friend class QLCategory;
   friend class QLApp;
+  friend class StoreAccess;
+
+  // Whose changes are being made. The user's are unsaved; those of others, read from the store, only have
+  // to be told; what is loaded at the beginning is no change.
+  enum class Origin { user, others, loading };
+
   // Ascending by object identifier; a deleted record leaves a null until the table is tidied.
   struct Row {
     std::uint64_t number;
@@ -130,10 +148,16 @@ class ManagedObjectContext final : public ExpansionLookup {
                                                             const std::optional<Predicate>& predicate,
                                                             const std::vector<SortDescriptor>& order,
                                                             std::size_t limit) const;
+  std::vector<ManagedObject*> matches(Entity entity, const std::optional<Predicate>& predicate,
+                                      std::size_t limit) const;
   Table& table(Entity entity) { return tables_[static_cast<std::size_t>(entity)]; }
   const Table& table(Entity entity) const { return tables_[static_cast<std::size_t>(entity)]; }
 
+  void enter(const std::shared_ptr<ManagedObject>& record);
   void recordDidChange(ManagedObject& record, const Property& property);
+  bool takesFromStore() const { return origin_ != Origin::user; }
+  // Absent when it cannot be read, which is logged.
+  std::optional<AttributedString> richText(const QLSnippet& snippet) const;
   void scheduleProcessing();
   void registerObserver();
   void scheduleFollowUps();
@@ -144,8 +168,12 @@ class ManagedObjectContext final : public ExpansionLookup {
   Configuration configuration_;
   std::array<Table, kEntityCount> tables_;
   ExpansionIndex index_;
-  ChangeLog pending_;  // since the last notification
-  ChangeLog unsaved_;  // since the last save
+  mutable SearchIndex searchIndex_;  // made when it is first needed
+  ChangeLog pending_;                // since the last notification
+  ChangeLog unsaved_;                // since the last save
+  Origin origin_ = Origin::user;
+  // The records that are in the store, by their rows; null for one that was deleted here and not saved yet.
+  std::array<std::unordered_map<std::int64_t, ManagedObject*>, kEntityCount> byRow_;
   bool processingIsScheduled_ = false;
   std::vector<std::weak_ptr<QLSnippet>> followUps_;  // of this turn
   Observers<const ChangeSet&> didChange_;

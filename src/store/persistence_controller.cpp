@@ -1,12 +1,20 @@
 #include "store/persistence_controller.h"
 
+#include "base/localized.h"
 #include "base/log.h"
 #include "platform/environment.h"
+#include "store/built_in_folders.h"
+#include "store/logged_fetch.h"
 #include "store/ql_app.h"
+#include "store/ql_category.h"
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
 #include "store/snippet_predicates.h"
+#include "store/store_maintenance.h"
+#include "text/utf.h"
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
 namespace quorlo {
@@ -15,20 +23,19 @@ namespace {
 constexpr Seconds kSaveDelay(3.5);
 constexpr Seconds kStartUpPhase(3.0);
 
-// The first record of a fetch; a failure is logged as `failure` and its message.
-template <class Record>
-std::shared_ptr<Record> first(const ManagedObjectContext& context, const Predicate& predicate,
-                              const char* failure) {
-  auto found = context.fetch<Record>({.predicate = predicate, .fetchLimit = 1});
-  if (!found) logError(failure + found.error().message);
-  return found && !found.value().empty() ? found.value().front() : nullptr;
+constexpr std::u16string_view kExampleText =
+    u"This is an example snippet. Type its abbreviation in any application, and this text takes its place.";
+constexpr std::u16string_view kExampleAbbreviation = u"xmpl";
+
+Predicate isOfType(CategoryType type) {
+  return QLCategory::kType.equals(static_cast<std::int64_t>(type));
 }
 
 }  // namespace
 
 PersistenceController::PersistenceController(MainQueue& mainQueue, const Environment& environment,
                                              Options options)
-    : mainQueue_(mainQueue), lastSaveRequestDate(mainQueue.now()) {
+    : mainQueue_(mainQueue), environment_(environment), lastSaveRequestDate(mainQueue.now()) {
   context_ = std::make_unique<ManagedObjectContext>(
       mainQueue, ManagedObjectContext::Configuration{
                      .kind = ManagedObjectContext::Kind::main,
@@ -74,24 +81,97 @@ void PersistenceController::save() {
   if (const auto status = context_->save(); !status) logError("Unresolved error " + status.error().message);
 }
 
+std::shared_ptr<QLCategory> PersistenceController::folder(std::string_view uuid) const {
+  return loggedFetchOfFirst<QLCategory>(*context_,
+                                        {.predicate = QLCategory::kUuid.equals(uuid).inParentheses()},
+                                        "ERROR: #cnt8er; Couldn't fetch Category. ");
+}
+
+std::shared_ptr<QLCategory> PersistenceController::builtInFolder(CategoryType type) const {
+  return quorlo::builtInFolder(*context_, type);
+}
+
+std::vector<std::shared_ptr<QLCategory>> PersistenceController::userFoldersByTitle(
+    std::u16string_view part) const {
+  return loggedFetch<QLCategory>(
+      *context_,
+      {.predicate = Predicate::all({isOfType(CategoryType::Folder), QLCategory::kTitle.contains(part)})},
+      "ERROR: #TzUo4tG; Couldn't fetch Categories. ");
+}
+
+std::vector<std::shared_ptr<QLCategory>> PersistenceController::foldersOfSection(SourceType section,
+                                                                                 CategoryType orType) const {
+  const auto isInSection = QLCategory::kSourceType.equals(static_cast<std::int64_t>(section));
+  return loggedFetch<QLCategory>(
+      *context_,
+      {.predicate = Predicate::any({isInSection.inParentheses(), isOfType(orType).inParentheses()}),
+       .sortDescriptors = QLCategory::sortDescriptors()},
+      "ERROR: #fos2Hc8; Couldn't fetch Categories. ");
+}
+
+std::vector<std::shared_ptr<QLCategory>> PersistenceController::allFolders() const {
+  return loggedFetch<QLCategory>(*context_, {.sortDescriptors = QLCategory::sortDescriptors()},
+                                 "ERROR: #afo7Mk3; Couldn't fetch Categories. ");
+}
+
+std::u16string PersistenceController::nextUntitledName() const {
+  const auto name = localized(u"Untitled");
+  const auto alike = loggedFetch<QLCategory>(
+      *context_,
+      {.predicate = Predicate::all(
+           {isOfType(CategoryType::Folder),
+            Predicate::any({QLCategory::kTitle.equals(name), QLCategory::kTitle.contains(name)})})},
+      "ERROR: #ukPhtjj; Couldn't fetch Categories. ");
+  const auto isTaken = [&alike](const std::u16string& candidate) {
+    return std::ranges::any_of(alike, [&](const auto& each) { return each->title() == candidate; });
+  };
+  auto candidate = name;
+  for (int number = 2; isTaken(candidate); ++number)
+    candidate = name + u' ' + toUtf16(std::to_string(number));
+  return candidate;
+}
+
 std::shared_ptr<QLSnippet> PersistenceController::snippet(std::string_view uuid) const {
-  return first<QLSnippet>(*context_, QLSnippet::kUuid.equals(uuid).inParentheses(),
-                          "ERROR: #HRdfhu; Couldn't fetch Snipet. ");
+  return loggedFetchOfFirst<QLSnippet>(*context_,
+                                       {.predicate = QLSnippet::kUuid.equals(uuid).inParentheses()},
+                                       "ERROR: #HRdfhu; Couldn't fetch Snipet. ");
 }
 
 std::shared_ptr<QLSnippet> PersistenceController::snippetForAbbreviation(
     std::u16string_view abbreviation) const {
   if (auto live = context_->liveSnippet(abbreviation); live && live.value()) return live.value();
-  return first<QLSnippet>(*context_, QLSnippet::kAbbreviation.equals(abbreviation),
-                          "ERROR: #ss7fw0Q1; Couldn't fetch Snipet. ");
+  return loggedFetchOfFirst<QLSnippet>(*context_,
+                                       {.predicate = QLSnippet::kAbbreviation.equals(abbreviation)},
+                                       "ERROR: #ss7fw0Q1; Couldn't fetch Snipet. ");
+}
+
+std::vector<std::u16string> PersistenceController::activeAbbreviations() const {
+  const auto snippets = loggedFetch<QLSnippet>(
+      *context_,
+      {.predicate = Predicate::all({QLSnippet::kAbbreviation.isNotNil().inParentheses(), liveClause()})},
+      "ERROR: #aab4Ws6; Couldn't fetch Snippets. ");
+  std::vector<std::u16string> abbreviations;
+  for (const auto& each : snippets) abbreviations.push_back(each->abbreviation());
+  return abbreviations;
+}
+
+std::vector<std::shared_ptr<QLSnippet>> PersistenceController::trashedSnippets() const {
+  return loggedFetch<QLSnippet>(*context_, {.predicate = QLSnippet::kDeletionDate.isNotNil().inParentheses()},
+                                "ERROR: #288frw; Couldn't fetch Snippets. ");
+}
+
+std::vector<std::shared_ptr<QLSnippet>> PersistenceController::snippetsOutsideSharedFolders() const {
+  return loggedFetch<QLSnippet>(*context_, {.predicate = outsideSharedFolders()},
+                                "ERROR: #sos9Fq1; Couldn't fetch Snippets. ");
 }
 
 std::shared_ptr<QLApp> PersistenceController::ruleApplication(std::string_view bundleID,
                                                               std::int64_t type) const {
-  return first<QLApp>(*context_,
-                      Predicate::all({QLApp::kBundleID.equals(bundleID).inParentheses(),
-                                      QLApp::kType.equals(type).inParentheses()}),
-                      "ERROR: #rLapp4k; Couldn't fetch App. ");
+  return loggedFetchOfFirst<QLApp>(
+      *context_,
+      {.predicate = Predicate::all(
+           {QLApp::kBundleID.equals(bundleID).inParentheses(), QLApp::kType.equals(type).inParentheses()})},
+      "ERROR: #rLapp4k; Couldn't fetch App. ");
 }
 
 std::shared_ptr<QLUser> PersistenceController::currentUser() {
@@ -101,6 +181,58 @@ std::shared_ptr<QLUser> PersistenceController::currentUser() {
     return nullptr;
   }
   return found.value().empty() ? context_->insert<QLUser>() : found.value().front();
+}
+
+std::shared_ptr<QLSnippet> PersistenceController::createExampleSnippet() {
+  auto example = context_->insert<QLSnippet>();
+  example->setTitle(localized(u"Example Snippet"));
+  example->setTitleIsCustom(true);
+  example->setPlainText(localized(kExampleText));
+  if (!context_->otherLiveSnippet(kExampleAbbreviation, *example)) {
+    example->setAbbreviation(std::u16string(kExampleAbbreviation));
+  }
+  return example;
+}
+
+OpenedFiles PersistenceController::openFiles(const std::vector<std::filesystem::path>& files) {
+  auto opened = readOpenedFiles(files, *context_);
+  save();
+  return opened;
+}
+
+void PersistenceController::createBuiltInFolders() {
+  quorlo::createBuiltInFolders(*context_);
+}
+void PersistenceController::markTitlesAsCustom() {
+  quorlo::markTitlesAsCustom(*context_);
+}
+void PersistenceController::fixEmptyAbbreviations() {
+  quorlo::fixEmptyAbbreviations(*context_);
+}
+
+Status PersistenceController::migrateFolders() {
+  if (auto status = quorlo::migrateFolders(*context_); !status) {
+    logError("ERROR: #rwg8gnm - " + status.error().message);
+    return status;
+  }
+  countSnippets();
+  requestDeferredSave();
+  return {};
+}
+
+void PersistenceController::mergeDuplicateUsers() {
+  quorlo::mergeDuplicateUsers(*context_);
+  save();
+}
+void PersistenceController::mergeDuplicateFolders() {
+  quorlo::mergeDuplicateFolders(*context_);
+  save();
+}
+void PersistenceController::purgeTrash() {
+  quorlo::purgeTrash(*context_, environment_.now(), environment_.timeZone());
+}
+void PersistenceController::countSnippets() {
+  quorlo::countSnippets(*context_);
 }
 
 }  // namespace quorlo

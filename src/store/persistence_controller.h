@@ -3,8 +3,11 @@
 #include "base/life_token.h"
 #include "base/subscription.h"
 #include "platform/main_queue.h"
+#include "store/folder_types.h"
 #include "store/managed_object_context.h"
+#include "store/opened_files.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,11 +18,12 @@ namespace quorlo {
 
 class Environment;
 class QLApp;
+class QLCategory;
 class QLSnippet;
 class QLUser;
 
-// Owns the main context, saves it a while after it has changed, and answers the fetches that the rest
-// of the program has in common. One instance; main thread.
+// Owns the main context, saves it a while after it has changed, answers the fetches that the rest of the
+// program has in common, and keeps the library in order. One instance; main thread.
 class PersistenceController {
  public:
   struct Options {
@@ -52,16 +56,45 @@ class PersistenceController {
   void save();
 
   // Null or empty when there is none; a failed fetch is logged and counts as none.
+  std::shared_ptr<QLCategory> folder(std::string_view uuid) const;
+  std::shared_ptr<QLCategory> builtInFolder(CategoryType type) const;                           // the oldest
+  std::vector<std::shared_ptr<QLCategory>> userFoldersByTitle(std::u16string_view part) const;  // caselessly
+  std::vector<std::shared_ptr<QLCategory>> foldersOfSection(SourceType section, CategoryType orType) const;
+  std::vector<std::shared_ptr<QLCategory>> allFolders() const;  // in the order of the sidebar
   std::shared_ptr<QLSnippet> snippet(std::string_view uuid) const;
   // A live snippet before others.
   std::shared_ptr<QLSnippet> snippetForAbbreviation(std::u16string_view abbreviation) const;
+  std::vector<std::u16string> activeAbbreviations() const;  // of the live snippets
+  std::vector<std::shared_ptr<QLSnippet>> trashedSnippets() const;
+  std::vector<std::shared_ptr<QLSnippet>> snippetsOutsideSharedFolders() const;  // trashed ones too
   std::shared_ptr<QLApp> ruleApplication(std::string_view bundleID, std::int64_t type) const;
+
+  // The name for a new folder: "Untitled", "Untitled 2" and so on, the first that no folder has.
+  std::u16string nextUntitledName() const;
 
   // The statistics record, made when the library has none. Null only when the fetch failed.
   std::shared_ptr<QLUser> currentUser();
 
+  // A snippet to begin with, "Example Snippet", that says what it is there for.
+  std::shared_ptr<QLSnippet> createExampleSnippet();
+
+  // Takes the files' snippets into the library and saves.
+  OpenedFiles openFiles(const std::vector<std::filesystem::path>& files);
+
+  // The maintenance of store_maintenance.h and built_in_folders.h on the main context; which of it when, and
+  // what has been done once, is the start-up's business. What is merged is saved at once, other changes soon.
+  void createBuiltInFolders();
+  void markTitlesAsCustom();
+  void fixEmptyAbbreviations();
+  Status migrateFolders();  // counts the snippets, too; an error is logged as well
+  void mergeDuplicateUsers();
+  void mergeDuplicateFolders();
+  void purgeTrash();
+  void countSnippets();
+
  private:
   MainQueue& mainQueue_;
+  const Environment& environment_;
   std::unique_ptr<ManagedObjectContext> context_;
   Subscription observation_;
   bool isWaitingForSave = false;

@@ -156,6 +156,30 @@ bool Predicate::evaluate(const ManagedObject& record) const {
       node_->form);
 }
 
+std::optional<std::u16string> Predicate::requiredText() const {
+  using Text = std::optional<std::u16string>;
+  return std::visit(Overloaded{
+                        [](const auto&) -> Text { return std::nullopt; },
+                        [](const Contains& it) -> Text {
+                          const auto& folded = it.part.folded();
+                          return it.property->isSearched && !folded.empty() ? Text(folded) : std::nullopt;
+                        },
+                        [](const Join& it) -> Text {
+                          Text required;
+                          for (const auto& each : it.conditions) {
+                            auto text = each.requiredText();
+                            if (it.conjunction && text) return text;
+                            if (!it.conjunction && (!text || (required && required != text)))
+                              return std::nullopt;
+                            required = std::move(text);
+                          }
+                          return required;
+                        },
+                        [](const Parentheses& it) { return it.condition.requiredText(); },
+                    },
+                    node_->form);
+}
+
 std::string Predicate::text() const {
   return std::visit(
       Overloaded{

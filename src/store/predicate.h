@@ -6,6 +6,7 @@
 #include <concepts>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,10 @@ class Predicate {
   Predicate inParentheses() const;
 
   bool evaluate(const ManagedObject& record) const;
+
+  // A text, in the form of foldCase, that every record which satisfies the condition contains in one of its
+  // searched properties; absent when the condition does not ask for one.
+  std::optional<std::u16string> requiredText() const;
 
   // For logs and tests, for example "(abbreviation == %@) AND (deletionDate == nil)". Numbers stand as
   // they are; "%@" stands for texts, dates and records, so that no log shows what the user wrote.

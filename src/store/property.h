@@ -27,6 +27,7 @@ struct Property {
   Entity entity;
   std::string_view name;
   ValueView (*read)(const ManagedObject& record);  // only for records of the entity
+  bool isSearched = false;                         // one of the texts in the context's SearchIndex
 };
 
 }  // namespace quorlo

@@ -50,7 +50,7 @@ void QLApp::setType(std::int64_t type) {
   didChange(kType);
 }
 
-void QLApp::awakeFromInsert(ManagedObjectContext& context) {
+void QLApp::enterIndexes(ManagedObjectContext& context) {
   context.index_.addApp(bundleID_, type_);
 }
 

@@ -40,7 +40,7 @@ class QLApp final : public ManagedObject {
  private:
   friend class QLSnippet;
   friend class QLCategory;
-  void awakeFromInsert(ManagedObjectContext& context) override;
+  void enterIndexes(ManagedObjectContext& context) override;
   void prepareForDeletion() override;
   void dropRelationships() override;
 

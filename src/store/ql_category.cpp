@@ -190,14 +190,23 @@ Predicate QLCategory::predicate() const {
   return Predicate::always(false);
 }
 
-std::size_t QLCategory::numberOfSnippets() const {
-  if (type_ == static_cast<std::int64_t>(CategoryType::Folder)) {
+void QLCategory::countSnippets() {
+  if (const auto count = currentNumberOfSnippets(); count != numberOfSnippets_) {
+    numberOfSnippets_ = count;
+    announce("numberOfSnippets");
+  }
+}
+
+std::size_t QLCategory::currentNumberOfSnippets() const {
+  const auto* context = managedObjectContext();
+  const auto type = categoryType(type_);
+  if (context == nullptr || !type) return 0;
+  if (*type == CategoryType::Folder) {
     return static_cast<std::size_t>(
         std::ranges::count_if(snippets_, [](const QLSnippet* each) { return !each->deletionDate(); }));
   }
-  const auto* context = managedObjectContext();
-  const auto count =
-      context == nullptr ? Result<std::size_t>(0) : context->count(Entity::snippet, predicate());
+  if (*type == CategoryType::Macros || *type == CategoryType::SharedFolder) return 0;
+  const auto count = context->count(Entity::snippet, predicate());
   return count ? count.value() : 0;
 }
 
@@ -232,7 +241,8 @@ void QLCategory::dropRelationships() {
 }
 
 void QLCategory::touch() {
-  if (const auto* context = managedObjectContext()) setModifiedDate(context->now());
+  const auto* context = managedObjectContext();
+  if (context != nullptr && !context->takesFromStore()) setModifiedDate(context->now());
 }
 
 }  // namespace quorlo

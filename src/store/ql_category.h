@@ -93,8 +93,9 @@ class QLCategory final : public ManagedObject {
 
   // Which snippets the folder shows.
   Predicate predicate() const;
-  // How many they are now.
-  std::size_t numberOfSnippets() const;
+  // How many they were when they were counted last; counting announces "numberOfSnippets" when it changes.
+  std::size_t numberOfSnippets() const { return numberOfSnippets_; }
+  void countSnippets();
 
   // The order in which folders are listed: sourceType, sort, type.
   static std::vector<SortDescriptor> sortDescriptors();
@@ -107,6 +108,7 @@ class QLCategory final : public ManagedObject {
   void prepareForDeletion() override;
   void dropRelationships() override;
   void touch();
+  std::size_t currentNumberOfSnippets() const;
 
   std::string uuid_;
   std::optional<Date> creationDate_;
@@ -118,6 +120,7 @@ class QLCategory final : public ManagedObject {
   std::optional<std::int64_t> shortcutKeyCode_;
   std::int64_t shortcutModifierFlags_ = 0;
   std::int64_t expansionBehavior_ = 0;
+  std::size_t numberOfSnippets_ = 0;
   RecordSet<QLApp> allowedApps_;
   RecordSet<QLApp> blockedApps_;
   RecordSet<QLSnippet> snippets_;

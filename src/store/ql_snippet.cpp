@@ -71,19 +71,22 @@ constinit const Attribute<Date> QLSnippet::kDeletionDate{
      [](const ManagedObject& record) -> ValueView { return orNil(snippet(record).deletionDate_); }}};
 constinit const Attribute<std::u16string_view> QLSnippet::kTitle{
     {kEntity, "title",
-     [](const ManagedObject& record) -> ValueView { return std::u16string_view(snippet(record).title_); }}};
+     [](const ManagedObject& record) -> ValueView { return std::u16string_view(snippet(record).title_); },
+     true}};
 constinit const Attribute<std::int64_t> QLSnippet::kTitleIsCustom{
     {kEntity, "titleIsCustom",
      [](const ManagedObject& record) -> ValueView { return std::int64_t{snippet(record).titleIsCustom_}; }}};
 constinit const Attribute<std::u16string_view> QLSnippet::kAbbreviation{
-    {kEntity, "abbreviation", [](const ManagedObject& record) -> ValueView {
+    {kEntity, "abbreviation",
+     [](const ManagedObject& record) -> ValueView {
        const std::u16string_view value = snippet(record).abbreviation_;
        return value.empty() ? ValueView() : value;
-     }}};
+     },
+     true}};
 constinit const Attribute<std::u16string_view> QLSnippet::kPlainText{
-    {kEntity, "plainText", [](const ManagedObject& record) -> ValueView {
-       return std::u16string_view(snippet(record).plainText_);
-     }}};
+    {kEntity, "plainText",
+     [](const ManagedObject& record) -> ValueView { return std::u16string_view(snippet(record).plainText_); },
+     true}};
 constinit const Attribute<std::int64_t> QLSnippet::kFormatted{
     {kEntity, "formatted",
      [](const ManagedObject& record) -> ValueView { return snippet(record).formatted_; }}};
@@ -91,7 +94,10 @@ constinit const Attribute<std::int64_t> QLSnippet::kUseCount{
     {kEntity, "useCount",
      [](const ManagedObject& record) -> ValueView { return snippet(record).useCount_; }}};
 constinit const Property QLSnippet::kText{kEntity, "text", unread};
-constinit const Property QLSnippet::kNumberOFImagesString{kEntity, "numberOFImagesString", unread};
+constinit const Property QLSnippet::kNumberOFImagesString{
+    kEntity, "numberOFImagesString", [](const ManagedObject& record) -> ValueView {
+      return static_cast<std::int64_t>(snippet(record).imageCount_);
+    }};
 constinit const Attribute<const ManagedObject*> QLSnippet::kCategory{
     {kEntity, "category", [](const ManagedObject& record) -> ValueView {
        const ManagedObject* category = snippet(record).category_;
@@ -162,15 +168,32 @@ void QLSnippet::setAbbreviation(std::u16string abbreviation) {
 }
 
 AttributedString QLSnippet::text() const {
-  return richText_ ? *richText_ : AttributedString(plainText_);
+  const auto* rich = richText();
+  return rich != nullptr ? *rich : AttributedString(plainText_);
+}
+
+const AttributedString* QLSnippet::richText() const {
+  if (!richText_ && richTextIsInStore_ && managedObjectContext() != nullptr) {
+    if (auto read = managedObjectContext()->richText(*this)) {
+      richText_ = std::make_unique<const AttributedString>(*std::move(read));
+    }
+  }
+  return richText_.get();
+}
+
+// The store has it, and everything made from it but pictures in use can be made again.
+void QLSnippet::releaseRichText() {
+  if (!richTextIsInStore_ || !richText_) return;
+  richText_.reset();
+  cache_.reset();
 }
 
 void QLSnippet::setText(AttributedString text) {
   if (text.isPlain()) {
-    if (richText_ || text.string() != plainText_) replaceText(text.string(), nullptr);
+    if (isRich() || text.string() != plainText_) replaceText(text.string(), nullptr);
     return;
   }
-  if (richText_ && *richText_ == text) return;
+  if (const auto* rich = richText(); rich != nullptr && *rich == text) return;
   auto plainText = text.string();
   replaceText(std::move(plainText), std::make_unique<const AttributedString>(std::move(text)));
 }
@@ -185,6 +208,7 @@ void QLSnippet::replaceText(std::u16string plainText, std::unique_ptr<const Attr
   const bool hasOtherImageCount = images != imageCount_;
   plainText_ = std::move(plainText);
   richText_ = std::move(richText);
+  richTextIsInStore_ = false;
   imageCount_ = images;
   cache_.reset();
   if (std::exchange(updatesImagesAfterTextChange_, false)) updateImages();
@@ -257,7 +281,8 @@ std::size_t QLSnippet::numberOfCharacters() const {
   return cache().numberOfCharacters(plainText_);
 }
 const AttributedString& QLSnippet::attributedString() const {
-  return richText_ ? *richText_ : cache().plainAttributedString(plainText_);
+  const auto* rich = richText();
+  return rich != nullptr ? *rich : cache().plainAttributedString(plainText_);
 }
 const AttributedString& QLSnippet::attributedStringWithoutAttachments() const {
   return imageCount_ == 0 ? attributedString() : cache().withoutAttachments(attributedString());
@@ -271,9 +296,10 @@ const std::vector<std::shared_ptr<SnippetImage>>& QLSnippet::images() {
 void QLSnippet::updateImages() {
   imagesAreBuilt_ = true;
   images_.clear();
-  if (!richText_) return;
+  const auto* rich = richText();
+  if (rich == nullptr) return;
   const auto self = std::static_pointer_cast<QLSnippet>(shared_from_this());
-  richText_->forEachRun([&](const AttributedString::Run& run) {
+  rich->forEachRun([&](const AttributedString::Run& run) {
     if (!run.attributes.image) return;
     const auto& [bytes, mediaType] = *run.attributes.image;
     images_.push_back(std::make_shared<SnippetImage>(self, mediaType, bytes));
@@ -311,7 +337,8 @@ void QLSnippet::dropRelationships() {
 }
 
 void QLSnippet::touch() {
-  if (const auto* context = managedObjectContext()) setModifiedDate(context->now());
+  const auto* context = managedObjectContext();
+  if (context != nullptr && !context->takesFromStore()) setModifiedDate(context->now());
 }
 
 void QLSnippet::deriveTitle() {

@@ -129,6 +129,8 @@ class QLSnippet final : public ManagedObject {
   friend class ManagedObjectContext;
   friend class QLApp;
   friend class QLCategory;
+  friend class SearchIndex;
+  friend class StoreAccess;
 
   void awakeFromInsert(ManagedObjectContext& context) override;
   void awakeFromFetch() override;
@@ -137,6 +139,10 @@ class QLSnippet final : public ManagedObject {
   void touch();
   void deriveTitle();
   void replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText);
+  // Null for plain text, and for rich text that cannot be read now.
+  const AttributedString* richText() const;
+  void releaseRichText();
+  bool isRich() const { return richText_ != nullptr || richTextIsInStore_; }
   SnippetTextCache& cache() const;
 
   // Around every change of what makes the snippet live or of its abbreviation.
@@ -150,7 +156,8 @@ class QLSnippet final : public ManagedObject {
   std::u16string title_;
   std::u16string abbreviation_;
   std::u16string plainText_;
-  std::unique_ptr<const AttributedString> richText_;  // null while the text is plain
+  // Null while the text is plain, and while it is rich but has not been read from the store yet.
+  mutable std::unique_ptr<const AttributedString> richText_;
   std::int64_t formatted_ = 0;
   std::int64_t useCount_ = 0;
   std::size_t imageCount_ = 0;
@@ -161,6 +168,9 @@ class QLSnippet final : public ManagedObject {
   std::vector<std::shared_ptr<SnippetImage>> images_;
   std::u16string lastTitle_;
   bool titleIsCustom_ = false;
+  std::size_t searchEntry_ = 0;  // of the SearchIndex; 0 for none
+  bool isToBeReadAgain_ = false;
+  bool richTextIsInStore_ = false;  // as it is here, or would be if it were read
   bool isIndexed_ = false;
   bool imagesAreBuilt_ = false;
   bool updatesImagesAfterTextChange_ = false;

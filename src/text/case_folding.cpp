@@ -1,5 +1,7 @@
 #include "text/case_folding.h"
 
+#include "text/block_search.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
@@ -85,23 +87,8 @@ void foldInto(std::u16string& out, std::u16string_view text) {
   if (mayCombine) normalize(out);
 }
 
-// Compares both ends of the needle first, in blocks: a text without a match is passed quickly.
 bool contains(std::u16string_view haystack, std::u16string_view needle) {
-  if (needle.empty() || haystack.size() < needle.size()) return false;
-  const auto positions = haystack.size() - needle.size() + 1;
-  const auto* const fronts = haystack.data();
-  const auto* const backs = fronts + needle.size() - 1;
-  std::size_t i = 0;
-  for (; i + kBlock <= positions; i += kBlock) {
-    char16_t least = 0xFFFF;  // 0 where both ends match
-    for (std::size_t k = 0; k < kBlock; ++k) {
-      const auto differing = (fronts[i + k] ^ needle.front()) | (backs[i + k] ^ needle.back());
-      least = std::min(least, static_cast<char16_t>(differing));
-    }
-    if (least == 0 && haystack.substr(i, kBlock + needle.size() - 1).find(needle) != haystack.npos)
-      return true;
-  }
-  return haystack.substr(i).find(needle) != haystack.npos;
+  return !needle.empty() && findInBlocks(haystack, needle) != haystack.npos;
 }
 
 }  // namespace

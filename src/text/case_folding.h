@@ -25,6 +25,8 @@ class FoldedNeedle {
   // For haystacks that are kept in the form of foldCase; outside ASCII many times faster than isIn.
   bool isInFolded(std::u16string_view foldedHaystack) const;
 
+  const std::u16string& folded() const { return folded_; }
+
  private:
   std::u16string folded_;
 };

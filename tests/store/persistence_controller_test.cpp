@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 namespace quorlo {
 namespace {
 
@@ -101,6 +104,60 @@ TEST(PersistenceController, FindsALiveSnippetBeforeATrashedOneAndMakesOneUserOnl
   EXPECT_EQ(library.controller.snippet(trashed->uuid()), trashed);
   const auto user = library.controller.currentUser();
   EXPECT_EQ(library.controller.currentUser(), user);
+}
+
+TEST(PersistenceController, NamesANewFolderByTheFirstNumberThatIsFree) {
+  TestLibrary library;
+  EXPECT_EQ(library.controller.nextUntitledName(), u"Untitled");
+  for (const auto* title : {u"Untitled 2", u"untitled", u"My Untitled"}) {
+    library.folder(CategoryType::Folder)->setTitle(title);
+  }
+  EXPECT_EQ(library.controller.nextUntitledName(), u"Untitled");
+  for (const auto* next : {u"Untitled", u"Untitled 3", u"Untitled 4"}) {
+    EXPECT_EQ(library.controller.nextUntitledName(), next);
+    library.folder(CategoryType::Folder)->setTitle(next);
+  }
+}
+
+TEST(PersistenceController, AnswersForFoldersAndForSnippetsByWhereTheyAre) {
+  TestLibrary library;
+  auto& controller = library.controller;
+  const auto young = library.folder(CategoryType::Trash, SourceType::General);
+  const auto old = library.folder(CategoryType::Trash, SourceType::General);
+  old->setCreationDate(Date());
+  const auto letters = library.folder(CategoryType::Folder);
+  letters->setTitle(u"Letters");
+  const auto shared = library.folder(CategoryType::SharedFolder, SourceType::Public);
+  shared->setTitle(u"Letters of others");
+  using Folders = std::vector<std::shared_ptr<QLCategory>>;
+  EXPECT_EQ(controller.builtInFolder(CategoryType::Trash), old);
+  EXPECT_EQ(controller.folder(young->uuid()), young);
+  EXPECT_EQ(controller.userFoldersByTitle(u"LETTER"), Folders{letters});
+  EXPECT_EQ(controller.foldersOfSection(SourceType::Public, CategoryType::Trash),
+            (Folders{young, old, shared}));
+
+  const auto live = library.snippet(u"live", u"a");
+  const auto trashed = library.snippet(u"trashed", u"b");
+  trashed->moveToTrash();
+  const auto foreign = library.snippet(u"foreign", u"c");
+  foreign->setCategory(shared.get());
+  library.snippet(u"without");
+  EXPECT_EQ(controller.activeAbbreviations(), std::vector<std::u16string>{u"a"});
+  EXPECT_EQ(controller.trashedSnippets(), std::vector{trashed});
+  EXPECT_EQ(controller.snippetsOutsideSharedFolders().size(), 3U);
+}
+
+TEST(PersistenceController, OpensLibrariesRefusesOtherFilesByNameAndSaves) {
+  TestLibrary library;
+  const auto directory = std::filesystem::path(::testing::TempDir());
+  const auto good = directory / "opened.QUORLO";
+  std::ofstream(good) << R"([{"text": "Hello", "abbreviation": "hi"}])";
+  const auto opened = library.controller.openFiles({directory / "table.csv", good, directory / "none.json"});
+  EXPECT_EQ(opened.report.addedSnippets, 1U);
+  ASSERT_EQ(opened.refused.size(), 2U);
+  EXPECT_NE(opened.refused[0].message.find("table.csv"), std::string::npos);
+  EXPECT_NE(opened.refused[1].message.find("none.json"), std::string::npos);
+  EXPECT_EQ(library.commits.size(), 1U);
 }
 
 }  // namespace

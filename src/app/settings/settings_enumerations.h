@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/abbreviation_trigger_type.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -12,8 +14,6 @@ namespace quorlo {
 
 // Choices of the user that are stored as their raw values, and what the settings show for them.
 
-// What completes an abbreviation.
-enum class AbbreviationTriggerType { lastSymbol = 1, delimiterKey = 2 };
 inline constexpr std::array kAbbreviationTriggerTypes{AbbreviationTriggerType::lastSymbol,
                                                       AbbreviationTriggerType::delimiterKey};
 std::u16string displayString(AbbreviationTriggerType type);

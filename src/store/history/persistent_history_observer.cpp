@@ -2,7 +2,12 @@
 
 #include "base/log.h"
 #include "platform/user_defaults.h"
+#include "store/background_context.h"
+#include "store/duplicate_folders.h"
+#include "store/history/folder_deduplication.h"
 #include "store/history/store_file_watcher.h"
+#include "store/managed_object_context.h"
+#include "store/ql_category.h"
 
 #include <algorithm>
 #include <string>
@@ -26,7 +31,8 @@ std::string dateKey(AppTarget target) {
 PersistentHistoryObserver::PersistentHistoryObserver(AppTarget target, Dependencies dependencies)
     : target_(target),
       its_(std::move(dependencies)),
-      reader_(its_.storeFile, its_.author, its_.contextName, its_.busyTimeout),
+      reader_(its_.storeFile, its_.viewContext.transactionAuthor(), its_.viewContext.name(),
+              its_.busyTimeout),
       retryDelay_(kFirstRetry) {}
 
 PersistentHistoryObserver::~PersistentHistoryObserver() = default;
@@ -68,14 +74,50 @@ void PersistentHistoryObserver::didRead(const Result<NewHistory>& read) {
   }
   const auto& history = read.value();
   if (!history.lastProcessed) return didProcess(history);
-  if (const auto status = its_.refresh(history.changes.records); !status) {
+  if (const auto status = its_.viewContext.refresh(history.changes.records); !status) {
     logError("ERROR: #m7rgH; Couldn't take over what other programs have saved. " + status.error().message);
     return retryLater();
   }
-  if (history.changes.foldersToCheck.empty()) return didProcess(history);
-  perform<Result<bool>>(
-      [this, folders = history.changes.foldersToCheck] { return its_.deduplicate(folders); },
-      [this, history](const auto& merged) { didDeduplicate(history, merged); });
+  const auto folders = duplicatesAmong(history.changes.foldersToCheck);
+  if (folders.empty()) return didProcess(history);
+  perform<Result<bool>>([this, folders] { return deduplicateEach(folders); },
+                        [this, history](const auto& merged) { didDeduplicate(history, merged); });
+}
+
+// One of each group of duplicates that the folders belong to. Spares the background context, which loads the
+// whole library, when there is nothing to merge.
+std::vector<std::int64_t> PersistentHistoryObserver::duplicatesAmong(
+    const std::vector<std::int64_t>& folders) const {
+  const auto all = folders.empty() ? Result(std::vector<std::shared_ptr<QLCategory>>())
+                                   : its_.viewContext.fetch<QLCategory>({});
+  std::vector<std::int64_t> found;
+  if (!all) return folders;
+  const auto isAmong = [&folders](const auto& folder) {
+    return std::ranges::find(folders, folder->rowNumber()) != folders.end();
+  };
+  for (const auto& [survivor, duplicates] : duplicateFolders(all.value())) {
+    if (isAmong(survivor)) {
+      found.push_back(survivor->rowNumber());
+    } else if (const auto one = std::ranges::find_if(duplicates, isAmong); one != duplicates.end()) {
+      found.push_back((*one)->rowNumber());
+    }
+  }
+  return found;
+}
+
+// On the queue.
+Result<bool> PersistentHistoryObserver::deduplicateEach(const std::vector<std::int64_t>& folders) const {
+  const auto context = openBackgroundContext(
+      its_.storeFile,
+      {.name = "deduplication_context", .transactionAuthor = "history_observer", .now = its_.now});
+  if (!context) return context.error();
+  bool merged = false;
+  for (const auto each : folders) {
+    const auto had = deduplicate(each, *context.value());
+    if (!had) return had.error();
+    merged |= had.value();
+  }
+  return merged;
 }
 
 void PersistentHistoryObserver::didDeduplicate(const NewHistory& history, const Result<bool>& merged) {

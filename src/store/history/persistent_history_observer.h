@@ -19,6 +19,7 @@
 
 namespace quorlo {
 
+class ManagedObjectContext;
 class StoreFileWatcher;
 class UserDefaults;
 
@@ -34,16 +35,10 @@ class PersistentHistoryObserver {
   struct Dependencies {
     MainQueue& mainQueue;
     UserDefaults& defaults;
-    std::filesystem::path storeFile;  // exists
-    std::string author;               // of the main context, whose transactions are the own ones
-    std::string contextName;
-    // Brings the records of the main context up to date.
-    std::function<Status(const std::vector<HistoryChange>&)> refresh;
-    // Merges each of the folders with its duplicates, in a background context; true when there were any.
-    // Called on the observer's queue.
-    std::function<Result<bool>(const std::vector<std::int64_t>& folders)> deduplicate;
-    std::function<Date()> now;
-    std::chrono::milliseconds busyTimeout = std::chrono::seconds(2);  // longer ones are left to a retry
+    ManagedObjectContext& viewContext;  // its author's and its name's transactions are the own ones
+    std::filesystem::path storeFile;    // exists
+    std::function<Date()> now;          // any thread
+    std::chrono::milliseconds busyTimeout = std::chrono::seconds(5);  // longer ones are left to a retry
   };
 
   PersistentHistoryObserver(AppTarget target, Dependencies dependencies);
@@ -64,6 +59,8 @@ class PersistentHistoryObserver {
   void perform(std::function<Outcome()> operation, std::function<void(Outcome)> completion);
 
   void didRead(const Result<NewHistory>& history);
+  std::vector<std::int64_t> duplicatesAmong(const std::vector<std::int64_t>& folders) const;
+  Result<bool> deduplicateEach(const std::vector<std::int64_t>& folders) const;
   void didDeduplicate(const NewHistory& history, const Result<bool>& merged);
   void didProcess(const NewHistory& history);
   void purgeIfDue();

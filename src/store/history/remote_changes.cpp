@@ -11,10 +11,10 @@ namespace {
 
 using Kind = HistoryChange::Kind;
 
-// A record is made once and deleted once, and its row is never given again.
+// A row is never given to another record, but one that was deleted may come back with what was unsaved.
 void fold(HistoryChange& earlier, const HistoryChange& later) {
-  if (later.kind == Kind::deleted) {
-    earlier.kind = Kind::deleted;
+  if (later.kind != Kind::updated) {
+    earlier.kind = later.kind;
     earlier.changedProperties.clear();
   } else if (earlier.kind == Kind::updated) {
     for (const auto& each : later.changedProperties) {

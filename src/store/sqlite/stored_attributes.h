@@ -2,6 +2,7 @@
 
 #include "store/entity.h"
 #include "store/property.h"
+#include "store/record_set.h"
 
 #include <span>
 #include <string_view>
@@ -9,27 +10,29 @@
 namespace quorlo {
 
 class ManagedObject;
+class QLApp;
 class SqliteStatement;
 class StoreAccess;
 
-// Which attributes of the records stand in columns of their entity's table, under their own names. Rich text
-// and to-many relationships stand in tables of their own.
+// How the records of an entity stand in the library's file: each attribute in a column of the entity's table,
+// under its own name, but for the rich text, which has a table of its own.
 struct StoredAttribute {
   const Property* property;
-  // Takes the value over from a column of the row that the statement stands on; within the life of the access.
+  // Takes the value over from a column of the row on which the statement stands.
   void (*take)(ManagedObject& record, const SqliteStatement& row, int column, const StoreAccess& access);
 };
+
+// In the order in which they are to be taken over.
 std::span<const StoredAttribute> storedAttributes(Entity entity);
 
-// Binds the value that the record has now. A relationship to one is bound as the number of a row, by `rowOf`;
-// 0 counts as none.
-using RowOf = std::int64_t (*)(const ManagedObject& record, const void* context);
-
-// To-many relationships to applications, each a table of pairs, kept by the snippet or the folder.
+// A relationship to many applications, kept by the snippet or folder in a table of pairs.
 struct StoredRelationship {
   const Property* property;
   std::string_view table;
-  std::string_view ownerColumn;
+  std::string_view owner;  // the column; the other one is "app"
+  const RecordSet<QLApp>& (*apps)(const ManagedObject& owner);
+  void (*add)(ManagedObject& owner, QLApp& app);
+  void (*remove)(ManagedObject& owner, QLApp& app);
 };
 std::span<const StoredRelationship> storedRelationships(Entity owner);
 

@@ -4,6 +4,7 @@
 #include "store/library_editing.h"
 #include "store/managed_object_context.h"
 #include "store/ql_category.h"
+#include "store/store_maintenance.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
@@ -67,6 +68,7 @@ Qt::ItemFlags FolderListModel::flags(const QModelIndex& index) const {
 void FolderListModel::refresh() {
   auto found = context_.fetch<QLCategory>({.sortDescriptors = QLCategory::sortDescriptors()});
   auto folders = found ? std::move(found).value() : std::vector<std::shared_ptr<QLCategory>>();
+  countSnippets(context_);
   std::vector<std::size_t> counts;
   for (const auto& each : folders) counts.push_back(each->numberOfSnippets());
   if (folders == folders_) {

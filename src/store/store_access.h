@@ -1,0 +1,55 @@
+#pragma once
+
+#include "store/entity.h"
+#include "store/managed_object_context.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace quorlo {
+
+class AttributedString;
+class QLSnippet;
+
+// What a store may do to a context and its records that nobody else may. On the context's thread.
+//
+// While one exists, the setters of the context's records take over what the store holds: nothing counts as
+// unsaved, and modification dates stay as they are.
+class StoreAccess {
+ public:
+  enum class Purpose {
+    load,     // nobody is told
+    refresh,  // the context's observers are told, as of any change
+  };
+  StoreAccess(ManagedObjectContext& context, Purpose purpose);
+  StoreAccess(const StoreAccess&) = delete;
+  StoreAccess& operator=(const StoreAccess&) = delete;
+  ~StoreAccess();
+
+  void expect(Entity entity, std::size_t count);  // makes room
+
+  // An empty record for a row that the context does not have.
+  ManagedObject& add(Entity entity, std::int64_t row);
+
+  // Null when the context does not have it; then `isDeletedHere` tells whether it was deleted and that has
+  // not been saved yet.
+  ManagedObject* record(Entity entity, std::int64_t row) const;
+  bool isDeletedHere(Entity entity, std::int64_t row) const;
+
+  static void setImageCount(QLSnippet& snippet, std::size_t count);
+
+  // The rich text is to be read from the store when it is asked for, or there is none.
+  static void setRichTextIsInStore(QLSnippet& snippet, bool isInStore);
+
+  // As it is here, without reading it: null when it is plain or was not read yet.
+  static const AttributedString* loadedRichText(const QLSnippet& snippet);
+
+  // After a save. The record keeps its row from then on.
+  static void didSave(ManagedObject& record, std::int64_t row);
+
+ private:
+  ManagedObjectContext& context_;
+};
+
+}  // namespace quorlo
