@@ -1,11 +1,15 @@
 #include "store/sqlite/store_opening.h"
 
+#include "child_process.h"
 #include "test_store.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+
+#include <chrono>
+#include <random>
 
 namespace quorlo {
 namespace {
@@ -108,6 +112,28 @@ TEST(StoreOpening, CopiesTheOldLibraryOnceWithWhatIsOnlyInItsLogAndMigratesIt) {
   test.make("DELETE FROM Snippet");
   const auto again = test.open();
   EXPECT_EQ(rows(*again.value(), "SELECT count(*) FROM Snippet", 1), "0\n");
+}
+
+TEST(StoreOpening, CopiesTheOldLibraryWholeAlthoughItWasKilledAtAnyMoment) {
+  std::mt19937 random(20231114);
+  for (int kill = 0; kill < 40; ++kill) {
+    TestStore test;
+    makeOldStore(test.directory);
+    ChildProcess child([&test](const Channel& parent) {
+      parent.send(1);
+      static_cast<void>(test.open());
+    });
+    ASSERT_TRUE(child.channel().number());
+    const auto moment = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 10'000);
+    while (std::chrono::steady_clock::now() < moment) {
+    }
+    child.kill();
+    const auto store = test.open();
+    ASSERT_TRUE(store) << store.error().message;
+    EXPECT_EQ(rows(*store.value(), "SELECT plainText FROM Snippet WHERE row = 3", 1), "Only in the log\n");
+    EXPECT_EQ(rows(*store.value(), "PRAGMA user_version", 1), "2\n");
+    EXPECT_EQ(rows(*store.value(), "PRAGMA integrity_check", 1), "ok\n");
+  }
 }
 
 TEST(StoreOpening, BeginsEmptyWhenTheOldLibraryCannotBeCopied) {
