@@ -67,7 +67,8 @@ class QtStatusItem::Icon : public QObject {
       }
       auto title = QString::fromStdU16String(item.title).replace(u'&', QStringLiteral("&&"));
       auto* const action = menu_.addAction(title);
-      if (!item.image.empty()) action->setIcon(symbol(QString::fromUtf8(item.image)));
+      // Some styles draw a check mark where the icon is, or not at all beside one.
+      if (!item.image.empty() && !item.isChecked) action->setIcon(symbol(QString::fromUtf8(item.image)));
       action->setCheckable(item.isChecked.has_value());
       action->setChecked(item.isChecked.value_or(false));
       // Queued, for the choice may change the menu.
