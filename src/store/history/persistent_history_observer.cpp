@@ -95,12 +95,10 @@ std::vector<std::int64_t> PersistentHistoryObserver::duplicatesAmong(
   const auto isAmong = [&folders](const auto& folder) {
     return std::ranges::find(folders, folder->rowNumber()) != folders.end();
   };
-  for (const auto& [survivor, duplicates] : duplicateFolders(all.value())) {
-    if (isAmong(survivor)) {
-      found.push_back(survivor->rowNumber());
-    } else if (const auto one = std::ranges::find_if(duplicates, isAmong); one != duplicates.end()) {
-      found.push_back((*one)->rowNumber());
-    }
+  for (auto& [survivor, alike] : duplicateFolders(all.value())) {
+    alike.push_back(survivor);
+    const auto one = std::ranges::find_if(alike, isAmong);
+    if (one != alike.end()) found.push_back((*one)->rowNumber());
   }
   return found;
 }
