@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace quorlo {
 
@@ -20,40 +21,58 @@ constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT
 constexpr std::uint16_t kLocks = XCB_XKB_STATE_PART_MODIFIER_LOCK | XCB_XKB_STATE_PART_MODIFIER_LATCH |
                                  XCB_XKB_STATE_PART_GROUP_LOCK | XCB_XKB_STATE_PART_GROUP_LATCH;
 
-std::optional<Error> missing(const std::string& what) {
-  return Error{
-      "The X server lacks " + what +
-      ", without which no abbreviation can be seen and no key be pressed. Quorlo needs a server with "
-      "XTEST, XInput 2 and XKB, as Xorg is."};
+constexpr std::string_view kWaylandDevices = "xwayland-";  // of Xwayland, by their names
+
+std::string_view nameOf(const xcb_input_xi_device_info_t& device) {
+  return {xcb_input_xi_device_info_name(&device),
+          static_cast<std::size_t>(xcb_input_xi_device_info_name_length(&device))};
+}
+
+bool hasKeys(const xcb_input_xi_device_info_t& device) {
+  for (auto it = xcb_input_xi_device_info_classes_iterator(&device); it.rem > 0;
+       xcb_input_device_class_next(&it)) {
+    if (it.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_KEY) return true;
+  }
+  return false;
 }
 
 }  // namespace
 
 KeyboardLink::KeyboardLink(XConnection& connection) : connection_(connection) {
+  findObstacles();
+}
+
+void KeyboardLink::findObstacles() {
   const auto* input = connection_.extension(xcb_input_id);
   const auto version = input == nullptr
                            ? nullptr
                            : connection_.reply(xcb_input_xi_query_version_reply,
                                                xcb_input_xi_query_version(connection_.get(), 2, 2));
-  if (!version || version->major_version < 2) {
-    problem_ = missing("the extension XInput 2");
-    return;
+  if (version && version->major_version >= 2) {
+    inputOpcode_ = input->major_opcode;
+  } else {
+    obstacles_.push_back(AccessibilityObstacle::noXInput2);
   }
-  inputOpcode_ = input->major_opcode;
-  if (connection_.extension(xcb_test_id) == nullptr) {
-    problem_ = missing("the extension XTEST");
-    return;
-  }
+  const bool hasXtest = connection_.extension(xcb_test_id) != nullptr;
+  if (!hasXtest) obstacles_.push_back(AccessibilityObstacle::noXtest);
   if (xkb_x11_setup_xkb_extension(connection_.get(), XKB_X11_MIN_MAJOR_XKB_VERSION,
                                   XKB_X11_MIN_MINOR_XKB_VERSION, XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS,
                                   nullptr, nullptr, &xkbFirstEvent_, nullptr) == 0) {
-    problem_ = missing("the extension XKB");
+    obstacles_.push_back(AccessibilityObstacle::noXkb);
     return;
   }
   const auto core = xkb_x11_get_core_keyboard_device_id(connection_.get());
   masterKeyboard_ = core > 0 ? static_cast<Device>(core) : Device{3};
-  xtestKeyboard_ = findKeyboards().xtest;
-  if (xtestKeyboard_ == 0) problem_ = missing("an XTEST keyboard");
+  if (inputOpcode_ == 0) return;
+  const auto keyboards = findKeyboards();
+  xtestKeyboard_ = keyboards.xtest;
+  if (keyboards.ofWayland) obstacles_.insert(obstacles_.begin(), AccessibilityObstacle::waylandSession);
+  if (hasXtest && xtestKeyboard_ == 0) obstacles_.push_back(AccessibilityObstacle::noXtest);
+}
+
+bool KeyboardLink::hasKeyboard() const {
+  const auto keyboards = findKeyboards();
+  return !keyboards.attached.empty() || keyboards.floating > 0;
 }
 
 void KeyboardLink::selectEvents() {
@@ -88,10 +107,12 @@ KeyboardLink::Keyboards KeyboardLink::findKeyboards() const {
   if (!reply) return result;
   for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
        xcb_input_xi_device_info_next(&it)) {
-    if (it.data->type != XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD || it.data->attachment != masterKeyboard_ ||
-        it.data->enabled == 0) {
+    if (it.data->enabled == 0) continue;
+    if (it.data->type == XCB_INPUT_DEVICE_TYPE_FLOATING_SLAVE && hasKeys(*it.data)) ++result.floating;
+    if (it.data->type != XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD || it.data->attachment != masterKeyboard_) {
       continue;
     }
+    if (nameOf(*it.data).starts_with(kWaylandDevices)) result.ofWayland = true;
     if (isXtest(it.data->deviceid)) {
       result.xtest = it.data->deviceid;
     } else {

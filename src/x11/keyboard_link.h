@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/result.h"
+#include "platform/accessibility_trust.h"
 #include "x11/key_reader.h"
 #include "x11/key_stream.h"
 #include "x11/x_connection.h"
@@ -27,8 +27,10 @@ class KeyboardLink : public KeyStream::Output {
 
   explicit KeyboardLink(XConnection& connection);
 
-  // What the server lacks, for the user; absent when it has all.
-  const std::optional<Error>& problem() const { return problem_; }
+  // What of this server keeps from watching and pressing keys for good. With any the link does nothing.
+  const std::vector<AccessibilityObstacle>& obstacles() const { return obstacles_; }
+  // The keyboards in use, grabbed ones too.
+  bool hasKeyboard() const;
 
   void selectEvents();
 
@@ -71,14 +73,17 @@ class KeyboardLink : public KeyStream::Output {
  private:
   struct Keyboards {
     std::vector<Device> attached;  // physical keyboards in use and not grabbed
+    std::size_t floating = 0;      // those that somebody has grabbed
     Device xtest = 0;
+    bool ofWayland = false;  // the server takes its keys from a Wayland compositor
   };
   Keyboards findKeyboards() const;
+  void findObstacles();
   bool isXtest(Device device) const;
   void appendHeldKeys(Device device, HeldKeys& held) const;
 
   XConnection& connection_;
-  std::optional<Error> problem_;
+  std::vector<AccessibilityObstacle> obstacles_;
   std::uint8_t inputOpcode_ = 0;
   std::uint8_t xkbFirstEvent_ = 0;
   Device masterKeyboard_ = 0;

@@ -35,7 +35,6 @@ Status KeyboardService::openSession() {
   auto session = KeyboardSession::open(options_, std::move(lost));
   if (!session) return session.error();
   session_ = std::move(session).value();
-  problem_ = session_->problem();
   session_->setHotKeys(hotKeys_);
   map_.reset();
   return {};
@@ -52,10 +51,20 @@ void KeyboardService::reopenSession() {
   if (conversation_) session_->beginTap(conversation_);
 }
 
+std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
+  if (!session_) return {AccessibilityObstacle::displayIsLost};
+  auto found = session_->obstacles();
+  if (!found.empty()) return found;
+  if (!session_->hasKeyboard()) return {AccessibilityObstacle::noKeyboard};
+  if (keyboardsAreTaken_) return {AccessibilityObstacle::keyboardsAreTaken};
+  return {};
+}
+
 std::unique_ptr<EventTap::Port> KeyboardService::createTap(EventTap::Callback callback, void* userInfo) {
-  if (!session_ || conversation_) return nullptr;
+  if (!isUsable() || conversation_) return nullptr;
   auto conversation = std::make_shared<TapConversation>(queue_, callback, userInfo);
-  if (!session_->beginTap(conversation)) return nullptr;
+  keyboardsAreTaken_ = !session_->beginTap(conversation);
+  if (keyboardsAreTaken_) return nullptr;
   conversation_ = conversation;
   return std::make_unique<Port>(*this, std::move(conversation));
 }
@@ -92,7 +101,7 @@ void KeyboardService::post(const std::function<void(KeyStream::Output&)>& keys) 
 }
 
 const KeyMap* KeyboardService::map() const {
-  if (!session_ || session_->problem()) return nullptr;
+  if (!isUsable()) return nullptr;
   if (const auto generation = session_->mapGeneration(); !map_ || mapGeneration_ != generation) {
     mapGeneration_ = generation;
     map_ = session_->loadMap();

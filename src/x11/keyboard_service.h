@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace quorlo {
 
@@ -22,8 +23,10 @@ class KeyboardService {
  public:
   static Result<std::unique_ptr<KeyboardService>> start(KeyboardOptions options, MainQueue& queue);
 
-  // What the server lacks to watch and press keys; absent when all is there.
-  const std::optional<Error>& problem() const { return problem_; }
+  // What keeps from watching and pressing keys, for good or at the moment.
+  std::vector<AccessibilityObstacle> obstacles() const;
+  // Whether the server has all that it takes.
+  bool isUsable() const { return session_ && session_->obstacles().empty(); }
 
   std::unique_ptr<EventTap::Port> createTap(EventTap::Callback callback, void* userInfo);
   // A key that this program posts, for the callback of the tap.
@@ -51,9 +54,9 @@ class KeyboardService {
 
   KeyboardOptions options_;
   MainQueue& queue_;
-  std::optional<Error> problem_;
   std::unique_ptr<KeyboardSession> session_;       // null once the server is gone
   std::shared_ptr<TapConversation> conversation_;  // while a port lives
+  bool keyboardsAreTaken_ = false;                 // the last tap could not be made
   std::set<Shortcut> hotKeys_;
   mutable std::optional<KeyMap> map_;
   mutable std::uint64_t mapGeneration_ = 0;

@@ -32,7 +32,7 @@ KeyboardSession::KeyboardSession(std::unique_ptr<XConnection> connection, Keyboa
       options_(std::move(options)),
       link_(*connection_),
       loop_(*connection_, "keyboard") {
-  if (link_.problem()) return;
+  if (!link_.obstacles().empty()) return;
   window_ = connection_->createMessageWindow(XCB_EVENT_MASK_NO_EVENT);
   askAtom_ = connection_->atom("_QUORLO_KEYBOARD_GUARD");
   link_.selectEvents();
@@ -201,6 +201,12 @@ void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) 
     link_.flush();
   }
   wake();
+}
+
+bool KeyboardSession::hasKeyboard() {
+  const bool result = link_.hasKeyboard();
+  wake();
+  return result;
 }
 
 std::optional<KeyMap> KeyboardSession::loadMap() {

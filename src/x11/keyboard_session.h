@@ -17,6 +17,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -34,7 +35,7 @@ class KeyboardSession : KeyStream::Judge {
                                                        std::function<void()> lost);
   ~KeyboardSession() override;
 
-  const std::optional<Error>& problem() const { return link_.problem(); }
+  const std::vector<AccessibilityObstacle>& obstacles() const { return link_.obstacles(); }
 
   // False when no keyboard can be grabbed.
   bool beginTap(std::shared_ptr<TapConversation> conversation);
@@ -48,6 +49,8 @@ class KeyboardSession : KeyStream::Judge {
   void endHold();
   // A key was posted or the pasteboard read.
   void noteProgress();
+
+  bool hasKeyboard();
 
   // Posts keys: calls with the way to the applications, on which none of the user's modifiers is held.
   void post(const std::function<void(KeyStream::Output&)>& keys);
@@ -82,7 +85,7 @@ class KeyboardSession : KeyStream::Judge {
   KeyboardLink link_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   xcb_atom_t askAtom_ = XCB_ATOM_NONE;
-  std::optional<KeyStream> stream_;                // present unless there is a problem
+  std::optional<KeyStream> stream_;                // present unless there is an obstacle
   std::unique_ptr<GuardProcess> guard_;            // used on the thread while tapping
   std::shared_ptr<TapConversation> conversation_;  // on the thread
   std::set<Shortcut> hotKeys_;                     // on the thread

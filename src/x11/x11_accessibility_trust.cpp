@@ -7,7 +7,13 @@ namespace quorlo {
 
 bool X11AccessibilityTrust::isProcessTrusted() const {
   x_.sync();
-  return !x_.lost() && !keyboard_.problem();
+  return !x_.lost() && keyboard_.isUsable();
+}
+
+std::vector<AccessibilityObstacle> X11AccessibilityTrust::obstacles() const {
+  x_.sync();
+  if (x_.lost()) return {AccessibilityObstacle::displayIsLost};
+  return keyboard_.obstacles();
 }
 
 }  // namespace quorlo

@@ -14,6 +14,7 @@ class X11AccessibilityTrust : public AccessibilityTrust {
   X11AccessibilityTrust(const XConnection& x, const KeyboardService& keyboard) : x_(x), keyboard_(keyboard) {}
 
   bool isProcessTrusted() const override;
+  std::vector<AccessibilityObstacle> obstacles() const override;
 
  private:
   const XConnection& x_;

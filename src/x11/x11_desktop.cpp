@@ -17,11 +17,33 @@
 #include "x11/x_connection.h"
 
 #include <atomic>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace quorlo {
 
 namespace {
+
+std::string_view reason(AccessibilityObstacle obstacle) {
+  switch (obstacle) {
+    case AccessibilityObstacle::displayIsLost:
+      return "The connection to the X server is lost.";
+    case AccessibilityObstacle::waylandSession:
+      return "In a Wayland session keys can be neither watched nor pressed.";
+    case AccessibilityObstacle::noXInput2:
+      return "The X server lacks XInput 2: no abbreviation can be seen.";
+    case AccessibilityObstacle::noXtest:
+      return "The X server lacks XTEST: no key can be pressed.";
+    case AccessibilityObstacle::noXkb:
+      return "The X server lacks XKB: keys cannot be read.";
+    case AccessibilityObstacle::keyboardsAreTaken:
+      return "Another program has grabbed the keyboards.";
+    case AccessibilityObstacle::noKeyboard:
+      return "There is no keyboard at the moment.";
+  }
+  return "";
+}
 
 // Several connections notice the end of one server; the program hears of it once.
 class LossReport {
@@ -98,7 +120,9 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   auto keyboard = KeyboardService::start({display, options.guardProgram, lost}, queue);
   if (!keyboard) return keyboard.error();
   p.keyboard = std::move(keyboard).value();
-  if (const auto& problem = p.keyboard->problem()) logWarning("WARNING: #x11dT1; " + problem->message);
+  for (const auto obstacle : p.keyboard->obstacles()) {
+    logWarning("WARNING: #x11dT1; " + std::string(reason(obstacle)));
+  }
 
   p.trust = std::make_unique<X11AccessibilityTrust>(*p.x, *p.keyboard);
   p.layout = std::make_unique<X11KeyboardLayout>(*p.keyboard);

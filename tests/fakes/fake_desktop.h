@@ -101,6 +101,10 @@ class FakeDesktop : public EventTap,
     return Shortcut{static_cast<KeyCode>(press.keycode), press.modifiers};
   }
   bool isProcessTrusted() const override { return trusted_; }
+  std::vector<AccessibilityObstacle> obstacles() const override {
+    if (trusted_) return {};
+    return {AccessibilityObstacle::noXtest};
+  }
   const RunningApplications& runningApplications() const override { return running_; }
   std::vector<InstalledApplication> installedApplications() const override { return installed; }
   const std::string& ownBundleIdentifier() const override { return own_; }

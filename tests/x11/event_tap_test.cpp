@@ -229,7 +229,10 @@ TEST(KeyboardPlugTest, AKeyboardThatIsUnpluggedLetsItsKeysGoAndIsWatchedAgainWhe
   desktop.keyboard().type("a");
   EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed() == "<Shift_L>a"; })) << window.log();
 
+  setKeyboardEnabled(desktop, XorgServer::kKeyboardSocket, false);
+  EXPECT_EQ(keyboard.service->obstacles(), std::vector{AccessibilityObstacle::noKeyboard});
   setKeyboardEnabled(desktop, XorgServer::kSecondKeyboardSocket, true);
+  EXPECT_TRUE(keyboard.service->obstacles().empty());
   InputDevice again(desktop.directory() / XorgServer::kSecondKeyboardSocket);
   EXPECT_TRUE(keyboard.pumpUntil([&] {
     again.key(56, true);

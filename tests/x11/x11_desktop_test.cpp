@@ -181,6 +181,7 @@ TEST(X11DesktopTest, AServerWithoutXtestIsToldOfAndTheRestWorks) {
   PumpedQueue queue;
   const auto x11 = connectTo(server.display(), queue);
   EXPECT_FALSE(x11->accessibilityTrust().isProcessTrusted());
+  EXPECT_THAT(x11->accessibilityTrust().obstacles(), testing::ElementsAre(AccessibilityObstacle::noXtest));
   EXPECT_THAT(lines, testing::Contains(HasSubstr("XTEST")));
   EXPECT_EQ(x11->eventTap().create([](auto, auto, auto) { return TapVerdict::pass; }, nullptr), nullptr);
   EXPECT_TRUE(x11->workspace().runningApplications().empty());
