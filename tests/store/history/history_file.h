@@ -1,10 +1,10 @@
 #pragma once
 
 #include "base/date.h"
+#include "fakes/temporary_directory.h"
 #include "store/history/history_transaction.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/store_schema.h"
-#include "virtual_desktop/temp_dir.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ class HistoryFile {
     ASSERT_TRUE(transaction.value().commit());
   }
 
-  TempDir directory;
+  TemporaryDirectory directory;
   SqliteDatabase database{directory / "private.sqlite"};
 };
 
