@@ -80,7 +80,7 @@ constinit const Attribute<std::u16string_view> QLSnippet::kAbbreviation{
     {kEntity, "abbreviation",
      [](const ManagedObject& record) -> ValueView {
        const std::u16string_view value = snippet(record).abbreviation_;
-       return value.empty() ? ValueView() : value;
+       return value.empty() && !snippet(record).emptyAbbreviationIsStored_ ? ValueView() : value;
      },
      true}};
 constinit const Attribute<std::u16string_view> QLSnippet::kPlainText{
@@ -159,8 +159,9 @@ void QLSnippet::setTitleIsCustom(bool isCustom) {
 }
 
 void QLSnippet::setAbbreviation(std::u16string abbreviation) {
-  if (abbreviation == abbreviation_) return;
+  if (abbreviation == abbreviation_ && !emptyAbbreviationIsStored_) return;
   leaveIndex();
+  emptyAbbreviationIsStored_ = false;
   abbreviation_ = std::move(abbreviation);
   enterIndex();
   didChange(kAbbreviation);

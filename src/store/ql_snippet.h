@@ -171,6 +171,7 @@ class QLSnippet final : public ManagedObject {
   std::size_t searchEntry_ = 0;  // of the SearchIndex; 0 for none
   bool isToBeReadAgain_ = false;
   bool richTextIsInStore_ = false;  // as it is here, or would be if it were read
+  bool emptyAbbreviationIsStored_ = false;  // by an old version, in place of nil
   bool isIndexed_ = false;
   bool imagesAreBuilt_ = false;
   bool updatesImagesAfterTextChange_ = false;

@@ -33,7 +33,7 @@ StoreAccess::StoreAccess(ManagedObjectContext& context, Purpose purpose) : conte
 }
 
 StoreAccess::~StoreAccess() {
-  context_.origin_ = ManagedObjectContext::Origin::user;
+  context_.endTakingFromStore();
 }
 
 void StoreAccess::expect(Entity entity, std::size_t count) {
@@ -63,6 +63,11 @@ bool StoreAccess::isDeletedHere(Entity entity, std::int64_t row) const {
   const auto& rows = context_.byRow_[static_cast<std::size_t>(entity)];
   const auto found = rows.find(row);
   return found != rows.end() && found->second == nullptr;
+}
+
+void StoreAccess::setEmptyAbbreviation(QLSnippet& snippet) {
+  snippet.setAbbreviation({});
+  snippet.emptyAbbreviationIsStored_ = true;
 }
 
 void StoreAccess::setImageCount(QLSnippet& snippet, std::size_t count) {

@@ -37,6 +37,9 @@ class StoreAccess {
   ManagedObject* record(Entity entity, std::int64_t row) const;
   bool isDeletedHere(Entity entity, std::int64_t row) const;
 
+  // What versions before wrote for no abbreviation; it is not nil until somebody sets it.
+  static void setEmptyAbbreviation(QLSnippet& snippet);
+
   static void setImageCount(QLSnippet& snippet, std::size_t count);
 
   // The rich text is to be read from the store when it is asked for, or there is none.

@@ -2,6 +2,7 @@
 
 #include "store/built_in_folders.h"
 #include "store/calendar_days.h"
+#include "store/store_access.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>
@@ -138,6 +139,24 @@ TEST(StoreMaintenance, MergesFoldersOfEveryKindAndSavesTheResult) {
   EXPECT_EQ(library.log, (std::vector<std::string>{"Deleting duplicate folder Code",
                                                    "Deleting duplicate folder Letters"}));
   EXPECT_FALSE(library.context.hasChanges());
+}
+
+TEST(StoreMaintenance, MakesStoredEmptyAbbreviationsNilOnce) {
+  TestLibrary library;
+  const auto wrong = library.snippet(u"wrong");
+  library.snippet(u"right", u"ok");
+  library.snippet(u"without");
+  StoreAccess::setEmptyAbbreviation(*wrong);
+  EXPECT_EQ(wrong->abbreviation(), u"");
+  library.controller.save();
+  library.controller.fixEmptyAbbreviations();
+  EXPECT_EQ(library.log, (std::vector<std::string>{"Found 1 snippets with wrong empty abbreviation",
+                                                   "Automatically fixing wrong"}));
+  EXPECT_EQ(library.titles({.predicate = QLSnippet::kAbbreviation.isNil()}),
+            (std::vector<std::u16string>{u"wrong", u"without"}));
+  EXPECT_TRUE(library.context.hasChanges());
+  library.controller.fixEmptyAbbreviations();
+  EXPECT_EQ(library.log.back(), "Found 0 snippets with wrong empty abbreviation");
 }
 
 TEST(StoreMaintenance, MarksOnlyTitlesThatAreThere) {

@@ -68,8 +68,14 @@ constexpr StoredAttribute kSnippet[] = {
            row.isNull(column) ? nullptr : access.record(Entity::category, row.integer(column));
        snippet(record).setCategory(static_cast<QLCategory*>(folder));
      }},
-    {&QLSnippet::kAbbreviation, [](ManagedObject& record, Row row, int column,
-                                   Access) { snippet(record).setAbbreviation(row.text16(column)); }},
+    {&QLSnippet::kAbbreviation,
+     [](ManagedObject& record, Row row, int column, Access) {
+       if (!row.isNull(column) && row.text(column).empty()) {
+         StoreAccess::setEmptyAbbreviation(snippet(record));
+       } else {
+         snippet(record).setAbbreviation(row.text16(column));
+       }
+     }},
 };
 
 constexpr StoredAttribute kCategory[] = {
