@@ -27,6 +27,7 @@ namespace {
 
 constexpr Seconds kActivationDelay{0.05};
 constexpr Seconds kBlinkDuration{0.2};
+constexpr Seconds kSameClick{0.3};
 
 bool isInFront(const Workspace& workspace, const std::string& bundleIdentifier) {
   return std::ranges::any_of(workspace.runningApplications(), [&](const auto& each) {
@@ -44,7 +45,11 @@ QLSnippetStatusMenuViewController::QLSnippetStatusMenuViewController(const Depen
       .copySnippet = [this](ObjectID id) { copySelectedSnippetToPasteboard(id); },
       .perform = [this](MenuCommand command) { perform(command); },
       .cancel = [this] { close(); },
-      .menuDidClose = [this] { menuDidClose(); },
+      .menuDidClose =
+          [this] {
+            closedItself_ = use_.queue.now();
+            menuDidClose();
+          },
   });
   use_.statusItem.setClickHandler([this] { openAtStatusItem(); });
   settingsObservation_ = use_.settings.observe([this](Setting changed) { settingDidChange(changed); });
@@ -71,6 +76,7 @@ void QLSnippetStatusMenuViewController::popUpSnippetMenu() {
 
 void QLSnippetStatusMenuViewController::openAtStatusItem() {
   if (isOpen_) return close();
+  if (closedItself_ && use_.queue.now() - *closedItself_ < kSameClick) return;
   open(MenuPlace::statusItem);
 }
 

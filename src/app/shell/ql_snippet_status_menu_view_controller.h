@@ -4,18 +4,19 @@
 #include "base/life_token.h"
 #include "base/subscription.h"
 #include "platform/key_codes.h"
+#include "platform/main_queue.h"
 #include "store/entity.h"
 #include "store/fetch_request.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace quorlo {
 
 class LaunchAtLogin;
-class MainQueue;
 class ManagedObjectContext;
 class NavigationModel;
 class OwnApplication;
@@ -66,7 +67,7 @@ class QLSnippetStatusMenuViewController {
   void activateAndPopUpSnippetMenu(std::shared_ptr<QLCategory> category = nullptr);
   // At the pointer, at once.
   void popUpSnippetMenu();
-  // A click on the status item.
+  // A click on the status item; one that has just closed the open menu does nothing more.
   void openAtStatusItem();
   bool isOpen() const { return isOpen_; }
   // The focus goes back to the window that the user came from.
@@ -115,6 +116,7 @@ class QLSnippetStatusMenuViewController {
   bool isOpen_ = false;
   bool isAboutToOpen_ = false;
   bool cameFromOwnWindow_ = false;
+  std::optional<MainQueue::Instant> closedItself_;
   bool offersToShowInMenuBar_ = false;
   Subscription hold_;
   Subscription settingsObservation_;

@@ -14,6 +14,7 @@ std::vector<StatusMenuItem> statusItemMenu(const MenuToggles& toggles, std::func
     lines.push_back(
         {item.title, item.image, isChecked, [perform, command = *item.command] { perform(command); }});
   };
+  lines.emplace_back();
   for (const auto& item : fixedMenuItems(toggles)) {
     if (!item.command) continue;
     add(item, std::nullopt);

@@ -1,0 +1,81 @@
+#include "app/shell/app_setup.h"
+
+#include "app/settings/settings_controller.h"
+#include "app/shell/navigation_model.h"
+#include "platform/user_defaults.h"
+#include "store/managed_object_context.h"
+#include "store/persistence_controller.h"
+#include "store/ql_category.h"
+#include "store/ql_snippet.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+constexpr const char* kSnippetListSearchText = "SnippetListSearchText";
+constexpr const char* kTitlesAreMarked = "HasMigratedTo308";
+constexpr const char* kEmptyAbbreviationsAreFixed = "HasMigratedToVersion23";
+constexpr const char* kFoldersAreMigrated = "HasMigratedToVersion300g";
+
+}  // namespace
+
+AppSetup::AppSetup(Dependencies dependencies) : use_(std::move(dependencies)) {}
+
+void AppSetup::once(const char* flag, const std::function<bool()>& step) {
+  const auto* value = use_.defaults.value(DefaultsDomain::standard, flag);
+  const auto* isDone = value ? std::get_if<bool>(value) : nullptr;
+  if (isDone && *isDone) return;
+  if (step()) use_.defaults.setValue(DefaultsDomain::standard, flag, true);
+}
+
+Status AppSetup::prepareStore() {
+  auto& context = use_.persistence.managedObjectContext();
+  use_.persistence.observeObjectsDidChange(context);
+  context.setName("view_context");
+  context.setTransactionAuthor("main_app");
+  auto observation = use_.observeRemoteChanges();
+  use_.defaults.removeValue(DefaultsDomain::standard, kSnippetListSearchText);
+  once(kTitlesAreMarked, [this] {
+    use_.persistence.markTitlesAsCustom();
+    return true;
+  });
+  use_.persistence.createBuiltInFolders();
+  return observation;
+}
+
+void AppSetup::migrateStore() {
+  once(kEmptyAbbreviationsAreFixed, [this] {
+    use_.persistence.fixEmptyAbbreviations();
+    return true;
+  });
+  once(kFoldersAreMigrated, [this] { return use_.persistence.migrateFolders().ok(); });
+  use_.persistence.mergeDuplicateUsers();
+  use_.persistence.mergeDuplicateFolders();
+}
+
+void AppSetup::restoreSelection() {
+  if (const auto uuid = use_.settings.selectedCategoryUUID()) {
+    use_.navigation.setSelectedCategory(use_.persistence.folder(*uuid));
+  }
+  std::vector<std::shared_ptr<QLSnippet>> snippets;
+  for (const auto& uuid : use_.settings.selectedSnippetUUIDs()) {
+    if (auto snippet = use_.persistence.snippet(uuid)) snippets.push_back(std::move(snippet));
+  }
+  use_.navigation.setSelectedSnippets(std::move(snippets));
+}
+
+void AppSetup::recordSelection() {
+  const auto folder = use_.navigation.selectedCategory();
+  use_.settings.setSelectedCategoryUUID(folder ? std::optional(folder->uuid()) : std::nullopt);
+  std::vector<std::string> uuids;
+  for (const auto& snippet : use_.navigation.selectedSnippets()) uuids.push_back(snippet->uuid());
+  use_.settings.setSelectedSnippetUUIDs(uuids);
+  use_.persistence.save();
+}
+
+}  // namespace quorlo
