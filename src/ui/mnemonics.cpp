@@ -2,11 +2,19 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QList>
 #include <QWidget>
 
-#include <array>
-
 namespace quorlo {
+namespace {
+
+QString textNamingControl(const QWidget& widget) {
+  if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget)) return button->text();
+  const auto* const label = qobject_cast<const QLabel*>(&widget);
+  return label && label->buddy() ? label->text() : QString();
+}
+
+}  // namespace
 
 QString withMnemonic(const QString& text, QSet<QChar>& taken) {
   // A key for every letter: those that no keyboard types by one key are left out.
@@ -26,13 +34,17 @@ QString withMnemonic(const QString& text, QSet<QChar>& taken) {
 
 void assignMnemonics(QWidget& widget) {
   QSet<QChar> taken;
+  QList<QWidget*> named;
   for (auto* const child : widget.findChildren<QWidget*>()) {
-    auto* const button = qobject_cast<QAbstractButton*>(child);
-    auto* const label = qobject_cast<QLabel*>(child);
-    const QString text = button ? button->text() : label && label->buddy() ? label->text() : QString();
-    if (text.size() < 2 || text.contains(QLatin1Char('&'))) continue;
-    if (button) button->setText(withMnemonic(text, taken));
-    if (label) label->setText(withMnemonic(text, taken));
+    const QString text = textNamingControl(*child);
+    const auto mark = text.indexOf(QLatin1Char('&'));
+    if (mark >= 0 && mark + 1 < text.size()) taken.insert(text.at(mark + 1).toLower());
+    if (mark < 0 && text.size() > 1) named << child;
+  }
+  for (auto* const child : named) {
+    const QString text = withMnemonic(textNamingControl(*child), taken);
+    if (auto* const button = qobject_cast<QAbstractButton*>(child)) button->setText(text);
+    if (auto* const label = qobject_cast<QLabel*>(child)) label->setText(text);
   }
 }
 

@@ -1,10 +1,15 @@
 #pragma once
 
+#include "platform/shortcut.h"
+
 #include <functional>
+#include <optional>
 
 namespace quorlo {
 
 class Environment;
+class HotKeyCenter;
+class KeyboardLayout;
 class LaunchAtLogin;
 class PersistenceController;
 class SettingsController;
@@ -20,6 +25,11 @@ struct SettingsServices {
   Workspace& workspace;
   const Environment& environment;
   LaunchAtLogin& launchAtLogin;
+  HotKeyCenter& hotKeys;
+  const KeyboardLayout& keyboardLayout;
+  // The menu's hot key, which the program has registered; empty for none.
+  std::function<std::optional<Shortcut>()> menuShortcut;
+  std::function<void(std::optional<Shortcut>)> setMenuShortcut;
   std::function<void()> showWelcome;
   std::function<void()> showAbout;
 };
@@ -30,6 +40,7 @@ SettingsPage* makeExpansionPage(const SettingsServices& services);
 SettingsPage* makeApplicationsPage(const SettingsServices& services);
 SettingsPage* makeSoundsPage(const SettingsServices& services);
 SettingsPage* makeMenuPage(const SettingsServices& services);
+SettingsPage* makeHotKeysPage(const SettingsServices& services);
 SettingsPage* makeFillInPage(const SettingsServices& services);
 SettingsPage* makeEditorPage(const SettingsServices& services);
 SettingsPage* makeAdvancedPage(const SettingsServices& services);

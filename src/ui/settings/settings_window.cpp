@@ -32,6 +32,7 @@ SettingsWindow::SettingsWindow(const SettingsServices& services)
   addPage(makeApplicationsPage(services), u"macwindow");
   addPage(makeSoundsPage(services), u"speaker.wave.2");
   addPage(makeMenuPage(services), u"magnifyingglass");
+  addPage(makeHotKeysPage(services), u"command");
   addPage(makeFillInPage(services), u"character.cursor.ibeam");
   addPage(makeEditorPage(services), u"pencil");
   addPage(makeAdvancedPage(services), u"info.circle");
