@@ -17,7 +17,7 @@ MenuItemModel::Row rowFor(const MenuItem& item) {
   if (const auto& snippet = item.snippet) {
     row.abbreviation = QString::fromStdU16String(snippet->abbreviation);
     const auto start = std::u16string_view(snippet->contentString).substr(0, kPreviewLength);
-    row.preview = QString::fromUtf16(start.data(), static_cast<qsizetype>(start.size())).simplified();
+    row.preview = toQString(start).simplified();
     if (snippet->type) spoken << QString::fromStdU16String(displayName(*snippet->type));
     spoken << row.abbreviation << row.preview;
   }

@@ -66,7 +66,6 @@ void MenuList::setHighlightedRow(int row, Reveal reveal) {
     if (row > 0 && !item(row - 1).isEnabled()) scrollTo(model_.index(row - 1, 0));
     scrollTo(index);
   }
-  if (!QAccessible::isActive()) return;
   QAccessibleEvent event(this, QAccessible::Focus);
   event.setChild(row);
   QAccessible::updateAccessibility(&event);

@@ -125,6 +125,7 @@ class SnippetMenuWindow::Window : public QWidget {
   void focusField() { field_->setFocus(); }
 
   void disappear() {
+    wasActive_ = false;  // hiding takes the focus away, which is no wish of the user
     clicks_.reset();
     submenuEnd_.stop();
     submenu_->hide();
