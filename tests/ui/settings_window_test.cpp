@@ -37,7 +37,7 @@ struct SettingsWindowTest : testing::Test, SettingsWorld {
     return nullptr;
   }
   void showPage(const char* title) {
-    window.present();
+    window.show();
     auto* const titles = window.findChild<QListWidget*>();
     titles->setCurrentItem(titles->findItems(QString::fromUtf8(title), Qt::MatchExactly).value(0));
   }

@@ -59,7 +59,7 @@ struct WelcomeWindowTest : testing::Test, SettingsWorld {
 };
 
 TEST_F(WelcomeWindowTest, LeadsThroughThreeStepsAndCountsAsShownOnceClosed) {
-  window.present();
+  window.show();
   box("Expand abbreviations as I type")->click();
   EXPECT_TRUE(settings.abbreviationsEnabled());
   press("Continue");
@@ -79,7 +79,7 @@ TEST_F(WelcomeWindowTest, LeadsThroughThreeStepsAndCountsAsShownOnceClosed) {
 }
 
 TEST_F(WelcomeWindowTest, ClosedAtOnceItCountsAsShownAndAddsNothing) {
-  window.present();
+  window.show();
   const auto monitor = settings.observe([&](Setting setting) {
     // As without permission.
     if (setting == Setting::abbreviationsEnabled && settings.abbreviationsEnabled()) {
@@ -96,7 +96,7 @@ TEST_F(WelcomeWindowTest, ClosedAtOnceItCountsAsShownAndAddsNothing) {
 TEST_F(WelcomeWindowTest, TheFieldExpandsAsTheSettingsSay) {
   addSnippet(u"cur", u"(%cursor%)");
   addSnippet(u"😀x", u"emoji");
-  window.present();
+  window.show();
   press("Continue");
   EXPECT_EQ(tryOut("cur "), QStringLiteral("() "));
   QTest::keyClicks(window.findChild<QPlainTextEdit*>(), QStringLiteral("in"));

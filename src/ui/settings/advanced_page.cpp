@@ -19,16 +19,11 @@ class AdvancedPage : public SettingsPage {
  public:
   explicit AdvancedPage(const SettingsServices& services)
       : SettingsPage(services.settings, u"Advanced"), services_(services) {
-    auto& settings = services.settings;
     beginGroup(u"Finding faults");
     addSwitch(
-        u"Debug mode", [&settings] { return settings.debugModeEnabled(); },
-        [&settings, &environment = services.environment](bool on) {
-          if (on) settings.setDebugEnabledDate(environment.now());
-          settings.setDebugModeEnabled(on);
-        },
-        u"Quorlo writes a detailed log, which may name titles and abbreviations of snippets but holds no other "
-        u"text. Debug mode ends by itself after 24 hours.");
+        u"Debug mode", &SettingsController::debugModeEnabled, &SettingsController::setDebugModeEnabled,
+        u"Quorlo writes a detailed log, which may name titles and abbreviations of snippets but holds no "
+        u"other text. Debug mode ends by itself after 24 hours.");
     auto* const buttons = new QWidget;
     auto* const row = new QHBoxLayout(buttons);
     row->setContentsMargins(0, 0, 0, 0);

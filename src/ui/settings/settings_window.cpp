@@ -68,11 +68,4 @@ void SettingsWindow::addPage(SettingsPage* page, QStringView symbolName) {
   pages_->addWidget(area);
 }
 
-void SettingsWindow::present() {
-  show();
-  setWindowState(windowState() & ~Qt::WindowMinimized);
-  raise();
-  activateWindow();
-}
-
 }  // namespace quorlo

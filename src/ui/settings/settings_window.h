@@ -16,9 +16,6 @@ class SettingsWindow : public QWidget {
   // Everything that the services refer to must outlive the window.
   explicit SettingsWindow(const SettingsServices& services);
 
-  // Shows the window in front of others, on the page that was seen last.
-  void present();
-
  private:
   void addPage(SettingsPage* page, QStringView symbolName);
 

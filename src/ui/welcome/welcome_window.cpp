@@ -24,6 +24,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace quorlo {
 namespace {
@@ -112,15 +113,13 @@ WelcomeWindow::WelcomeWindow(const WelcomeServices& services)
   resize(QSize(36 * line, 24 * line).boundedTo(screen()->availableGeometry().size() * 0.9));
 }
 
-void WelcomeWindow::present() {
-  if (!isVisible()) go(0);
-  show();
-  setWindowState(windowState() & ~Qt::WindowMinimized);
-  raise();
-  activateWindow();
+void WelcomeWindow::showEvent(QShowEvent* event) {
+  if (std::exchange(isToBegin_, false)) go(0);
+  QWidget::showEvent(event);
 }
 
 void WelcomeWindow::closeEvent(QCloseEvent* event) {
+  isToBegin_ = true;
   services_.settings.setWelcomeViewHasBeenShown(true);
   if (services_.closed) services_.closed();
   QWidget::closeEvent(event);

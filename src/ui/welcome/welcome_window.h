@@ -43,15 +43,13 @@ struct WelcomeServices {
 };
 
 // Explains the program in three steps: abbreviations, a field to try one in, the menu and its hot key. Once
-// closed, however far the user came, it counts as shown.
+// closed, however far the user came, it counts as shown; shown again, it begins anew.
 class WelcomeWindow : public QWidget {
  public:
   explicit WelcomeWindow(const WelcomeServices& services);
 
-  // Shows the first step, in front of other windows.
-  void present();
-
  protected:
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
@@ -77,6 +75,7 @@ class WelcomeWindow : public QWidget {
   HotKeyField* hotKey_ = nullptr;
   QPushButton* proposal_ = nullptr;
   QCheckBox* launchAtLogin_ = nullptr;
+  bool isToBegin_ = true;  // with the first step, when it is shown next
   Subscription settingsChanges_;
 };
 
