@@ -26,7 +26,7 @@ QDoubleSpinBox* makePartsDelay(SettingsPage& page, SettingsController& settings)
   auto* const delay = new QDoubleSpinBox;
   delay->setRange(0, kMaxPasteDelay.count());
   delay->setSingleStep(0.05);
-  delay->setSuffix(localizedText(u" s"));
+  delay->setSuffix(QStringLiteral(" s"));
   delay->setKeyboardTracking(false);  // "0.25" is one change, not four
   QObject::connect(delay, &QDoubleSpinBox::valueChanged, &page, [&settings](double seconds) {
     settings.setPasteBetweenSnippetPartsDelay(Seconds(seconds));
