@@ -33,7 +33,7 @@ std::string entryFor(const fs::path& program) {
          "Type=Application\n"
          "Name=Quorlo\n"
          "Comment=Expands abbreviations as you type\n"
-         "Comment[de]=Ersetzt Kürzel beim Tippen\n"
+         "Comment[de]=Ersetzt Abkürzungen beim Tippen\n"
          "Icon=org.quorlo.Quorlo\n"
          "Exec=" +
          execArgument(program.string()) +
