@@ -61,6 +61,10 @@ AboutWindow::AboutWindow(Workspace& workspace, std::string_view version) {
   setWindowTitle(localizedText(u"About Quorlo"));
   setWindowIcon(programIcon());
   const int line = fontMetrics().lineSpacing();
+  // Not every dark theme has a colour for links that can be read.
+  auto colours = palette();
+  colours.setColor(QPalette::Link, colours.color(QPalette::WindowText));
+  setPalette(colours);
 
   auto* const icon = new QLabel;
   icon->setPixmap(programIcon().pixmap(QSize(4 * line, 4 * line), devicePixelRatioF()));
