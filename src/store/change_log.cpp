@@ -26,6 +26,10 @@ void ChangeLog::noteDeletion(std::shared_ptr<ManagedObject> record) {
   entries_.insert_or_assign(id, Entry{std::move(record), Kind::deleted});
 }
 
+bool ChangeLog::holds(const ManagedObject& record) const {
+  return entries_.contains(record.objectID());
+}
+
 bool ChangeLog::holdsInsertionOf(const ManagedObject& record) const {
   const auto found = entries_.find(record.objectID());
   return found != entries_.end() && found->second.kind == Kind::inserted;

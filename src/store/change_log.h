@@ -26,6 +26,7 @@ class ChangeLog {
   void noteDeletion(std::shared_ptr<ManagedObject> record);
 
   bool empty() const { return entries_.empty(); }
+  bool holds(const ManagedObject& record) const;
   bool holdsInsertionOf(const ManagedObject& record) const;
   ChangeSet changes() const;
   void clear() { entries_.clear(); }

@@ -17,7 +17,12 @@ void ManagedObject::didChange(const Property& property) {
 }
 
 void ManagedObject::announce(std::string_view name) const {
-  if (observers_) observers_->notify(name);
+  if (!observers_) return;
+  if (context_ != nullptr && context_->takesFromStore()) {
+    context_->announceLater(*this, name);
+  } else {
+    observers_->notify(name);
+  }
 }
 
 bool ManagedObject::sharesContextWith(const ManagedObject& other) const {

@@ -79,6 +79,9 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
   virtual void prepareForDeletion() {}
   // Forgets every relationship without a trace; the other side is forgotten too.
   virtual void dropRelationships() {}
+  // Others have deleted the record, which has unsaved changes and is to be stored again: counts what led to
+  // it as changed.
+  virtual void didLoseRow(ManagedObjectContext&) {}
 
   ObjectID objectID_;
   std::int64_t rowNumber_ = 0;

@@ -1,12 +1,12 @@
 #include "store/managed_object_context.h"
 
-#include "base/log.h"
 #include "platform/main_queue.h"
 #include "store/managed_object.h"
 #include "store/ql_snippet.h"
 
 #include <algorithm>
 #include <cassert>
+#include <chrono>
 #include <compare>
 #include <utility>
 
@@ -44,7 +44,10 @@ bool comesBefore(const ManagedObject& left, const ManagedObject& right,
 }  // namespace
 
 ManagedObjectContext::ManagedObjectContext(MainQueue& mainQueue, Configuration configuration)
-    : mainQueue_(mainQueue), configuration_(std::move(configuration)) {}
+    : mainQueue_(&mainQueue), configuration_(std::move(configuration)) {}
+
+ManagedObjectContext::ManagedObjectContext(Configuration configuration)
+    : mainQueue_(nullptr), configuration_(std::move(configuration)) {}
 
 ManagedObjectContext::~ManagedObjectContext() {
   for (auto& each : tables_) {
@@ -54,6 +57,14 @@ ManagedObjectContext::~ManagedObjectContext() {
       row.record->context_ = nullptr;
     }
   }
+}
+
+Date ManagedObjectContext::now() const {
+  return std::chrono::floor<std::chrono::microseconds>(configuration_.now());
+}
+
+Status ManagedObjectContext::load() {
+  return configuration_.store ? configuration_.store->load(*this) : Status();
 }
 
 void ManagedObjectContext::insert(const std::shared_ptr<ManagedObject>& record) {
@@ -169,6 +180,12 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::object(ObjectID id) const {
   return found == rows.end() || found->number != id.number ? nullptr : found->record;
 }
 
+std::shared_ptr<ManagedObject> ManagedObjectContext::record(Entity entity, std::int64_t rowNumber) const {
+  const auto& rows = byRow_[static_cast<std::size_t>(entity)];
+  const auto found = rows.find(rowNumber);
+  return found == rows.end() || found->second == nullptr ? nullptr : found->second->shared_from_this();
+}
+
 Result<std::shared_ptr<QLSnippet>> ManagedObjectContext::liveSnippet(std::u16string_view abbreviation) const {
   auto* const snippet = index_.abbreviations.find(abbreviation);
   if (snippet == nullptr) return std::shared_ptr<QLSnippet>();
@@ -190,17 +207,25 @@ Result<bool> ManagedObjectContext::hasApp(std::string_view bundleID, std::int64_
 
 Status ManagedObjectContext::save() {
   processPendingChanges();
-  if (!hasChanges()) return {};
-  const auto changes = unsaved_.changes();
-  if (configuration_.commit) {
-    if (auto status = configuration_.commit(changes); !status) return status;
-  }
-  unsaved_.clear();
-  for (const auto& each : changes.updated) each->changedProperties_.clear();
-  for (const auto& each : changes.deleted) {
-    byRow_[static_cast<std::size_t>(each->entity())].erase(each->rowNumber_);
+  while (hasChanges()) {
+    const auto changes = unsaved_.changes();
+    if (configuration_.store) {
+      const auto lost = configuration_.store->save(changes, {transactionAuthor(), name()}, now());
+      if (!lost) return lost.error();
+      for (const auto& each : lost.value()) keep(*each);
+      if (!lost.value().empty()) continue;
+    }
+    unsaved_.clear();
+    for (const auto& each : changes.updated) each->changedProperties_.clear();
+    for (const auto& each : changes.deleted) {
+      byRow_[static_cast<std::size_t>(each->entity())].erase(each->rowNumber_);
+    }
   }
   return {};
+}
+
+Status ManagedObjectContext::refresh(const std::vector<HistoryChange>& changes) {
+  return configuration_.store ? configuration_.store->refresh(*this, changes) : Status();
 }
 
 void ManagedObjectContext::processPendingChanges() {
@@ -220,8 +245,11 @@ void ManagedObjectContext::recordDidChange(ManagedObject& record, const Property
   if (origin_ == Origin::loading) return;
   pending_.noteUpdate(record);
   scheduleProcessing();
-  if (origin_ == Origin::others) return;
+  if (origin_ == Origin::user) noteUnsaved(record, property);
+}
 
+void ManagedObjectContext::noteUnsaved(ManagedObject& record, const Property& property) {
+  if (property.isInverse) return;
   unsaved_.noteUpdate(record);
   auto& changed = record.changedProperties_;
   if (!unsaved_.holdsInsertionOf(record) && std::ranges::find(changed, &property) == changed.end()) {
@@ -229,23 +257,37 @@ void ManagedObjectContext::recordDidChange(ManagedObject& record, const Property
   }
 }
 
-std::optional<AttributedString> ManagedObjectContext::richText(const QLSnippet& snippet) const {
-  if (!configuration_.loadRichText) return std::nullopt;
-  auto text = configuration_.loadRichText(snippet);
-  if (text) return std::move(text).value();
-  logError("ERROR: #rT3xtLd; Couldn't read the text of a snippet with its formats. " + text.error().message);
-  return std::nullopt;
+// To the store it is a new record from now on, whose row is given already.
+void ManagedObjectContext::keep(ManagedObject& lost) {
+  unsaved_.noteInsertion(lost.shared_from_this());
+  lost.changedProperties_.clear();
+  lost.didLoseRow(*this);
+}
+
+void ManagedObjectContext::announceLater(const ManagedObject& record, std::string_view name) {
+  if (origin_ == Origin::others) announcements_.emplace_back(record.shared_from_this(), name);
+}
+
+// What observers do in turn is done by the user again.
+void ManagedObjectContext::endTakingFromStore() {
+  origin_ = Origin::user;
+  for (const auto& [record, name] : std::exchange(announcements_, {})) record->announce(name);
+}
+
+Result<std::optional<AttributedString>> ManagedObjectContext::richText(const QLSnippet& snippet) const {
+  if (!configuration_.store) return std::optional<AttributedString>();
+  return configuration_.store->richText(snippet);
 }
 
 void ManagedObjectContext::releaseRichTexts() {
   for (const auto& row : table(Entity::snippet).rows) {
-    if (row.record) static_cast<QLSnippet&>(*row.record).releaseRichText();
+    if (row.record && !unsaved_.holds(*row.record)) static_cast<QLSnippet&>(*row.record).releaseRichText();
   }
 }
 
 void ManagedObjectContext::scheduleProcessing() {
-  if (std::exchange(processingIsScheduled_, true)) return;
-  mainQueue_.run(life_.guard([this] {
+  if (mainQueue_ == nullptr || std::exchange(processingIsScheduled_, true)) return;
+  mainQueue_->run(life_.guard([this] {
     processingIsScheduled_ = false;
     processPendingChanges();
   }));
@@ -266,7 +308,7 @@ void ManagedObjectContext::followUpLater(QLSnippet& inserted) {
 
 void ManagedObjectContext::scheduleFollowUps() {
   if (followUps_.empty()) return;
-  mainQueue_.runAfter(kFollowUpDelay, life_.guard([inserted = std::exchange(followUps_, {})] {
+  mainQueue_->runAfter(kFollowUpDelay, life_.guard([inserted = std::exchange(followUps_, {})] {
     for (const auto& each : inserted) {
       if (const auto snippet = each.lock()) snippet->deriveTitle();
     }

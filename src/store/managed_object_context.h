@@ -10,6 +10,7 @@
 #include "store/expansion_index.h"
 #include "store/expansion_lookup.h"
 #include "store/fetch_request.h"
+#include "store/record_store.h"
 #include "store/search_index.h"
 #include "text/attributed_string.h"
 
@@ -33,27 +34,23 @@ class ManagedObject;
 class QLSnippet;
 
 // The records of the library in memory, each of them once, with what has changed since the last save.
-// Fetches see unsaved changes. Main thread.
+// Fetches see unsaved changes. Main thread, or the one thread that uses a background context.
 //
-// Changes are told once per turn of the main queue: the first change of a turn puts
-// processPendingChanges into the queue.
+// The main context tells changes once per turn of the main queue: the first change of a turn puts
+// processPendingChanges into the queue. A background context tells them when it is saved.
 class ManagedObjectContext final : public ExpansionLookup {
  public:
   // Records get their uuid and creation date on insertion in the main context.
   enum class Kind { main, background };
 
   struct Configuration {
-    Kind kind = Kind::main;
     std::string name = {};
     std::string transactionAuthor = {};
 
     std::function<Date()> now;  // the wall clock
 
-    // Makes a save permanent, whole or not at all; without one a save only accepts the changes.
-    std::function<Status(const ChangeSet&)> commit = nullptr;
-
-    // Reads the rich text of a snippet that was loaded without it.
-    std::function<Result<AttributedString>(const QLSnippet&)> loadRichText = nullptr;
+    // Where the records are kept; without one they are in memory only.
+    std::unique_ptr<RecordStore> store = nullptr;
 
     // Called by every snippet and folder, on insertion and on fetch, so that whoever saves can begin to
     // observe the context.
@@ -63,17 +60,24 @@ class ManagedObjectContext final : public ExpansionLookup {
     std::function<std::vector<std::u16string>(std::u16string_view)> findMacroStrings = nullptr;
   };
 
+  // The main context.
   ManagedObjectContext(MainQueue& mainQueue, Configuration configuration);
+  // A background context.
+  explicit ManagedObjectContext(Configuration configuration);
   ManagedObjectContext(const ManagedObjectContext&) = delete;
   ManagedObjectContext& operator=(const ManagedObjectContext&) = delete;
   ~ManagedObjectContext() override;
 
-  Kind kind() const { return configuration_.kind; }
+  Kind kind() const { return mainQueue_ == nullptr ? Kind::background : Kind::main; }
   const std::string& name() const { return configuration_.name; }
   void setName(std::string name) { configuration_.name = std::move(name); }
   const std::string& transactionAuthor() const { return configuration_.transactionAuthor; }
   void setTransactionAuthor(std::string author) { configuration_.transactionAuthor = std::move(author); }
-  Date now() const { return configuration_.now(); }
+  Date now() const;  // in whole microseconds, as dates are stored
+
+  // Takes every record in from the store, once, before anything else. Nothing counts as changed and nobody is
+  // told. After an error the context is good for nothing.
+  Status load();
 
   // The record must never have been in a context. A uuid and a creation date that it has are kept.
   void insert(const std::shared_ptr<ManagedObject>& record);
@@ -103,19 +107,28 @@ class ManagedObjectContext final : public ExpansionLookup {
 
   // Null when it is gone.
   std::shared_ptr<ManagedObject> object(ObjectID id) const;
+  // By the row that it has in the store.
+  std::shared_ptr<ManagedObject> record(Entity entity, std::int64_t rowNumber) const;
 
   Result<std::shared_ptr<QLSnippet>> liveSnippet(std::u16string_view abbreviation) const override;
   // The same among all snippets but one.
-  std::shared_ptr<QLSnippet> otherLiveSnippet(std::u16string_view abbreviation, const QLSnippet& besides) const;
+  std::shared_ptr<QLSnippet> otherLiveSnippet(std::u16string_view abbreviation,
+                                              const QLSnippet& besides) const;
   Result<bool> hasApp(std::string_view bundleID, std::int64_t type) const override;
 
   bool hasChanges() const { return !unsaved_.empty(); }
 
-  // Tells the pending changes, then commits everything. After a failure all changes are still there.
+  // Tells the pending changes, then stores everything. After a failure all changes are still there.
   Status save();
 
-  // Lets go of the rich texts that can be read from the store again. What text() and its like returned by
-  // reference is gone then.
+  // Brings records up to what the store holds now, after others have saved. What is unsaved here wins:
+  // property by property, and a record with unsaved changes that others have deleted stays as it is here,
+  // relationships included, and is stored again by the next save. The rest is told like any change, but is
+  // not unsaved. After a failure the same changes can be taken over again.
+  Status refresh(const std::vector<HistoryChange>& changes);
+
+  // Lets go of the rich texts that can be read from the store again, those of unsaved records apart. What
+  // attributedString() and its like have returned by reference is gone then.
   void releaseRichTexts();
 
   // Tells the observers what has changed since they were last told; nothing when nothing has.
@@ -156,15 +169,18 @@ class ManagedObjectContext final : public ExpansionLookup {
   void enter(const std::shared_ptr<ManagedObject>& record);
   void recordDidChange(ManagedObject& record, const Property& property);
   bool takesFromStore() const { return origin_ != Origin::user; }
-  // Absent when it cannot be read, which is logged.
-  std::optional<AttributedString> richText(const QLSnippet& snippet) const;
+  void noteUnsaved(ManagedObject& record, const Property& property);
+  void keep(ManagedObject& lost);
+  void announceLater(const ManagedObject& record, std::string_view name);
+  void endTakingFromStore();
+  Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) const;
   void scheduleProcessing();
   void registerObserver();
   void scheduleFollowUps();
   void followUpLater(QLSnippet& inserted);
   std::vector<std::u16string> macroStrings(std::u16string_view text) const;
 
-  MainQueue& mainQueue_;
+  MainQueue* const mainQueue_;  // null for a background context
   Configuration configuration_;
   std::array<Table, kEntityCount> tables_;
   ExpansionIndex index_;
@@ -172,6 +188,8 @@ class ManagedObjectContext final : public ExpansionLookup {
   ChangeLog pending_;                // since the last notification
   ChangeLog unsaved_;                // since the last save
   Origin origin_ = Origin::user;
+  // What the observers of records will be told once the store has been taken over.
+  std::vector<std::pair<std::shared_ptr<const ManagedObject>, std::string_view>> announcements_;
   // The records that are in the store, by their rows; null for one that was deleted here and not saved yet.
   std::array<std::unordered_map<std::int64_t, ManagedObject*>, kEntityCount> byRow_;
   bool processingIsScheduled_ = false;

@@ -38,11 +38,10 @@ PersistenceController::PersistenceController(MainQueue& mainQueue, const Environ
     : mainQueue_(mainQueue), environment_(environment), lastSaveRequestDate(mainQueue.now()) {
   context_ = std::make_unique<ManagedObjectContext>(
       mainQueue, ManagedObjectContext::Configuration{
-                     .kind = ManagedObjectContext::Kind::main,
                      .name = "view_context",
                      .transactionAuthor = "main_app",
                      .now = [&environment] { return environment.now(); },
-                     .commit = std::move(options.commit),
+                     .store = std::move(options.store),
                      .registerObserver = [this](auto& context) { observeObjectsDidChange(context); },
                      .findMacroStrings = std::move(options.findMacroStrings),
                  });

@@ -6,6 +6,7 @@
 #include "store/folder_types.h"
 #include "store/managed_object_context.h"
 #include "store/opened_files.h"
+#include "store/record_store.h"
 
 #include <filesystem>
 #include <functional>
@@ -28,7 +29,7 @@ class PersistenceController {
  public:
   struct Options {
     // What ManagedObjectContext::Configuration says of them.
-    std::function<Status(const ChangeSet&)> commit = nullptr;
+    std::unique_ptr<RecordStore> store = nullptr;
     std::function<std::vector<std::u16string>(std::u16string_view)> findMacroStrings = nullptr;
   };
 

@@ -28,6 +28,7 @@ struct Property {
   std::string_view name;
   ValueView (*read)(const ManagedObject& record);  // only for records of the entity
   bool isSearched = false;                         // one of the texts in the context's SearchIndex
+  bool isInverse = false;                          // stored with the records of the relationship's other side
 };
 
 }  // namespace quorlo

@@ -27,8 +27,10 @@ constinit const Attribute<std::string_view> QLApp::kBundleID{
      }}};
 constinit const Attribute<std::int64_t> QLApp::kType{
     {kEntity, "type", [](const ManagedObject& record) -> ValueView { return app(record).type_; }}};
-constinit const Property QLApp::kAllowedSnippets{kEntity, "allowedSnippets", unread};
-constinit const Property QLApp::kBlockedApps{kEntity, "blockedApps", unread};
+constinit const Property QLApp::kAllowedSnippets{
+    .entity = kEntity, .name = "allowedSnippets", .read = unread, .isInverse = true};
+constinit const Property QLApp::kBlockedApps{
+    .entity = kEntity, .name = "blockedApps", .read = unread, .isInverse = true};
 
 void QLApp::setBundleID(std::string bundleID) {
   if (bundleID == bundleID_) return;
@@ -60,6 +62,13 @@ void QLApp::prepareForDeletion() {
   for (auto* each : Relationship::copy(blockedApps_)) each->removeBlockedSnippet(*this);
   for (auto* each : Relationship::copy(allowingCategories_)) each->removeAllowedApp(*this);
   for (auto* each : Relationship::copy(blockingCategories_)) each->removeBlockedApp(*this);
+}
+
+void QLApp::didLoseRow(ManagedObjectContext& context) {
+  for (auto* each : allowedSnippets_) context.noteUnsaved(*each, QLSnippet::kAllowedApps);
+  for (auto* each : blockedApps_) context.noteUnsaved(*each, QLSnippet::kBlockedSnippets);
+  for (auto* each : allowingCategories_) context.noteUnsaved(*each, QLCategory::kAllowedApps);
+  for (auto* each : blockingCategories_) context.noteUnsaved(*each, QLCategory::kBlockedApps);
 }
 
 void QLApp::dropRelationships() {

@@ -43,6 +43,7 @@ class QLApp final : public ManagedObject {
   void enterIndexes(ManagedObjectContext& context) override;
   void prepareForDeletion() override;
   void dropRelationships() override;
+  void didLoseRow(ManagedObjectContext& context) override;
 
   std::string bundleID_;
   std::int64_t type_ = 0;

@@ -66,7 +66,8 @@ constinit const Attribute<std::int64_t> QLCategory::kExpansionBehavior{
      [](const ManagedObject& record) -> ValueView { return category(record).expansionBehavior_; }}};
 constinit const Property QLCategory::kAllowedApps{kEntity, "allowedApps", unread};
 constinit const Property QLCategory::kBlockedApps{kEntity, "blockedApps", unread};
-constinit const Property QLCategory::kSnippets{kEntity, "snippets", unread};
+constinit const Property QLCategory::kSnippets{
+    .entity = kEntity, .name = "snippets", .read = unread, .isInverse = true};
 
 void QLCategory::setUuid(std::string uuid) {
   set(uuid_, std::move(uuid), kUuid);
@@ -238,6 +239,10 @@ void QLCategory::dropRelationships() {
   allowedApps_.clear();
   blockedApps_.clear();
   snippets_.clear();
+}
+
+void QLCategory::didLoseRow(ManagedObjectContext& context) {
+  for (auto* each : snippets_) context.noteUnsaved(*each, QLSnippet::kCategory);
 }
 
 void QLCategory::touch() {

@@ -17,7 +17,6 @@
 namespace quorlo {
 namespace {
 
-constexpr char16_t kAttachmentCharacter = 0xFFFC;
 constexpr std::size_t kLongestDerivedTitle = 60;  // user-perceived characters
 
 const QLSnippet& snippet(const ManagedObject& record) {
@@ -32,16 +31,6 @@ ValueView orNil(const std::optional<T>& value) {
 // To-many relationships and rich text have no value to compare.
 ValueView unread(const ManagedObject&) {
   return {};
-}
-
-std::size_t imageCount(const AttributedString& text) {
-  std::size_t count = 0;
-  text.forEachRun([&](const AttributedString::Run& run) {
-    if (!run.attributes.image) return;
-    const auto characters = std::u16string_view(text.string()).substr(run.range.location, run.range.length);
-    count += static_cast<std::size_t>(std::ranges::count(characters, kAttachmentCharacter));
-  });
-  return count;
 }
 
 // The first line that is not blank, without the blanks around it.
@@ -168,58 +157,6 @@ void QLSnippet::setAbbreviation(std::u16string abbreviation) {
   touch();
 }
 
-AttributedString QLSnippet::text() const {
-  const auto* rich = richText();
-  return rich != nullptr ? *rich : AttributedString(plainText_);
-}
-
-const AttributedString* QLSnippet::richText() const {
-  if (!richText_ && richTextIsInStore_ && managedObjectContext() != nullptr) {
-    if (auto read = managedObjectContext()->richText(*this)) {
-      richText_ = std::make_unique<const AttributedString>(*std::move(read));
-    }
-  }
-  return richText_.get();
-}
-
-// The store has it, and everything made from it but pictures in use can be made again.
-void QLSnippet::releaseRichText() {
-  if (!richTextIsInStore_ || !richText_) return;
-  richText_.reset();
-  cache_.reset();
-}
-
-void QLSnippet::setText(AttributedString text) {
-  if (text.isPlain()) {
-    if (isRich() || text.string() != plainText_) replaceText(text.string(), nullptr);
-    return;
-  }
-  if (const auto* rich = richText(); rich != nullptr && *rich == text) return;
-  auto plainText = text.string();
-  replaceText(std::move(plainText), std::make_unique<const AttributedString>(std::move(text)));
-}
-
-void QLSnippet::setPlainText(std::u16string text) {
-  if (text != plainText_) replaceText(std::move(text), nullptr);
-}
-
-void QLSnippet::replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText) {
-  const auto images = richText ? imageCount(*richText) : 0;
-  const bool hasOtherPlainText = plainText != plainText_;
-  const bool hasOtherImageCount = images != imageCount_;
-  plainText_ = std::move(plainText);
-  richText_ = std::move(richText);
-  richTextIsInStore_ = false;
-  imageCount_ = images;
-  cache_.reset();
-  if (std::exchange(updatesImagesAfterTextChange_, false)) updateImages();
-
-  didChange(kText);
-  if (hasOtherPlainText) didChange(kPlainText);
-  if (hasOtherImageCount) didChange(kNumberOFImagesString);
-  touch();
-}
-
 void QLSnippet::setFormatted(std::int64_t rawValue) {
   if (set(formatted_, rawValue, kFormatted)) touch();
 }
@@ -263,50 +200,6 @@ void QLSnippet::removeBlockedSnippet(QLApp& app) {
   Relationship::part(*this, blockedSnippets_, &kBlockedSnippets, app, app.blockedApps_, &QLApp::kBlockedApps);
 }
 
-SnippetTextCache& QLSnippet::cache() const {
-  if (!cache_) cache_ = std::make_unique<SnippetTextCache>();
-  return *cache_;
-}
-
-const std::vector<std::u16string>& QLSnippet::macroStrings() const {
-  return cache().macroStrings([this] {
-    const auto* context = managedObjectContext();
-    return context == nullptr ? std::vector<std::u16string>() : context->macroStrings(plainText_);
-  });
-}
-
-const std::u16string& QLSnippet::plainTextWithoutMacros() const {
-  return cache().plainTextWithoutMacros(plainText_, macroStrings());
-}
-std::size_t QLSnippet::numberOfCharacters() const {
-  return cache().numberOfCharacters(plainText_);
-}
-const AttributedString& QLSnippet::attributedString() const {
-  const auto* rich = richText();
-  return rich != nullptr ? *rich : cache().plainAttributedString(plainText_);
-}
-const AttributedString& QLSnippet::attributedStringWithoutAttachments() const {
-  return imageCount_ == 0 ? attributedString() : cache().withoutAttachments(attributedString());
-}
-
-const std::vector<std::shared_ptr<SnippetImage>>& QLSnippet::images() {
-  if (!imagesAreBuilt_) updateImages();
-  return images_;
-}
-
-void QLSnippet::updateImages() {
-  imagesAreBuilt_ = true;
-  images_.clear();
-  const auto* rich = richText();
-  if (rich == nullptr) return;
-  const auto self = std::static_pointer_cast<QLSnippet>(shared_from_this());
-  rich->forEachRun([&](const AttributedString::Run& run) {
-    if (!run.attributes.image) return;
-    const auto& [bytes, mediaType] = *run.attributes.image;
-    images_.push_back(std::make_shared<SnippetImage>(self, mediaType, bytes));
-  });
-}
-
 void QLSnippet::awakeFromInsert(ManagedObjectContext& context) {
   if (context.kind() == ManagedObjectContext::Kind::main) {
     if (uuid_.empty()) uuid_ = randomUuid();
@@ -335,6 +228,12 @@ void QLSnippet::dropRelationships() {
   allowedApps_.clear();
   blockedSnippets_.clear();
   isIndexed_ = false;
+}
+
+// Of a rich text that was not read before only the characters are left.
+void QLSnippet::didLoseRow(ManagedObjectContext&) {
+  if (richTextPlace_ == RichTextPlace::both) richTextPlace_ = RichTextPlace::here;
+  if (richTextPlace_ != RichTextPlace::here) richTextPlace_ = RichTextPlace::none;
 }
 
 void QLSnippet::touch() {

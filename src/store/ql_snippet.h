@@ -136,13 +136,14 @@ class QLSnippet final : public ManagedObject {
   void awakeFromFetch() override;
   void prepareForDeletion() override;
   void dropRelationships() override;
+  void didLoseRow(ManagedObjectContext& context) override;
   void touch();
   void deriveTitle();
   void replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText);
   // Null for plain text, and for rich text that cannot be read now.
   const AttributedString* richText() const;
+  void loadRichText() const;
   void releaseRichText();
-  bool isRich() const { return richText_ != nullptr || richTextIsInStore_; }
   SnippetTextCache& cache() const;
 
   // Around every change of what makes the snippet live or of its abbreviation.
@@ -156,7 +157,9 @@ class QLSnippet final : public ManagedObject {
   std::u16string title_;
   std::u16string abbreviation_;
   std::u16string plainText_;
-  // Null while the text is plain, and while it is rich but has not been read from the store yet.
+  // Where the rich text is; null unless it is here. One that is unreadable stays in the store until the
+  // text is changed.
+  enum class RichTextPlace : std::uint8_t { none, here, store, both, unreadable };
   mutable std::unique_ptr<const AttributedString> richText_;
   std::int64_t formatted_ = 0;
   std::int64_t useCount_ = 0;
@@ -167,10 +170,10 @@ class QLSnippet final : public ManagedObject {
   mutable std::unique_ptr<SnippetTextCache> cache_;
   std::vector<std::shared_ptr<SnippetImage>> images_;
   std::u16string lastTitle_;
-  bool titleIsCustom_ = false;
   std::size_t searchEntry_ = 0;  // of the SearchIndex; 0 for none
+  mutable RichTextPlace richTextPlace_ = RichTextPlace::none;
+  bool titleIsCustom_ = false;
   bool isToBeReadAgain_ = false;
-  bool richTextIsInStore_ = false;  // as it is here, or would be if it were read
   bool emptyAbbreviationIsStored_ = false;  // by an old version, in place of nil
   bool isIndexed_ = false;
   bool imagesAreBuilt_ = false;

@@ -70,17 +70,40 @@ void StoreAccess::setEmptyAbbreviation(QLSnippet& snippet) {
   snippet.emptyAbbreviationIsStored_ = true;
 }
 
+bool StoreAccess::isUnsaved(const ManagedObject& record) const {
+  return context_.unsaved_.holds(record);
+}
+
+bool StoreAccess::isNewToStore(const ManagedObject& record) const {
+  return context_.unsaved_.holdsInsertionOf(record);
+}
+
+void StoreAccess::remove(ManagedObject& record) {
+  if (!isUnsaved(record)) {
+    context_.deleteObject(record);
+  } else if (!isNewToStore(record)) {
+    context_.keep(record);
+  }
+}
+
+void StoreAccess::setPlainText(QLSnippet& snippet, std::u16string text) {
+  if (text == snippet.plainText_) return;
+  snippet.plainText_ = std::move(text);
+  snippet.cache_.reset();
+  snippet.didChange(QLSnippet::kPlainText);
+}
+
 void StoreAccess::setImageCount(QLSnippet& snippet, std::size_t count) {
   if (std::exchange(snippet.imageCount_, count) != count) snippet.didChange(QLSnippet::kNumberOFImagesString);
 }
 
 void StoreAccess::setRichTextIsInStore(QLSnippet& snippet, bool isInStore) {
-  const bool wasRich = snippet.isRich();
-  snippet.richTextIsInStore_ = isInStore;
+  using Place = QLSnippet::RichTextPlace;
+  snippet.richTextPlace_ = isInStore ? Place::store : Place::none;
   snippet.richText_.reset();
   snippet.cache_.reset();
-  snippet.imagesAreBuilt_ = false;
-  if (wasRich || isInStore) snippet.didChange(QLSnippet::kText);
+  if (std::exchange(snippet.updatesImagesAfterTextChange_, false)) snippet.imagesAreBuilt_ = false;
+  snippet.didChange(QLSnippet::kText);
 }
 
 const AttributedString* StoreAccess::loadedRichText(const QLSnippet& snippet) {
@@ -94,7 +117,8 @@ void StoreAccess::didSave(ManagedObject& record, std::int64_t row) {
   }
   if (record.entity() == Entity::snippet) {
     auto& snippet = static_cast<QLSnippet&>(record);
-    if (snippet.richText_) snippet.richTextIsInStore_ = true;
+    using Place = QLSnippet::RichTextPlace;
+    if (snippet.richTextPlace_ == Place::here) snippet.richTextPlace_ = Place::both;
   }
 }
 

@@ -81,17 +81,18 @@ TEST(PersistenceController, DefersARequestedSaveOnlyDuringTheFirstThreeSeconds) 
 
 TEST(PersistenceController, DropsWhatItHasScheduledWhenItGoes) {
   FakeMainQueue queue;
-  int commits = 0;
+  std::vector<ChangeSet> commits;
+  const Status result;
   {
     FakeEnvironment environment;
-    const auto commit = [&commits](const ChangeSet&) { return ++commits, Status(); };
-    PersistenceController controller(queue, environment, {.commit = commit});
+    PersistenceController controller(queue, environment,
+                                     {.store = std::make_unique<FakeRecordStore>(commits, result)});
     controller.managedObjectContext().insert<QLSnippet>();
     controller.requestDeferredSave();
     queue.runDue();
   }
   queue.settle();
-  EXPECT_EQ(commits, 0);
+  EXPECT_TRUE(commits.empty());
 }
 
 TEST(PersistenceController, FindsALiveSnippetBeforeATrashedOneAndMakesOneUserOnly) {

@@ -37,8 +37,7 @@ TEST(Snippet, GetsIdentityAndCreationDateOnInsertionInTheMainContextUnlessItHasT
   EXPECT_EQ(given->uuid(), "from a file");
   EXPECT_EQ(given->creationDate(), Date{});
 
-  ManagedObjectContext background(
-      library.queue, {.kind = ManagedObjectContext::Kind::background, .now = [] { return Date{}; }});
+  ManagedObjectContext background({.now = [] { return Date{}; }});
   EXPECT_EQ(background.insert<QLSnippet>()->uuid(), "");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/log.h"
+#include "fake_record_store.h"
 #include "fakes/fake_environment.h"
 #include "fakes/fake_main_queue.h"
 #include "store/managed_object_context.h"
@@ -24,10 +25,8 @@ struct TestLibrary {
   Subscription redirection = redirectLog([this](LogLevel, std::string_view line) { log.emplace_back(line); });
   Status commitResult;
   std::vector<ChangeSet> commits;
-  PersistenceController controller{queue, environment, {.commit = [this](const ChangeSet& changes) {
-                                     if (commitResult) commits.push_back(changes);
-                                     return commitResult;
-                                   }}};
+  PersistenceController controller{
+      queue, environment, {.store = std::make_unique<FakeRecordStore>(commits, commitResult)}};
   ManagedObjectContext& context = controller.managedObjectContext();
 
   std::shared_ptr<QLSnippet> snippet(std::u16string title, std::u16string abbreviation = {}) {

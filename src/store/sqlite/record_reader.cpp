@@ -12,6 +12,7 @@
 #include <array>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorlo {
@@ -34,11 +35,16 @@ Status loadEntity(SqliteDatabase& database, Entity entity, StoreAccess& access) 
 
   auto rows = database.prepare(selectAll(entity) + " ORDER BY row");
   const auto attributes = storedAttributes(entity);
+  std::int64_t last = 0;
   for (;;) {
     const auto row = rows.step();
     if (!row) return row.error();
     if (!row.value()) return {};
-    auto& record = access.add(entity, rows.integer(0));
+    const auto number = rows.integer(0);
+    // SQLite takes a page of zeros for rows without a number.
+    if (number <= last) return database.damage("its rows in " + name + " are out of order.");
+    last = number;
+    auto& record = access.add(entity, number);
     int column = 0;
     for (const auto& each : attributes) each.take(record, rows, ++column, access);
   }
@@ -70,37 +76,99 @@ Status loadWhichTextsAreRich(SqliteDatabase& database, const StoreAccess& access
   }
 }
 
-bool isChangedHere(const ManagedObject& record, const Property& property) {
-  const auto& changed = record.changedProperties();
-  const auto has = [&](const Property& each) { return std::ranges::find(changed, &each) != changed.end(); };
-  // The plain text and the number of pictures are parts of the text.
-  if (&property == &QLSnippet::kPlainText || &property == &QLSnippet::kNumberOFImagesString) {
-    return has(QLSnippet::kText) || has(property);
+// Brings records up to what the file holds.
+class Refresh {
+ public:
+  Refresh(SqliteDatabase& database, StoreAccess& access) : database_(database), access_(access) {}
+
+  Status run(const std::vector<HistoryChange>& changes);
+
+ private:
+  Status record(const HistoryChange& change);
+  Status take(const HistoryChange& change, const SqliteStatement& rows);
+  Status richText(QLSnippet& snippet);
+  Status relationship(ManagedObject& owner, const StoredRelationship& relationship);
+  Status makeSureOf(Entity entity, std::int64_t row);
+
+  SqliteDatabase& database_;
+  StoreAccess& access_;
+};
+
+// What is gone comes first: a folder that stays because of its unsaved changes keeps its snippets.
+Status Refresh::run(const std::vector<HistoryChange>& changes) {
+  for (const bool isDeletion : {true, false}) {
+    for (const auto entity : kOrder) {
+      for (const auto& each : changes) {
+        if (each.entity != entity || (each.kind == HistoryChange::Kind::deleted) != isDeletion) continue;
+        if (auto status = record(each); !status) return status;
+      }
+    }
   }
-  return has(property);
+  return {};
 }
 
-Status refreshRichText(SqliteDatabase& database, QLSnippet& snippet) {
-  if (isChangedHere(snippet, QLSnippet::kText)) return {};
-  auto isRich = database.prepare("SELECT EXISTS(SELECT 1 FROM SnippetText WHERE snippet = ?)");
+Status Refresh::record(const HistoryChange& change) {
+  auto* const known = access_.record(change.entity, change.row);
+  if (known != nullptr && access_.isNewToStore(*known)) return {};
+  if (access_.isDeletedHere(change.entity, change.row)) return {};
+
+  auto rows = database_.prepare(selectAll(change.entity) + " WHERE row = ?");
+  const auto row = rows.bind(1, change.row).step();
+  if (!row) return row.error();
+  if (row.value()) return take(change, rows);
+  if (known != nullptr) access_.remove(*known);
+  return {};
+}
+
+// `rows` stands on the record's row.
+Status Refresh::take(const HistoryChange& change, const SqliteStatement& rows) {
+  auto* const known = access_.record(change.entity, change.row);
+  auto& record = known != nullptr ? *known : access_.add(change.entity, change.row);
+  auto* const snippet = change.entity == Entity::snippet ? static_cast<QLSnippet*>(&record) : nullptr;
+  bool mayHaveOtherText =
+      known == nullptr || change.kind != HistoryChange::Kind::updated ||
+      std::ranges::find(change.changedProperties, QLSnippet::kText.name) != change.changedProperties.end();
+  int column = 0;
+  for (const auto& each : storedAttributes(change.entity)) {
+    ++column;
+    if (isUnsaved(record, *each.property)) continue;
+    if (each.property == &QLSnippet::kCategory && !rows.isNull(column)) {
+      if (auto status = makeSureOf(Entity::category, rows.integer(column)); !status) return status;
+    }
+    if (each.property == &QLSnippet::kPlainText && snippet->plainText() != rows.text16(column)) {
+      mayHaveOtherText = true;
+    }
+    each.take(record, rows, column, access_);
+  }
+  if (snippet != nullptr && mayHaveOtherText && !isUnsaved(record, QLSnippet::kText)) {
+    if (auto status = richText(*snippet); !status) return status;
+  }
+  for (const auto& each : storedRelationships(change.entity)) {
+    if (isUnsaved(record, *each.property)) continue;
+    if (auto status = relationship(record, each); !status) return status;
+  }
+  return {};
+}
+
+Status Refresh::richText(QLSnippet& snippet) {
+  auto isRich = database_.prepare("SELECT EXISTS(SELECT 1 FROM SnippetText WHERE snippet = ?)");
   const auto row = isRich.bind(1, snippet.rowNumber()).step();
   if (!row) return row.error();
   StoreAccess::setRichTextIsInStore(snippet, isRich.integer(0) != 0);
   return {};
 }
 
-Status refreshRelationship(SqliteDatabase& database, ManagedObject& owner,
-                           const StoredRelationship& relationship, const StoreAccess& access) {
-  if (isChangedHere(owner, *relationship.property)) return {};
-  auto apps = database.prepare("SELECT app FROM " + std::string(relationship.table) + " WHERE " +
-                               std::string(relationship.owner) + " = ?");
+Status Refresh::relationship(ManagedObject& owner, const StoredRelationship& relationship) {
+  auto apps = database_.prepare("SELECT app FROM " + std::string(relationship.table) + " WHERE " +
+                                std::string(relationship.owner) + " = ?");
   apps.bind(1, owner.rowNumber());
   std::set<QLApp*> stored;
   for (;;) {
     const auto row = apps.step();
     if (!row) return row.error();
     if (!row.value()) break;
-    if (auto* app = access.record(Entity::app, apps.integer(0))) stored.insert(static_cast<QLApp*>(app));
+    if (auto status = makeSureOf(Entity::app, apps.integer(0)); !status) return status;
+    if (auto* app = access_.record(Entity::app, apps.integer(0))) stored.insert(static_cast<QLApp*>(app));
   }
   const auto& now = relationship.apps(owner);
   const std::vector<QLApp*> before(now.begin(), now.end());
@@ -111,46 +179,18 @@ Status refreshRelationship(SqliteDatabase& database, ManagedObject& owner,
   return {};
 }
 
-// `rows` stands on the record's row.
-Status take(SqliteDatabase& database, const SqliteStatement& rows, const HistoryChange& change,
-            StoreAccess& access) {
-  auto* const known = access.record(change.entity, change.row);
-  auto& record = known != nullptr ? *known : access.add(change.entity, change.row);
-  int column = 0;
-  for (const auto& each : storedAttributes(change.entity)) {
-    ++column;
-    if (!isChangedHere(record, *each.property)) each.take(record, rows, column, access);
-  }
-  const bool mayHaveOtherText =
-      known == nullptr || change.kind != HistoryChange::Kind::updated ||
-      std::ranges::find(change.changedProperties, QLSnippet::kText.name) != change.changedProperties.end();
-  if (change.entity == Entity::snippet && mayHaveOtherText) {
-    if (auto status = refreshRichText(database, static_cast<QLSnippet&>(record)); !status) return status;
-  }
-  for (const auto& each : storedRelationships(change.entity)) {
-    if (auto status = refreshRelationship(database, record, each, access); !status) return status;
-  }
-  return {};
-}
-
-Status refreshRecord(SqliteDatabase& database, ManagedObjectContext& context, const HistoryChange& change,
-                     StoreAccess& access) {
-  if (access.isDeletedHere(change.entity, change.row)) return {};
-  auto rows = database.prepare(selectAll(change.entity) + " WHERE row = ?");
-  const auto row = rows.bind(1, change.row).step();
-  if (!row) return row.error();
-  if (row.value()) return take(database, rows, change, access);
-  auto* const gone = access.record(change.entity, change.row);
-  if (gone != nullptr && gone->changedProperties().empty()) context.deleteObject(*gone);
-  return {};
+// What a record refers to may have been saved after the changes that are being taken over.
+Status Refresh::makeSureOf(Entity entity, std::int64_t row) {
+  if (access_.record(entity, row) != nullptr) return {};
+  return record({.entity = entity, .row = row, .kind = HistoryChange::Kind::inserted});
 }
 
 }  // namespace
 
 Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
+  StoreAccess access(context, StoreAccess::Purpose::load);
   const auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::read);
   if (!transaction) return transaction.error();
-  StoreAccess access(context, StoreAccess::Purpose::load);
   for (const auto entity : kOrder) {
     if (auto status = loadEntity(database, entity, access); !status) return status;
   }
@@ -162,26 +202,23 @@ Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
   return loadWhichTextsAreRich(database, access);
 }
 
+// The access ends after the transaction, so that observers may save.
 Status refreshRecords(SqliteDatabase& database, ManagedObjectContext& context,
-                      std::span<const HistoryChange> changes) {
+                      const std::vector<HistoryChange>& changes) {
+  StoreAccess access(context, StoreAccess::Purpose::refresh);
   const auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::read);
   if (!transaction) return transaction.error();
-  StoreAccess access(context, StoreAccess::Purpose::refresh);
-  for (const auto entity : kOrder) {
-    for (const auto& each : changes) {
-      if (each.entity != entity) continue;
-      if (auto status = refreshRecord(database, context, each, access); !status) return status;
-    }
-  }
-  return {};
+  return Refresh(database, access).run(changes);
 }
 
-Result<AttributedString> richTextOf(SqliteDatabase& database, std::int64_t snippetRow) {
+Result<std::optional<AttributedString>> richTextOf(SqliteDatabase& database, std::int64_t snippetRow) {
   auto texts = database.prepare("SELECT text FROM SnippetText WHERE snippet = ?");
   const auto row = texts.bind(1, snippetRow).step();
   if (!row) return row.error();
-  if (!row.value()) return Error{"The library's file does not have it any more."};
-  return unarchive(texts.blob(0));
+  if (!row.value()) return std::optional<AttributedString>();
+  auto text = unarchive(texts.blob(0));
+  if (!text) return text.error();
+  return std::optional(std::move(text).value());
 }
 
 }  // namespace quorlo

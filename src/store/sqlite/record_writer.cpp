@@ -1,5 +1,6 @@
 #include "store/sqlite/record_writer.h"
 
+#include "store/change_log.h"
 #include "store/history/history_transaction.h"
 #include "store/managed_object.h"
 #include "store/ql_app.h"
@@ -14,9 +15,11 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <map>
+#include <span>
+#include <string>
+#include <string_view>
 #include <type_traits>
-#include <utility>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -26,39 +29,50 @@ namespace {
 // Folders and applications before the snippets that refer to them.
 constexpr std::array kOrder{Entity::category, Entity::app, Entity::user, Entity::snippet};
 
+using Records = std::vector<std::shared_ptr<ManagedObject>>;
+
 // One save on its way into the file.
 class Save {
  public:
-  explicit Save(SqliteDatabase& database) : database_(database) {}
+  Save(SqliteDatabase& database, const Writer& writer, Date now)
+      : database_(database), writer_(writer), now_(now) {}
 
-  Status run(const ChangeSet& changes, const Writer& writer, Date now);
+  Status run(const ChangeSet& changes);
+
+  // The updated records that others have deleted.
+  const Records& lost() const { return lost_; }
 
   // Tells the records their rows, once all is on the disk.
   void tellRecords(const ChangeSet& changes) const;
 
  private:
-  using Records = std::vector<std::shared_ptr<ManagedObject>>;
-
-  Status begin(const Writer& writer, Date now);
-  Status insert(const ManagedObject& record, std::int64_t row);
-  Status update(const ManagedObject& record);
+  Status insert(const ManagedObject& record);
+  Status update(const std::shared_ptr<ManagedObject>& record);
   Status remove(const ManagedObject& record);
-  Status writeText(const QLSnippet& snippet, std::int64_t row);
+  Status writeText(const QLSnippet& snippet);
   Status writeRelationship(const ManagedObject& owner, const StoredRelationship& relationship);
   Status note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties);
+  Status beginHistory();
 
+  const std::string& insertStatement(Entity entity);
   void bind(SqliteStatement& statement, int parameter, const Property& property,
             const ManagedObject& record) const;
   std::int64_t rowOf(const ManagedObject& record) const;
 
   SqliteDatabase& database_;
-  std::int64_t transactionNumber_ = 0;
-  std::map<const ManagedObject*, std::int64_t> newRows_;
+  const Writer& writer_;
+  const Date now_;
+  std::int64_t historyTransaction_ = 0;
+  std::array<std::string, kEntityCount> insertStatements_;
+  std::unordered_map<const ManagedObject*, std::int64_t> newRows_;
+  Records lost_;
 };
 
-// A folder that others have deleted meanwhile counts as none.
 std::string placeholder(const Property& property) {
-  return &property == &QLSnippet::kCategory ? "(SELECT row FROM Category WHERE row = ?)" : "?";
+  // A folder that others have deleted meanwhile counts as none.
+  if (&property == &QLSnippet::kCategory) return "(SELECT row FROM Category WHERE row = ?)";
+  if (&property == &QLApp::kBundleID) return "coalesce(?, '')";
+  return "?";
 }
 
 std::string uuidOf(const ManagedObject& record) {
@@ -67,19 +81,15 @@ std::string uuidOf(const ManagedObject& record) {
   return {};
 }
 
-Status Save::run(const ChangeSet& changes, const Writer& writer, Date now) {
-  if (auto status = begin(writer, now); !status) return status;
+Status Save::run(const ChangeSet& changes) {
   for (const auto entity : kOrder) {
     for (const auto& each : changes.inserted) {
       if (each->entity() != entity) continue;
-      if (auto status = insert(*each, 0); !status) return status;
+      if (auto status = insert(*each); !status) return status;
     }
   }
-  for (const auto entity : kOrder) {
-    for (const auto& each : changes.updated) {
-      if (each->entity() != entity) continue;
-      if (auto status = update(*each); !status) return status;
-    }
+  for (const auto& each : changes.updated) {
+    if (auto status = update(each); !status) return status;
   }
   for (const auto& each : changes.deleted) {
     if (auto status = remove(*each); !status) return status;
@@ -87,92 +97,84 @@ Status Save::run(const ChangeSet& changes, const Writer& writer, Date now) {
   return {};
 }
 
-// No transaction is as old as the one before it, whatever the clock does.
-Status Save::begin(const Writer& writer, Date now) {
-  using std::chrono::microseconds;
-  const auto newest = database_.integer("SELECT coalesce(max(timestamp), 0) FROM HistoryTransaction");
-  if (!newest) return newest.error();
-  const auto clock = std::chrono::floor<microseconds>(now.time_since_epoch()).count();
-  auto transaction =
-      database_.prepare("INSERT INTO HistoryTransaction(timestamp, author, contextName) VALUES(?, ?, ?)");
-  const auto status = transaction.bind(1, std::max<std::int64_t>(clock, newest.value() + 1))
-                          .bind(2, std::string_view(writer.author))
-                          .bind(3, std::string_view(writer.contextName))
-                          .run();
-  transactionNumber_ = database_.lastInsertRowNumber();
-  return status;
-}
-
-// In a row of the file's choice when `row` is 0.
-Status Save::insert(const ManagedObject& record, std::int64_t row) {
-  const auto attributes = storedAttributes(record.entity());
+// One that has been stored before and was lost goes back to its row, even when others have put it back there.
+const std::string& Save::insertStatement(Entity entity) {
+  auto& statement = insertStatements_[static_cast<std::size_t>(entity)];
+  if (!statement.empty()) return statement;
   std::string columns = "row";
   std::string values = "?";
-  for (const auto& each : attributes) {
-    columns += ", " + std::string(each.property->name);
+  std::string updates;
+  for (const auto& each : storedAttributes(entity)) {
+    const std::string name(each.property->name);
+    columns += ", " + name;
     values += ", " + placeholder(*each.property);
+    updates += (updates.empty() ? "" : ", ") + name + " = excluded." + name;
   }
-  auto statement = database_.prepare("INSERT INTO " + std::string(entityName(record.entity())) + "(" +
-                                     columns + ") VALUES(" + values + ")");
-  row == 0 ? statement.bind(1, nullptr) : statement.bind(1, row);
-  int parameter = 1;
-  for (const auto& each : attributes) bind(statement, ++parameter, *each.property, record);
-  if (auto status = statement.run(); !status) return status;
+  statement = "INSERT INTO " + std::string(entityName(entity)) + "(" + columns + ") VALUES(" + values +
+              ") ON CONFLICT(row) DO UPDATE SET " + updates;
+  return statement;
+}
 
-  newRows_[&record] = database_.lastInsertRowNumber();
+Status Save::insert(const ManagedObject& record) {
+  const bool isKnown = record.rowNumber() != 0;
+  auto statement = database_.prepare(insertStatement(record.entity()));
+  if (isKnown) statement.bind(1, record.rowNumber());
+  int parameter = 1;
+  for (const auto& each : storedAttributes(record.entity())) {
+    bind(statement, ++parameter, *each.property, record);
+  }
+  if (auto status = statement.run(); !status) return status;
+  if (!isKnown) newRows_[&record] = database_.lastInsertRowNumber();
+
   if (record.entity() == Entity::snippet) {
     const auto& snippet = static_cast<const QLSnippet&>(record);
-    if (StoreAccess::loadedRichText(snippet) != nullptr) {
-      if (auto status = writeText(snippet, rowOf(record)); !status) return status;
+    if (isKnown || StoreAccess::loadedRichText(snippet) != nullptr) {
+      if (auto status = writeText(snippet); !status) return status;
     }
   }
   for (const auto& each : storedRelationships(record.entity())) {
-    if (each.apps(record).empty()) continue;
+    if (!isKnown && each.apps(record).empty()) continue;
     if (auto status = writeRelationship(record, each); !status) return status;
   }
   return note(record, HistoryChange::Kind::inserted, {});
 }
 
-Status Save::update(const ManagedObject& record) {
-  const auto& changed = record.changedProperties();
-  const auto isChanged = [&](const Property* each) {
-    return std::ranges::find(changed, each) != changed.end();
-  };
+Status Save::update(const std::shared_ptr<ManagedObject>& updated) {
+  const auto& record = *updated;
   std::string assignments;
   std::string names;
+  const auto addName = [&names](const Property& property) {
+    names += (names.empty() ? "" : ",") + std::string(property.name);
+  };
   std::vector<const Property*> columns;
-  for (const auto& each : storedAttributes(record.entity())) {
-    if (!isChanged(each.property)) continue;
+  const auto attributes = storedAttributes(record.entity());
+  for (const auto& each : attributes) {
+    if (!isUnsaved(record, *each.property)) continue;
     assignments += (columns.empty() ? "" : ", ") + std::string(each.property->name) + " = " +
                    placeholder(*each.property);
     columns.push_back(each.property);
+    addName(*each.property);
   }
-  // What a relationship's other side has changed is no property that is stored here.
-  const auto noteName = [&](const Property& property) {
-    names += (names.empty() ? "" : ",") + std::string(property.name);
-  };
-  for (const auto* each : columns) noteName(*each);
-  const bool hasOtherText = record.entity() == Entity::snippet && isChanged(&QLSnippet::kText);
-  if (hasOtherText) noteName(QLSnippet::kText);
-  for (const auto& each : storedRelationships(record.entity())) {
-    if (isChanged(each.property)) noteName(*each.property);
+  if (columns.empty()) {  // still tells whether the record is there
+    const std::string any(attributes.front().property->name);
+    assignments = any + " = " + any;
   }
-  if (names.empty()) return {};
-
-  const auto row = record.rowNumber();
-  if (columns.empty()) assignments = "row = row";
   auto statement = database_.prepare("UPDATE " + std::string(entityName(record.entity())) + " SET " +
                                      assignments + " WHERE row = ?");
   int parameter = 0;
   for (const auto* each : columns) bind(statement, ++parameter, *each, record);
-  if (auto status = statement.bind(++parameter, row).run(); !status) return status;
-  if (database_.changedRowCount() == 0) return insert(record, row);
-
-  if (hasOtherText) {
-    if (auto status = writeText(static_cast<const QLSnippet&>(record), row); !status) return status;
+  if (auto status = statement.bind(++parameter, record.rowNumber()).run(); !status) return status;
+  if (database_.changedRowCount() == 0) {
+    lost_.push_back(updated);
+    return {};
+  }
+  if (isUnsaved(record, QLSnippet::kText)) {
+    addName(QLSnippet::kText);
+    if (auto status = writeText(static_cast<const QLSnippet&>(record)); !status) return status;
   }
   for (const auto& each : storedRelationships(record.entity())) {
-    if (!isChanged(each.property)) continue;
+    if (!isUnsaved(record, *each.property)) continue;
+    addName(*each.property);
     if (auto status = writeRelationship(record, each); !status) return status;
   }
   return note(record, HistoryChange::Kind::updated, names);
@@ -186,7 +188,8 @@ Status Save::remove(const ManagedObject& record) {
   return note(record, HistoryChange::Kind::deleted, {});
 }
 
-Status Save::writeText(const QLSnippet& snippet, std::int64_t row) {
+Status Save::writeText(const QLSnippet& snippet) {
+  const auto row = rowOf(snippet);
   const auto* rich = StoreAccess::loadedRichText(snippet);
   if (rich == nullptr) {
     return database_.prepare("DELETE FROM SnippetText WHERE snippet = ?").bind(1, row).run();
@@ -213,17 +216,36 @@ Status Save::writeRelationship(const ManagedObject& owner, const StoredRelations
 }
 
 Status Save::note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties) {
+  if (historyTransaction_ == 0) {
+    if (auto status = beginHistory(); !status) return status;
+  }
   return database_
       .prepare(
           "INSERT INTO HistoryChange(transactionNumber, entity, row, uuid, kind, changedProperties) "
           "VALUES(?, ?, ?, ?, ?, ?)")
-      .bind(1, transactionNumber_)
+      .bind(1, historyTransaction_)
       .bind(2, entityName(record.entity()))
       .bind(3, rowOf(record))
       .bind(4, std::string_view(uuidOf(record)))
       .bind(5, static_cast<int>(kind))
       .bind(6, std::string_view(properties))
       .run();
+}
+
+// Later than the transaction before it, whatever the clock does.
+Status Save::beginHistory() {
+  using std::chrono::microseconds;
+  const auto newest = database_.integer("SELECT coalesce(max(timestamp), 0) FROM HistoryTransaction");
+  if (!newest) return newest.error();
+  const auto clock = std::chrono::floor<microseconds>(now_.time_since_epoch()).count();
+  auto status =
+      database_.prepare("INSERT INTO HistoryTransaction(timestamp, author, contextName) VALUES(?, ?, ?)")
+          .bind(1, std::max<std::int64_t>(clock, newest.value() + 1))
+          .bind(2, std::string_view(writer_.author))
+          .bind(3, std::string_view(writer_.contextName))
+          .run();
+  historyTransaction_ = database_.lastInsertRowNumber();
+  return status;
 }
 
 void Save::bind(SqliteStatement& statement, int parameter, const Property& property,
@@ -255,14 +277,16 @@ void Save::tellRecords(const ChangeSet& changes) const {
 
 }  // namespace
 
-Status writeRecords(SqliteDatabase& database, const ChangeSet& changes, const Writer& writer, Date now) {
+Result<Records> writeRecords(SqliteDatabase& database, const ChangeSet& changes, const Writer& writer,
+                             Date now) {
   auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::write);
   if (!transaction) return transaction.error();
-  Save save(database);
-  if (auto status = save.run(changes, writer, now); !status) return status;
-  if (auto status = transaction.value().commit(); !status) return status;
+  Save save(database, writer, now);
+  if (auto status = save.run(changes); !status) return status.error();
+  if (!save.lost().empty()) return save.lost();
+  if (auto status = transaction.value().commit(); !status) return status.error();
   save.tellRecords(changes);
-  return {};
+  return Records();
 }
 
 }  // namespace quorlo

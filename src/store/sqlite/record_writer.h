@@ -2,24 +2,18 @@
 
 #include "base/date.h"
 #include "base/result.h"
-#include "store/change_log.h"
+#include "store/record_store.h"
 
-#include <string>
+#include <memory>
+#include <vector>
 
 namespace quorlo {
 
 class SqliteDatabase;
 
-// Who saves.
-struct Writer {
-  std::string author;
-  std::string contextName;
-};
-
-// Writes the changes, and what the history says of them, in one transaction: of changed records only the
-// changed properties, so that other processes' changes of others stay. A changed record that others have
-// deleted is stored again, all of it. Inserted records get their rows. After an error nothing is written and
-// no record is touched.
-Status writeRecords(SqliteDatabase& database, const ChangeSet& changes, const Writer& writer, Date now);
+// RecordStore::save: the changes, and what the history says of them, in one transaction.
+Result<std::vector<std::shared_ptr<ManagedObject>>> writeRecords(SqliteDatabase& database,
+                                                                 const ChangeSet& changes,
+                                                                 const Writer& writer, Date now);
 
 }  // namespace quorlo

@@ -7,7 +7,10 @@
 #include "store/sqlite/sqlite_statement.h"
 #include "store/store_access.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <string>
 
 namespace quorlo {
@@ -40,8 +43,7 @@ void takeUuid(ManagedObject& record, Row row, int column, Access) {
   static_cast<Record&>(record).setUuid(std::string(row.text(column)));
 }
 
-// The plain text comes before what depends on it; the abbreviation comes last, when it is known whether the
-// snippet is live.
+// The abbreviation comes last, when it is known whether the snippet is live.
 constexpr StoredAttribute kSnippet[] = {
     {&QLSnippet::kUuid, takeUuid<QLSnippet>},
     {&QLSnippet::kCreationDate, takeCreationDate<QLSnippet>},
@@ -57,7 +59,7 @@ constexpr StoredAttribute kSnippet[] = {
     {&QLSnippet::kUseCount, [](ManagedObject& record, Row row, int column,
                                Access) { snippet(record).setUseCount(row.integer(column)); }},
     {&QLSnippet::kPlainText, [](ManagedObject& record, Row row, int column,
-                                Access) { snippet(record).setPlainText(row.text16(column)); }},
+                                Access) { StoreAccess::setPlainText(snippet(record), row.text16(column)); }},
     {&QLSnippet::kNumberOFImagesString,
      [](ManagedObject& record, Row row, int column, Access) {
        StoreAccess::setImageCount(snippet(record), static_cast<std::size_t>(row.integer(column)));
@@ -121,7 +123,9 @@ constexpr StoredAttribute kUser[] = {
                                 Access) { user(record).setSavedMinutes(row.real(column)); }},
     {&QLUser::kWordsPerMinute,
      [](ManagedObject& record, Row row, int column, Access) {
-       user(record).setWordsPerMinute(static_cast<std::int16_t>(row.integer(column)));
+       using Speed = std::numeric_limits<std::int16_t>;
+       const auto speed = std::clamp<std::int64_t>(row.integer(column), Speed::min(), Speed::max());
+       user(record).setWordsPerMinute(static_cast<std::int16_t>(speed));
      }},
 };
 
@@ -169,6 +173,14 @@ std::span<const StoredAttribute> storedAttributes(Entity entity) {
       return kUser;
   }
   return {};
+}
+
+bool isUnsaved(const ManagedObject& record, const Property& property) {
+  const auto& changed = record.changedProperties();
+  const auto has = [&](const Property& each) { return std::ranges::find(changed, &each) != changed.end(); };
+  const bool isPartOfText =
+      &property == &QLSnippet::kPlainText || &property == &QLSnippet::kNumberOFImagesString;
+  return has(property) || (isPartOfText && has(QLSnippet::kText));
 }
 
 std::span<const StoredRelationship> storedRelationships(Entity owner) {

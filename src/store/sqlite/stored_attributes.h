@@ -25,6 +25,10 @@ struct StoredAttribute {
 // In the order in which they are to be taken over.
 std::span<const StoredAttribute> storedAttributes(Entity entity);
 
+// The record has a value of the property that is not in the store yet; a rich text counts with all its parts,
+// the plain text and the number of pictures. False for a record that is new as a whole.
+bool isUnsaved(const ManagedObject& record, const Property& property);
+
 // A relationship to many applications, kept by the snippet or folder in a table of pairs.
 struct StoredRelationship {
   const Property* property;

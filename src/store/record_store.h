@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/date.h"
+#include "base/result.h"
+#include "store/history/history_transaction.h"
+#include "text/attributed_string.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+
+struct ChangeSet;
+class ManagedObject;
+class ManagedObjectContext;
+class QLSnippet;
+
+// Who saves, as the history tells it.
+struct Writer {
+  std::string author;
+  std::string contextName;
+};
+
+// Where the records of one context are kept. Belongs to that context and its thread.
+class RecordStore {
+ public:
+  virtual ~RecordStore() = default;
+
+  // Fills an empty context with every record, rich texts left out. After an error the context holds a part
+  // of them and is good for nothing.
+  virtual Status load(ManagedObjectContext& context) = 0;
+
+  // Makes the changes permanent, all of them or none: of updated records only the changed properties. An
+  // updated record that others have deleted meanwhile is returned; then nothing is written, and the record
+  // can be saved as an inserted one that keeps its row. Otherwise the inserted records have their rows.
+  virtual Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes,
+                                                                   const Writer& writer, Date now) = 0;
+
+  // Brings the records that others have changed up to what the store holds now. What is unsaved in the
+  // context stays, property by property. After an error some records may not be up to date; the same changes
+  // can be taken over again.
+  virtual Status refresh(ManagedObjectContext& context, const std::vector<HistoryChange>& changes) = 0;
+
+  // Nothing when the store has none for the snippet (any more); an error when it cannot be read.
+  virtual Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) = 0;
+};
+
+}  // namespace quorlo

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "store/change_log.h"
+#include "store/record_store.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quorlo {
+
+// A store that only keeps what it was given to save, or refuses it. Both arguments outlive it.
+class FakeRecordStore final : public RecordStore {
+ public:
+  FakeRecordStore(std::vector<ChangeSet>& commits, const Status& result)
+      : commits_(commits), result_(result) {}
+
+  Status load(ManagedObjectContext&) override { return {}; }
+  Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer&,
+                                                           Date) override {
+    if (!result_) return result_.error();
+    commits_.push_back(changes);
+    return std::vector<std::shared_ptr<ManagedObject>>();
+  }
+  Status refresh(ManagedObjectContext&, const std::vector<HistoryChange>&) override { return {}; }
+  Result<std::optional<AttributedString>> richText(const QLSnippet&) override {
+    return std::optional<AttributedString>();
+  }
+
+ private:
+  std::vector<ChangeSet>& commits_;
+  const Status& result_;
+};
+
+}  // namespace quorlo
