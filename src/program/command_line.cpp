@@ -24,6 +24,7 @@ std::variant<CommandLine, CommandLineExit> parseCommandLine(int argc, const char
   app.add_subcommand("menu", "Open the menu of the running Quorlo, to be bound to a key");
   app.add_subcommand("quit", "Quit the running Quorlo");
   app.add_subcommand("status", "Say what the running Quorlo does");
+  app.add_subcommand("doctor", "Look for what keeps Quorlo from working, and say how to mend it");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

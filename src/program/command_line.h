@@ -10,7 +10,7 @@ namespace quorlo {
 
 // What the user asked for on the command line.
 struct CommandLine {
-  std::string command;  // "menu", "quit" or "status"; empty to start Quorlo
+  std::string command;  // "menu", "quit", "status" or "doctor"; empty to start Quorlo
   std::vector<std::filesystem::path> files;
   std::optional<std::filesystem::path> library;
   std::optional<bool> abbreviations;

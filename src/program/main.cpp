@@ -1,4 +1,5 @@
 #include "program/command_line.h"
+#include "program/doctor/session_facts.h"
 #include "program/lost_display_notice.h"
 #include "program/program.h"
 #include "program/running_instance.h"
@@ -28,7 +29,7 @@ int main(int argc, char** argv) {
 
   if (!commandLine.command.empty()) {
     const QCoreApplication application(argc, argv);
-    return runInstanceCommand(commandLine.command);
+    return commandLine.command == "doctor" ? runDoctor() : runInstanceCommand(commandLine.command);
   }
   if (commandLine.onlyChangesSettings()) {
     const QCoreApplication application(argc, argv);

@@ -1,0 +1,32 @@
+#include "app/settings/launch_at_login.h"
+#include "app/settings/settings_controller.h"
+#include "program/doctor/session_facts.h"
+#include "ui/file_user_defaults.h"
+#include "ui/qt_main_queue.h"
+#include "ui/system_environment.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+
+namespace quorlo {
+
+int runDoctor() {
+  QtMainQueue queue;
+  const std::filesystem::path programDirectory = QCoreApplication::applicationDirPath().toStdString();
+  const SystemEnvironment environment{programDirectory};
+  FileUserDefaults defaults(environment.configDirectory());
+  const SettingsController settings(
+      defaults, queue, [&] { return environment.now(); }, [] { return std::nullopt; });
+  const LaunchAtLogin launchAtLogin(environment.configDirectory().parent_path() / "autostart",
+                                    programDirectory / "quorlo");
+  const auto findings = diagnose(gatherFacts(
+      {environment, settings, launchAtLogin, queue, environment.configDirectory(), programDirectory}));
+  std::cout << report(findings);
+  return std::ranges::any_of(findings,
+                             [](const Finding& each) { return each.level == Finding::Level::problem; });
+}
+
+}  // namespace quorlo
