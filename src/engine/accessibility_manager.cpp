@@ -32,8 +32,7 @@ AccessibilityManager::AccessibilityManager(AccessibilityTrust& trust, SettingsCo
       workspace_(workspace),
       alerts_(alerts),
       queue_(queue),
-      quotationMarks_(std::move(quotationMarks)),
-      accessibilityURL("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility") {}
+      quotationMarks_(std::move(quotationMarks)) {}
 
 bool AccessibilityManager::checkAccessibility(Prompt prompt) {
   if (!trust_.isProcessTrusted()) {

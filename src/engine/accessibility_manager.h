@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace quorlo {
 
@@ -19,6 +20,10 @@ struct RunningApplication;
 // are switched off, and the user is told where to grant it. One instance; main thread.
 class AccessibilityManager {
  public:
+  // Of the system's accessibility settings.
+  static constexpr std::string_view kAccessibilityURL =
+      "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+
   enum class Prompt { silent, showAlert };
 
   // The references must outlive the manager.
@@ -47,7 +52,7 @@ class AccessibilityManager {
   Alerts& alerts_;
   MainQueue& queue_;
   QuotationMarks quotationMarks_;
-  std::string accessibilityURL;
+  std::string accessibilityURL{kAccessibilityURL};
   LifeToken life_;
 };
 

@@ -19,6 +19,7 @@
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
 #include "text/locale_quotes.h"
+#include "ui/accessibility_help_window.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/file_user_defaults.h"
 #include "ui/fill_in_window.h"
@@ -82,7 +83,10 @@ struct Program::Parts {
   std::unique_ptr<X11Desktop> desktop;
   PulseAudioPlayer player;
   ThreadBackgroundQueue background;
-  QtAlerts alerts;
+  QtAlerts alerts{desktop->targetFocus()};
+  AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
+  Subscription accessibilityAddress = desktop->serveAddress(
+      std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};
 

@@ -174,6 +174,9 @@ AccessibilityTrust& X11Desktop::accessibilityTrust() {
 Workspace& X11Desktop::workspace() {
   return *parts_->workspace;
 }
+Subscription X11Desktop::serveAddress(const std::string& address, std::function<void()> open) {
+  return parts_->workspace->serveAddress(address, std::move(open));
+}
 Pasteboard& X11Desktop::pasteboard() {
   return *parts_->pasteboard;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "base/subscription.h"
 
 #include <filesystem>
 #include <functional>
@@ -49,6 +50,9 @@ class X11Desktop {
   HotKeyCenter& hotKeyCenter();
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
+  // The workspace calls `open` for the address, one of the home platform that means nothing to this desktop.
+  // The subscription must end before the desktop.
+  Subscription serveAddress(const std::string& address, std::function<void()> open);
   Pasteboard& pasteboard();
   TargetFocus& targetFocus();
 

@@ -76,7 +76,16 @@ std::vector<InstalledApplication> X11Workspace::installedApplications() const {
 }
 
 bool X11Workspace::openURL(std::string_view url) {
+  if (const auto found = served_.find(url); found != served_.end()) {
+    found->second();
+    return true;
+  }
   return openInDesktop(url);
+}
+
+Subscription X11Workspace::serveAddress(const std::string& address, std::function<void()> open) {
+  served_[address] = std::move(open);
+  return Subscription([this, address] { served_.erase(address); });
 }
 
 Subscription X11Workspace::observeActiveWindow(std::function<void()> changed) {

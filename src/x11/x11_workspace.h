@@ -45,6 +45,8 @@ class X11Workspace : public Workspace {
   std::vector<InstalledApplication> installedApplications() const override;
   const std::string& ownBundleIdentifier() const override { return options_.ownBundleIdentifier; }
   bool openURL(std::string_view url) override;
+  // Until the subscription ends, opening the address calls `open`. Main thread.
+  Subscription serveAddress(const std::string& address, std::function<void()> open);
 
   // Any thread but the workspace's own.
   ActiveWindow activeWindow() const;
@@ -94,6 +96,7 @@ class X11Workspace : public Workspace {
   mutable std::mutex mutex_;
   std::shared_ptr<const Snapshot> snapshot_ = std::make_shared<Snapshot>();
 
+  std::map<std::string, std::function<void()>, std::less<>> served_;  // main thread
   mutable std::shared_ptr<const Snapshot> shown_;  // main thread: what runningApplications() has returned
 
   std::mutex observersMutex_;

@@ -1,4 +1,7 @@
+#include "fakes/fake_desktop.h"
 #include "fakes/fake_main_queue.h"
+#include "fakes/fake_target_focus.h"
+#include "ui/accessibility_help_window.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/event_loop.h"
 #include "ui/fake_notification_server.h"
@@ -14,11 +17,14 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QLabel>
 #include <QMessageBox>
 #include <QProcess>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -53,7 +59,9 @@ TEST(PulseAudioPlayer, MeasuresSoundsAndIsSilentWithoutAServer) {
 }
 
 TEST(QtAlerts, AnswersWithTheButtonChosenAndTheLastOneWhenClosed) {
-  QtAlerts alerts;
+  FakeMainQueue queue;
+  FakeTargetFocus focus(queue);
+  QtAlerts alerts(focus);
   const Alert alert{u"<b>Message</b>", u"More", {u"Open System Settings", u"Deny"}};
   const auto answer = [&](auto user) {
     QTimer::singleShot(0, [&] { user(*qobject_cast<QMessageBox*>(QApplication::activeModalWidget())); });
@@ -62,6 +70,33 @@ TEST(QtAlerts, AnswersWithTheButtonChosenAndTheLastOneWhenClosed) {
   EXPECT_EQ(answer([](QMessageBox& box) { box.buttons().front()->click(); }), 0U);
   EXPECT_EQ(answer([](QMessageBox& box) { box.buttons().back()->click(); }), 1U);
   EXPECT_EQ(answer([](QMessageBox& box) { box.close(); }), 1U);
+  EXPECT_EQ(answer([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }), 1U);
+  EXPECT_EQ(answer([&](QMessageBox& box) {
+              EXPECT_EQ(focus.activeOwnWindow, box.winId());
+              QTest::keyClick(&box, Qt::Key_Return);
+            }),
+            0U);
+}
+
+TEST(AccessibilityHelpWindow, TellsWhatIsMissingNowAndIsNotForcedOnWhoHasJustClosedIt) {
+  FakeDesktop desktop;
+  desktop.grantTrust(false);
+  FakeTargetFocus focus(desktop.queue);
+  AccessibilityHelpWindow help(desktop, focus);
+  help.open();
+  auto* const window = QWidget::find(focus.activeOwnWindow);
+  ASSERT_TRUE(window);
+  const auto says = [&](const char* text) {
+    const auto labels = window->findChildren<QLabel*>();
+    return std::ranges::any_of(labels, [&](auto* label) { return label->text().contains(text); });
+  };
+  EXPECT_TRUE(says("lacks the extension XTEST"));
+  desktop.grantTrust(true);
+  help.open();
+  EXPECT_TRUE(says("Nothing is missing"));
+  window->close();
+  help.open();
+  EXPECT_FALSE(window->isVisible());
 }
 
 TEST(QtOwnApplication, ShowsAgainTheWindowsThatItHid) {

@@ -31,6 +31,8 @@ constexpr const char* kHelp =
 
 class DesktopConsole {
  public:
+  explicit DesktopConsole(const std::vector<std::string>& serverArguments) : desktop_(serverArguments) {}
+
   // The answer to one line: "ok", "ok" and lines of output, or "error: ...".
   std::string obey(const std::string& line) {
     try {
@@ -157,14 +159,14 @@ int send(const std::string& path, const std::string& line) {
   return answer.starts_with("ok") ? 0 : 1;
 }
 
-int serve(const std::string& path) {
+int serve(const std::string& path, const std::vector<std::string>& serverArguments) {
   sigset_t ending;
   sigemptyset(&ending);
   sigaddset(&ending, SIGTERM);
   sigaddset(&ending, SIGINT);
   sigaddset(&ending, SIGHUP);
   sigprocmask(SIG_BLOCK, &ending, nullptr);
-  DesktopConsole console;
+  DesktopConsole console(serverArguments);
   unlink(path.c_str());
   const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   const auto address = addressOf(path);
@@ -208,10 +210,11 @@ int main(int argc, char** argv) {
   try {
     const std::vector<std::string> words(argv + 1, argv + argc);
     std::signal(SIGPIPE, SIG_IGN);
-    if (words.size() == 1) return quorlo::serve(words[0]);
     if (words.size() == 3 && words[0] == "send") return quorlo::send(words[1], words[2]);
-    std::cerr << "usage: quorlo-virtual-desktop SOCKET\n       quorlo-virtual-desktop send SOCKET LINE\n"
-              << "lines: " << quorlo::kHelp << "\n";
+    if (!words.empty()) return quorlo::serve(words[0], {words.begin() + 1, words.end()});
+    std::cerr
+        << "usage: quorlo-virtual-desktop SOCKET [ARGUMENTS OF THE X SERVER]\n       quorlo-virtual-desktop send SOCKET LINE\n"
+        << "lines: " << quorlo::kHelp << "\n";
     return 2;
   } catch (const std::exception& problem) {
     std::cerr << "quorlo-virtual-desktop: " << problem.what() << "\n";
