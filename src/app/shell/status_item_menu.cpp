@@ -9,7 +9,7 @@ namespace quorlo {
 std::vector<StatusMenuItem> statusItemMenu(const MenuToggles& toggles, std::function<void()> openSnippetMenu,
                                            const std::function<void(MenuCommand)>& perform) {
   std::vector<StatusMenuItem> lines{
-      {localized(u"Search Snippets…"), "magnifyingglass", std::nullopt, std::move(openSnippetMenu)}};
+      {localized(u"Search Snippets"), "magnifyingglass", std::nullopt, std::move(openSnippetMenu)}};
   const auto add = [&](const MenuItem& item, std::optional<bool> isChecked) {
     lines.push_back(
         {item.title, item.image, isChecked, [perform, command = *item.command] { perform(command); }});
