@@ -1,9 +1,9 @@
 #pragma once
 
-#include <csignal>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <functional>
 #include <optional>

@@ -2,7 +2,9 @@
 // damaged one is copied, and no empty library ever takes its place.
 
 #include "child_process.h"
+#include "open_library.h"
 #include "test_store.h"
+#include "text/utf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,17 +27,15 @@ constexpr auto kManySnippets =
     "WITH RECURSIVE numbers(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM numbers WHERE n < 300)"
     " INSERT INTO Snippet(title, plainText) SELECT 'Snippet ' || n, printf('%.*c', 90, 'x') FROM numbers";
 
-// As the loading of the library reads them; the error's message when that fails.
+// What the program has in memory after loading; the error's message when that fails.
 std::string allRecords(const TestStore& test) {
-  const auto store = test.open();
-  if (!store) return store.error().message;
-  auto& database = *store.value();
-  std::string all;
-  for (const auto* table : {"Snippet", "Category", "App", "User"}) {
-    all += rows(database, std::string("SELECT * FROM ") + table, 1);
-    if (database.failureCode() != 0) return storeLoadFailure(database, Error{all}, Date()).message;
+  OpenLibrary library(test.directory);
+  std::string all = library.failure();
+  if (!all.empty()) return all;
+  for (const auto& each : library.all<QLSnippet>()) {
+    all += std::to_string(each->rowNumber()) + toUtf8(each->title() + each->plainText()) + "\n";
   }
-  return all + rows(database, "SELECT group_concat(title || plainText) FROM Snippet", 1);
+  return all;
 }
 
 std::vector<fs::path> copies(const TestStore& test) {
@@ -148,7 +148,7 @@ TEST(StoreFaults, AHeldStoreIsWaitedForAndThenReportedAsHeld) {
   std::jthread opener([&] { waited = allRecords(test); });
   holder.close();
   opener.join();
-  EXPECT_EQ(waited, "\n");
+  EXPECT_EQ(waited, "");
 }
 
 // Rights do not bind root, so a child process gives them up.
@@ -194,32 +194,27 @@ std::string onAFullDisk() {
   if (!isMounted) return "no disk";
   const auto filler = test.temporary / "data" / "filler";
   const auto fill = [&filler] { write(filler, std::string(1 << 20, 'x')); };
-  const auto insert = "INSERT INTO Snippet(plainText) VALUES (printf('%.*c', 100000, 'x'))";
-  const auto count = [](SqliteDatabase& database) {
-    return rows(database, "SELECT count(*) FROM Snippet", 1);
-  };
 
   fill();
-  std::string report = allRecords(test) + "\n";
+  std::string report = OpenLibrary(test.directory).failure() + "\n";
   fs::remove(filler);
   {
-    const auto store = test.open();
-    if (!store) return store.error().message;
-    if (const auto saved = store.value()->execute(insert); !saved) return saved.error().message;
+    OpenLibrary library(test.directory);
+    if (!library.failure().empty()) return library.failure();
     fill();
-    const auto refused = store.value()->execute(insert);
-    report += (refused ? "saved on a full disk" : refused.error().message) + "\n" + count(*store.value());
+    library.context().insert<QLSnippet>()->setPlainText(std::u16string(100'000, u'x'));
+    const auto refused = library.context().save();
+    report += refused ? "saved on a full disk" : refused.error().message;
+    report += library.context().hasChanges() ? "\nunsaved\n" : "\nforgotten\n";
     fs::remove(filler);
-    if (const auto saved = store.value()->execute(insert); !saved) return saved.error().message;
-    store.value()->closeUntouched();
+    if (const auto saved = library.context().save(); !saved) return saved.error().message;
   }
-  fs::remove(test.file.string() + "-shm");
   fill();
-  report += allRecords(test) + "\n";
+  report += OpenLibrary(test.directory).failure() + "\n";
   fs::remove(filler);
-  const auto store = test.open();
-  if (!store) return store.error().message;
-  report += count(*store.value()) + rows(*store.value(), "PRAGMA integrity_check", 1);
+  OpenLibrary library(test.directory);
+  report += library.failure() + std::to_string(library.all<QLSnippet>().size()) + "\n" +
+            rows(library.database(), "PRAGMA integrity_check", 1);
   ::umount2(test.directory.c_str(), MNT_DETACH);
   return report;
 }
@@ -229,8 +224,8 @@ TEST(StoreFaults, AFullDiskIsReportedAndTheStoreGoesOnOnceThereIsRoom) {
   if (report == "no disk") GTEST_SKIP() << "no tmpfs may be mounted here";
   EXPECT_THAT(report, testing::MatchesRegex(std::string(kLoadFailure) +
                                             "[^\n]*the disk has room[^\n]*\n"
-                                            "[^\n]*the disk is full[^\n]*\n1\n" +
-                                            kLoadFailure + "[^\n]*the disk is full[^\n]*\n2\nok\n"));
+                                            "[^\n]*the disk is full[^\n]*\nunsaved\n" +
+                                            kLoadFailure + "[^\n]*the disk is full[^\n]*\n1\nok\n"));
 }
 
 }  // namespace

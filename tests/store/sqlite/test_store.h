@@ -16,7 +16,7 @@ namespace quorlo {
 
 // A data directory that does not exist yet; the log is collected.
 struct TestStore {
-  TemporaryDirectory temporary;
+  TemporaryDirectory temporary{TemporaryDirectory::quickParent()};
   std::filesystem::path directory = temporary / "data";
   std::filesystem::path file = directory / kStoreFileName;
   std::vector<std::string> log;

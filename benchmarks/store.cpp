@@ -1,0 +1,170 @@
+// What the library's file costs: opening it with 10,000 and 100,000 snippets, saving one change and 10,000
+// new snippets, and looking abbreviations up. Runs on the disk of the temporary directory. A save waits for
+// the disk once; what the disk alone takes for that is measured beside it and taken off.
+
+#include "base/log.h"
+#include "fakes/temporary_directory.h"
+#include "figures.h"
+#include "store/ql_category.h"
+#include "store/ql_snippet.h"
+#include "store/sqlite/open_library.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kOpenings = 7;
+constexpr int kSaves = 60;
+constexpr int kBigSaves = 3;
+constexpr int kLookups = 200'000;
+
+double millisecondsSince(Clock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+[[noreturn]] void giveUp(const Error& error) {
+  std::fprintf(stderr, "%s\n", error.message.c_str());
+  std::exit(1);
+}
+
+// Opened and loaded, or the end.
+class Library : public OpenLibrary {
+ public:
+  explicit Library(const std::filesystem::path& directory) : OpenLibrary(directory) {
+    if (!failure().empty()) giveUp({failure()});
+  }
+
+  void save() {
+    if (const auto saved = context().save(); !saved) giveUp(saved.error());
+    queue().settle();
+  }
+};
+
+std::u16string abbreviation(int number) {
+  const auto digits = std::to_string(number);
+  return u"qq" + std::u16string(digits.begin(), digits.end());
+}
+
+// Every tenth is rich; the texts have 40 to 400 characters.
+void addSnippets(ManagedObjectContext& context, int count) {
+  std::vector<std::shared_ptr<QLCategory>> folders;
+  for (int i = 0; i < 20; ++i) folders.push_back(context.insert<QLCategory>());
+  std::mt19937 random(7);
+  for (int i = 0; i < count; ++i) {
+    const auto snippet = context.insert<QLSnippet>();
+    snippet->setTitle(u"Snippet called " + abbreviation(i));
+    snippet->setAbbreviation(abbreviation(i));
+    std::u16string words;
+    for (auto left = 40 + random() % 360; words.size() < left;) words += u"Grüße, words ";
+    AttributedString text(words);
+    if (i % 10 == 0) text.setAttributes({0, 5}, {.bold = true});
+    snippet->setText(text);
+    snippet->setCategory(folders[random() % folders.size()].get());
+  }
+}
+
+void makeLibrary(const std::filesystem::path& directory, int count) {
+  Library library(directory);
+  addSnippets(library.context(), count);
+  library.save();
+}
+
+void measureOpening(Figures& figures, const std::filesystem::path& directory, const std::string& size) {
+  std::vector<double> samples;
+  for (int i = 0; i < kOpenings; ++i) {
+    const auto begin = Clock::now();
+    Library library(directory);
+    samples.push_back(millisecondsSince(begin));
+  }
+  figures.add("open_" + size + "_ms", percentile(samples, 0.5));
+}
+
+void measureLookups(Figures& figures, const std::filesystem::path& directory, int count,
+                    const std::string& size) {
+  Library library(directory);
+  std::vector<std::u16string> wanted;
+  std::mt19937 random(7);
+  for (int i = 0; i < kLookups; ++i) wanted.push_back(abbreviation(static_cast<int>(random()) % (2 * count)));
+  std::size_t found = 0;
+  const auto begin = Clock::now();
+  for (const auto& each : wanted) found += library.context().liveSnippet(each).value() != nullptr;
+  const auto nanoseconds = millisecondsSince(begin) * 1e6 / kLookups;
+  if (found == 0) giveUp({"No abbreviation was found."});
+  figures.add("lookup_ns_" + size, nanoseconds);
+}
+
+// As much as the write-ahead log gets in a small save, then the wait.
+double syncMilliseconds(int file) {
+  const std::string pages(5 * 4096, 'x');
+  const auto begin = Clock::now();
+  if (::write(file, pages.data(), pages.size()) < 0 || ::fdatasync(file) != 0)
+    giveUp({"No file can be written."});
+  return millisecondsSince(begin);
+}
+
+void measureSavingOne(Figures& figures, const std::filesystem::path& directory) {
+  Library library(directory);
+  const auto snippet = library.context().fetch(FetchRequest<QLSnippet>{.fetchLimit = 1}).value().front();
+  const int file = ::open((directory / "synchronised").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  std::vector<double> saves;
+  std::vector<double> beyond;
+  for (int i = 0; i < kSaves; ++i) {
+    const auto sync = syncMilliseconds(file);
+    snippet->setUseCount(snippet->useCount() + 1);
+    const auto begin = Clock::now();
+    library.save();
+    saves.push_back(millisecondsSince(begin));
+    beyond.push_back(saves.back() - sync);
+  }
+  ::close(file);
+  figures.add("save_1_ms", percentile(saves, 0.5));
+  figures.add("save_1_beyond_sync_ms", percentile(beyond, 0.5));
+}
+
+void measureSavingMany(Figures& figures) {
+  std::vector<double> samples;
+  for (int i = 0; i < kBigSaves; ++i) {
+    TemporaryDirectory directory;
+    Library library(directory.path());
+    addSnippets(library.context(), 10'000);
+    const auto begin = Clock::now();
+    library.save();
+    samples.push_back(millisecondsSince(begin));
+  }
+  figures.add("save_10k_ms", percentile(samples, 0.5));
+}
+
+void run(Figures& figures) {
+  TemporaryDirectory directory;
+  makeLibrary(directory / "1k", 1'000);
+  makeLibrary(directory / "10k", 10'000);
+  makeLibrary(directory / "100k", 100'000);
+  measureOpening(figures, directory / "10k", "10k");
+  measureOpening(figures, directory / "100k", "100k");
+  measureLookups(figures, directory / "1k", 1'000, "1k");
+  measureLookups(figures, directory / "100k", 100'000, "100k");
+  measureSavingOne(figures, directory / "10k");
+  measureSavingMany(figures);
+}
+
+}  // namespace
+}  // namespace quorlo
+
+int main(int argc, char** argv) {
+  const auto silence = quorlo::redirectLog([](quorlo::LogLevel, std::string_view) {});
+  quorlo::Figures figures(argc, argv);
+  quorlo::run(figures);
+}
