@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <string>
 #include <thread>
 
 namespace quorlo {
@@ -173,6 +174,7 @@ TEST(HistoryObserver, MergesTheAllSnippetsFoldersOfTwoDevicesWithAllThatIsInThem
     folder->setType(static_cast<std::int64_t>(CategoryType::AllSnippets));
     folder->setSourceType(static_cast<std::int64_t>(SourceType::General));
     folder->setCreationDate(Date(std::chrono::days(day)));
+    folder->setUuid("folder of day " + std::to_string(day));
     World::snippet(context, prefix + u"live")->setCategory(folder.get());
     const auto trashed = World::snippet(context, prefix + u"trashed");
     trashed->setCategory(folder.get());
@@ -192,9 +194,9 @@ TEST(HistoryObserver, MergesTheAllSnippetsFoldersOfTwoDevicesWithAllThatIsInThem
   EXPECT_EQ(folders[0]->rowNumber(), old->rowNumber());
   EXPECT_EQ(folders[0]->snippets().size(), 4U);
   EXPECT_FALSE(world.view.hasChanges());
-  for (const auto* each : folders[0]->snippets()) {
-    if (each->title().starts_with(u"here")) EXPECT_EQ(each->modifiedDate(), world.now);
-  }
+  EXPECT_EQ(std::ranges::count_if(folders[0]->snippets(),
+                                  [&](const auto* each) { return each->modifiedDate() == world.now; }),
+            2);
   EXPECT_EQ(world.file.database.integer("SELECT count(*) FROM Category").value(), 1);
   EXPECT_EQ(world.file.database.integer("SELECT count(*) FROM Snippet WHERE category NOT NULL").value(), 4);
 }
