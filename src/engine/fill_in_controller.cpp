@@ -66,7 +66,7 @@ void FillInController::decide(FillInView::Outcome outcome) {
   hold_ = use_.typedKeys.begin();
   // A key that is already on its way to the window must not change them.
   auto answers = session_->answers();
-  use_.focus.giveBack(question_->guard([this, outcome, answers = std::move(answers)](bool isActive) mutable {
+  use_.focus.giveToTarget(question_->guard([this, outcome, answers = std::move(answers)](bool isActive) mutable {
     end(outcome, std::move(answers), isActive);
   }));
 }

@@ -16,7 +16,9 @@ constexpr Seconds kLookAgain{0.004};
 }  // namespace
 
 void X11TargetFocus::remember() {
-  target_ = workspace_.activeWindow().window;
+  const auto active = workspace_.activeWindow();
+  previous_ = active.window;
+  target_ = active.isOwn ? workspace_.lastForeignWindow() : active.window;
 }
 
 void X11TargetFocus::take(std::uintptr_t window) {
@@ -24,7 +26,15 @@ void X11TargetFocus::take(std::uintptr_t window) {
 }
 
 void X11TargetFocus::giveBack(Completion completion) {
-  auto begin = [this, attempt = Attempt{target_, queue_.now(), std::move(completion)}]() mutable {
+  give(previous_, std::move(completion));
+}
+
+void X11TargetFocus::giveToTarget(Completion completion) {
+  give(target_, std::move(completion));
+}
+
+void X11TargetFocus::give(xcb_window_t window, Completion completion) {
+  auto begin = [this, attempt = Attempt{window, queue_.now(), std::move(completion)}]() mutable {
     pursue(std::move(attempt));
   };
   queue_.run(life_.guard(std::move(begin)));

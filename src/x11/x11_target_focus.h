@@ -21,6 +21,7 @@ class X11TargetFocus : public TargetFocus {
   void remember() override;
   void take(std::uintptr_t window) override;
   void giveBack(Completion completion) override;
+  void giveToTarget(Completion completion) override;
 
  private:
   struct Attempt {
@@ -31,6 +32,7 @@ class X11TargetFocus : public TargetFocus {
     bool focusWasSet = false;
   };
 
+  void give(xcb_window_t window, Completion completion);
   void pursue(Attempt attempt);
   bool isActive(xcb_window_t window) const;
   void askWindowManager(xcb_window_t window) const;
@@ -39,6 +41,7 @@ class X11TargetFocus : public TargetFocus {
   XConnection& x_;
   X11Workspace& workspace_;
   MainQueue& queue_;
+  xcb_window_t previous_ = XCB_WINDOW_NONE;
   xcb_window_t target_ = XCB_WINDOW_NONE;
   LifeToken life_;
 };

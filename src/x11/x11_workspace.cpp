@@ -75,6 +75,10 @@ std::vector<InstalledApplication> X11Workspace::installedApplications() const {
   return installed;
 }
 
+xcb_window_t X11Workspace::lastForeignWindow() const {
+  return latest()->lastForeign;
+}
+
 bool X11Workspace::openURL(std::string_view url) {
   if (const auto found = served_.find(url); found != served_.end()) {
     found->second();
@@ -167,8 +171,10 @@ void X11Workspace::publish() {
       application->isActive = true;
       snapshot->active = {window, facts.processIdentifier, facts.bundleIdentifier, facts.windowClass,
                           facts.isOwn};
+      if (!facts.isOwn) lastForeign_ = window;
     }
   }
+  snapshot->lastForeign = lastForeign_;
   const std::lock_guard lock(mutex_);
   snapshot_ = std::move(snapshot);
 }

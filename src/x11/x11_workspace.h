@@ -50,6 +50,8 @@ class X11Workspace : public Workspace {
 
   // Any thread but the workspace's own.
   ActiveWindow activeWindow() const;
+  // Of the windows that are not this program's the one that was active last; it may be gone.
+  xcb_window_t lastForeignWindow() const;
   // Called on the workspace's thread after another window has become active; ask which on another thread.
   // The subscription may end on any thread except inside the callback; no call is under way after.
   Subscription observeActiveWindow(std::function<void()> changed);
@@ -65,6 +67,7 @@ class X11Workspace : public Workspace {
   struct Snapshot {
     RunningApplications applications;
     ActiveWindow active;
+    xcb_window_t lastForeign = XCB_WINDOW_NONE;
   };
 
   X11Workspace(std::unique_ptr<XConnection> x, Options options);
@@ -91,6 +94,7 @@ class X11Workspace : public Workspace {
   std::vector<xcb_window_t> windows_;
   std::map<xcb_window_t, Facts> facts_;
   xcb_window_t active_ = XCB_WINDOW_NONE;
+  xcb_window_t lastForeign_ = XCB_WINDOW_NONE;
 
   std::atomic<bool> windowManagerTells_ = false;
   mutable std::mutex mutex_;

@@ -10,6 +10,7 @@
 #include "virtual_desktop/applications.h"
 #include "virtual_desktop/virtual_desktop.h"
 #include "x11/pumped_queue.h"
+#include "x11/x11_target_focus.h"
 #include "x11/x11_workspace.h"
 
 #include <gmock/gmock.h>
@@ -100,6 +101,19 @@ TEST(X11DesktopTest, TheActiveApplicationIsKnownAsSoonAsTheWindowManagerKnowsIt)
   EXPECT_EQ(frontmost(*workspace), workspace->ownBundleIdentifier());
   EXPECT_EQ(workspace->runningApplications().size(), 3U);
   EXPECT_GE(changes, 40);
+
+  PumpedQueue queue;
+  const auto connection = std::move(XConnection::open(desktop.display())).value();
+  X11TargetFocus focus(*connection, *workspace, queue);
+  focus.remember();
+  const auto after = [&](void (X11TargetFocus::*give)(TargetFocus::Completion)) {
+    std::optional<bool> isDone;
+    (focus.*give)([&](bool isActive) { isDone = isActive; });
+    EXPECT_TRUE(queue.pumpUntil([&] { return isDone == true; }));
+    return frontmost(*workspace);
+  };
+  EXPECT_EQ(after(&X11TargetFocus::giveToTarget), "org.xfce.mousepad");
+  EXPECT_EQ(after(&X11TargetFocus::giveBack), workspace->ownBundleIdentifier());
 
   editor.process().stop();
   EXPECT_TRUE(waitUntil([&] { return workspace->runningApplications().size() == 2; }));
