@@ -75,6 +75,7 @@ CREATE INDEX CategoryBlockedAppsApp ON CategoryBlockedApps(app);
 PRAGMA user_version = 1;
 )sql";
 
+// SnippetTextSnippet lets the opening learn which texts are rich without reading any of them.
 // A title of the previous version counts as the user's own, so that none is replaced. Which section a
 // folder belongs to is decided by the library's migration, not here. A change row outlives the record that
 // it tells of, so its `row` is no foreign key; changedProperties are the names, separated by commas.
@@ -82,6 +83,7 @@ constexpr std::string_view kVersion2 = R"sql(
 ALTER TABLE Category ADD COLUMN sourceType INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE Snippet ADD COLUMN titleIsCustom INTEGER NOT NULL DEFAULT 0;
 UPDATE Snippet SET titleIsCustom = 1 WHERE title <> '';
+CREATE INDEX SnippetTextSnippet ON SnippetText(snippet);
 CREATE TABLE HistoryTransaction(
   number INTEGER PRIMARY KEY AUTOINCREMENT,
   timestamp INTEGER NOT NULL UNIQUE,
