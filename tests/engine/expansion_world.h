@@ -16,6 +16,7 @@
 #include "fakes/fake_user_defaults.h"
 #include "fakes/fake_user_notifications.h"
 #include "macros/ql_snippet_macro_interpreter.h"
+#include "store/fake_record_store.h"
 #include "store/folder_types.h"
 #include "store/managed_object_context.h"
 #include "store/persistence_controller.h"
@@ -30,6 +31,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quorlo {
 
@@ -77,7 +79,10 @@ struct ExpansionWorld : testing::Test {
 
   SettingsController settings{defaults, desktop.queue, [this] { return environment.now(); },
                               [] { return std::nullopt; }};
-  PersistenceController persistence{desktop.queue, environment};
+  std::vector<ChangeSet> commits;
+  Status commitResult;
+  PersistenceController persistence{
+      desktop.queue, environment, {.store = std::make_unique<FakeRecordStore>(commits, commitResult)}};
   ManagedObjectContext& context = persistence.managedObjectContext();
   QLSnippetMacroInterpreter interpreter{
       environment, [this](const std::u16string& abbreviation) -> std::optional<AttributedString> {

@@ -12,14 +12,12 @@
 #include "platform/status_item.h"
 #include "platform/target_focus.h"
 #include "platform/typed_keys_hold.h"
-#include "platform/workspace.h"
 #include "store/managed_object_context.h"
 #include "store/persistence_controller.h"
 #include "store/ql_category.h"
 #include "store/ql_snippet.h"
 #include "store/use_recorder.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace quorlo {
@@ -28,12 +26,6 @@ namespace {
 constexpr Seconds kActivationDelay{0.05};
 constexpr Seconds kBlinkDuration{0.2};
 constexpr Seconds kSameClick{0.3};
-
-bool isInFront(const Workspace& workspace, const std::string& bundleIdentifier) {
-  return std::ranges::any_of(workspace.runningApplications(), [&](const auto& each) {
-    return each->isActive && each->bundleIdentifier == bundleIdentifier;
-  });
-}
 
 }  // namespace
 
@@ -83,7 +75,6 @@ void QLSnippetStatusMenuViewController::openAtStatusItem() {
 void QLSnippetStatusMenuViewController::open(MenuPlace place) {
   if (!std::exchange(isOpen_, true)) {
     use_.focus.remember();
-    cameFromOwnWindow_ = isInFront(use_.workspace, use_.workspace.ownBundleIdentifier());
     // Hiding the item of the tray is for the settings; here it can be called back.
     offersToShowInMenuBar_ = !use_.settings.showAppInMenuBar();
   }
@@ -165,10 +156,8 @@ void QLSnippetStatusMenuViewController::choose(ObjectID id, ModifierFlags flags)
 
 // Keys that the user types from here on wait until the snippet is there; the insertion takes over the hold.
 void QLSnippetStatusMenuViewController::pasteIntoTarget(std::shared_ptr<QLSnippet> chosen) {
-  // With our own windows hidden, the application behind them is in front by itself.
-  if (cameFromOwnWindow_) return paste(chosen);
   hold_ = use_.typedKeys.begin();
-  use_.focus.giveBack(life_.guard([this, chosen = std::move(chosen)](bool isActive) {
+  use_.focus.giveToTarget(life_.guard([this, chosen = std::move(chosen)](bool isActive) {
     const auto hold = std::move(hold_);
     if (isActive) return paste(chosen);
     logWarning(

@@ -31,7 +31,6 @@ class SnippetMenuView;
 class StatusItem;
 class TargetFocus;
 class TypedKeysHold;
-class Workspace;
 enum class Setting;
 
 // The one menu of the program: snippets grouped by folder, found by a search field, and the commands. It
@@ -48,7 +47,6 @@ class QLSnippetStatusMenuViewController {
     PasteController& paste;
     Pasteboard& generalPasteboard;
     OwnApplication& application;
-    Workspace& workspace;
     TargetFocus& focus;
     TypedKeysHold& typedKeys;
     StatusItem& statusItem;
@@ -115,7 +113,6 @@ class QLSnippetStatusMenuViewController {
   MenuPlace place_ = MenuPlace::pointer;
   bool isOpen_ = false;
   bool isAboutToOpen_ = false;
-  bool cameFromOwnWindow_ = false;
   std::optional<MainQueue::Instant> closedItself_;
   bool offersToShowInMenuBar_ = false;
   Subscription hold_;

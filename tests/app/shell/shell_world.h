@@ -38,7 +38,6 @@ struct ShellWorld : ExpansionWorld {
       .paste = paste,
       .generalPasteboard = desktop.pasteboard,
       .application = ownApplication,
-      .workspace = desktop,
       .focus = focus,
       .typedKeys = desktop,
       .statusItem = statusItem,
