@@ -10,6 +10,8 @@
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
 #include "store/snippet_predicates.h"
+#include "store/sqlite/sqlite_record_store.h"
+#include "store/sqlite/store_opening.h"
 #include "store/store_maintenance.h"
 #include "text/utf.h"
 
@@ -32,6 +34,21 @@ Predicate isOfType(CategoryType type) {
 }
 
 }  // namespace
+
+Result<std::unique_ptr<PersistenceController>> PersistenceController::open(MainQueue& mainQueue,
+                                                                           const Environment& environment,
+                                                                           Options options) {
+  auto database = openStore(environment.dataDirectory(), {.now = environment.now()});
+  if (!database) return database.error();
+  auto store = std::make_unique<SqliteRecordStore>(std::move(database).value());
+  auto& opened = store->database();
+  options.store = std::move(store);
+  auto controller = std::make_unique<PersistenceController>(mainQueue, environment, std::move(options));
+  if (const auto status = controller->context_->load(); !status) {
+    return storeLoadFailure(opened, status.error(), environment.now());
+  }
+  return controller;
+}
 
 PersistenceController::PersistenceController(MainQueue& mainQueue, const Environment& environment,
                                              Options options)

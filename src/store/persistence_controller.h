@@ -33,7 +33,13 @@ class PersistenceController {
     std::function<std::vector<std::u16string>(std::u16string_view)> findMacroStrings = nullptr;
   };
 
-  // `mainQueue` and `environment` outlive the controller.
+  // Opens the library in the environment's data directory, which is begun or brought to the current layout if
+  // need be, and loads it; `options` have no store. The error's message is the whole line with which the
+  // program ends. The references outlive the controller.
+  static Result<std::unique_ptr<PersistenceController>> open(MainQueue& mainQueue,
+                                                             const Environment& environment, Options options);
+
+  // Over a store that is opened already, or over none.
   PersistenceController(MainQueue& mainQueue, const Environment& environment, Options options);
   PersistenceController(MainQueue& mainQueue, const Environment& environment)
       : PersistenceController(mainQueue, environment, Options{}) {}
