@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -23,10 +24,11 @@ class RecordSet {
   bool add(Record* record) {
     if (contains(record)) return false;
     records_.push_back(record);
-    if (!places_.empty()) {
-      places_.emplace(record, records_.size() - 1);
+    if (places_) {
+      places_->emplace(record, records_.size() - 1);
     } else if (records_.size() > kScanLimit) {
-      for (std::size_t i = 0; i < records_.size(); ++i) places_.emplace(records_[i], i);
+      places_ = std::make_unique<Places>();
+      for (std::size_t i = 0; i < records_.size(); ++i) places_->emplace(records_[i], i);
     }
     return true;
   }
@@ -35,9 +37,9 @@ class RecordSet {
   bool remove(const Record* record) {
     const auto place = find(record);
     if (place == records_.size()) return false;
-    if (!places_.empty()) {
-      places_[records_.back()] = place;
-      places_.erase(record);
+    if (places_) {
+      (*places_)[records_.back()] = place;
+      places_->erase(record);
     }
     records_[place] = records_.back();
     records_.pop_back();
@@ -46,22 +48,23 @@ class RecordSet {
 
   void clear() {
     records_.clear();
-    places_.clear();
+    places_.reset();
   }
 
  private:
+  using Places = std::unordered_map<const Record*, std::size_t>;
   static constexpr std::size_t kScanLimit = 16;
 
   std::size_t find(const Record* record) const {
-    if (places_.empty()) {
+    if (!places_) {
       return static_cast<std::size_t>(std::ranges::find(records_, record) - records_.begin());
     }
-    const auto found = places_.find(record);
-    return found == places_.end() ? records_.size() : found->second;
+    const auto found = places_->find(record);
+    return found == places_->end() ? records_.size() : found->second;
   }
 
   std::vector<Record*> records_;
-  std::unordered_map<const Record*, std::size_t> places_;  // empty while a scan is as quick
+  std::unique_ptr<Places> places_;  // null while a scan is as quick, as it is in nearly all of them
 };
 
 }  // namespace quorlo
