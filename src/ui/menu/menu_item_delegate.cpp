@@ -64,7 +64,7 @@ class RowPainter {
     image(name, iconSize());
     const int line = option_.fontMetrics.lineSpacing();
     const auto whole = rest_;
-    rest_.setTop(whole.center().y() - line + 1);
+    rest_.setTop(whole.center().y() - (row.preview.isEmpty() ? line / 2 : line) + 1);
     rest_.setHeight(line);
     if (!row.abbreviation.isEmpty()) badge(row.abbreviation);
     drawText(row.title, option_.font, text_);

@@ -148,8 +148,8 @@ class SnippetMenuWindow::Window : public QWidget {
     }
   }
 
-  void closeEvent(QCloseEvent* event) override {
-    event->ignore();
+  // Accepted, since a window that refuses to close keeps the whole program from ending.
+  void closeEvent(QCloseEvent* /*event*/) override {
     if (events_.cancel) events_.cancel();
   }
 
