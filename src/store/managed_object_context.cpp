@@ -133,6 +133,15 @@ Result<std::vector<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetch(
   return records;
 }
 
+void ManagedObjectContext::prepareSearch() const {
+  if (searchIndex_.isBuilt()) return;
+  std::vector<QLSnippet*> snippets;
+  for (const auto& row : table(Entity::snippet).rows) {
+    if (row.record) snippets.push_back(static_cast<QLSnippet*>(row.record.get()));
+  }
+  searchIndex_.build(snippets);
+}
+
 std::vector<ManagedObject*> ManagedObjectContext::matches(Entity entity,
                                                           const std::optional<Predicate>& predicate,
                                                           std::size_t limit) const {
@@ -149,13 +158,7 @@ std::vector<ManagedObject*> ManagedObjectContext::matches(Entity entity,
     }
     return found;
   }
-  if (!searchIndex_.isBuilt()) {
-    std::vector<QLSnippet*> snippets;
-    for (const auto& row : table(Entity::snippet).rows) {
-      if (row.record) snippets.push_back(static_cast<QLSnippet*>(row.record.get()));
-    }
-    searchIndex_.build(snippets);
-  }
+  prepareSearch();
   auto candidates = searchIndex_.candidates(*required);
   if (!std::ranges::is_sorted(candidates, {}, &ManagedObject::objectID)) {
     std::ranges::sort(candidates, {}, &ManagedObject::objectID);

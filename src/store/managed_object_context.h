@@ -102,6 +102,9 @@ class ManagedObjectContext final : public ExpansionLookup {
     return records;
   }
 
+  // Reads the texts of all snippets for the searches that follow, which the first one does otherwise.
+  void prepareSearch() const;
+
   // How many records a fetch with the predicate would return.
   Result<std::size_t> count(Entity entity, const Predicate& predicate) const;
 

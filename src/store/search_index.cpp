@@ -17,7 +17,9 @@ constexpr char kSeparator = '\xFF';
 
 void SearchIndex::build(const std::vector<QLSnippet*>& snippets) {
   isBuilt_ = true;
+  entries_.reserve(snippets.size());
   for (auto* each : snippets) append(*each);
+  block_.shrink_to_fit();
 }
 
 void SearchIndex::append(QLSnippet& snippet) {

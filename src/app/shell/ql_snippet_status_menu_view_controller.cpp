@@ -86,6 +86,8 @@ void QLSnippetStatusMenuViewController::open(MenuPlace place) {
   if (shouldHighLightOrUnhighlight) use_.view.highlightFirstResult();
   use_.focus.take(use_.view.nativeWindow());
   use_.view.makeSearchFieldFirstResponder();
+  // Once the menu is on the screen, before the user types.
+  use_.queue.run(life_.guard([this] { managedObjectContext.prepareSearch(); }));
 }
 
 void QLSnippetStatusMenuViewController::close() {

@@ -91,6 +91,27 @@ TEST_F(SnippetSearchTest, ListsFortySnippetsInTheGivenOrder) {
   }
 }
 
+TEST_F(SnippetSearchTest, FindsWhatHasChangedSinceTheSearchBefore) {
+  const auto kept = snippet(u"needle");
+  const auto renamed = snippet(u"needle");
+  const auto deleted = snippet(u"needle");
+  const SnippetSearch search{u"NEEDLE", SearchScopes::all(), nullptr, {}};
+  EXPECT_EQ(found(search).size(), 3u);
+
+  renamed->setTitle(u"thread");
+  context.deleteObject(*deleted);
+  snippet(u"other")->setAbbreviation(u"needles");
+  EXPECT_EQ(found(search), (Titles{u"needle", u"other"}));
+
+  // So often that the texts of before take most of the space.
+  for (int i = 0; i < 100; ++i) {
+    kept->setPlainText(std::u16string(100, u'x'));
+    EXPECT_EQ(found({u"thread", SearchScopes::all(), nullptr, {}}), Titles{u"thread"});
+    kept->setPlainText(u"needle in hay");
+    EXPECT_EQ(found({u"needle in hay", SearchScopes::all(), nullptr, {}}), Titles{u"needle"});
+  }
+}
+
 TEST_F(SnippetSearchTest, GroupsByTheTitleOfTheFolder) {
   const auto letters = folder(CategoryType::Folder);
   const auto lettersToo = folder(CategoryType::Folder);
