@@ -90,6 +90,10 @@ TEST_F(SettingsWindowTest, FollowsOtherProcessesAndShowsWhatARefusalLeaves) {
   auto* const autoPaste = named<QCheckBox>("Auto-Paste");
   autoPaste->click();
   EXPECT_FALSE(autoPaste->isChecked());
+  std::ofstream(folder.path().toStdString() + "/autostart") << "no folder";
+  auto* const launch = named<QCheckBox>("Launch at login");
+  launch->click();
+  EXPECT_FALSE(launch->isChecked());
   named<QCheckBox>("Space")->click();
   EXPECT_TRUE(named<QCheckBox>("Space")->isChecked()) << "the last delimiter";
 }

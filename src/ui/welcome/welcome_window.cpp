@@ -239,7 +239,7 @@ void WelcomeWindow::go(int step) {
 }
 
 void WelcomeWindow::answerStarterOffer() {
-  if (!starter_->isVisibleTo(this) || !services_.starterIsDue()) return;
+  if (!services_.starterIsDue()) return;
   if (const auto answered = services_.answerStarterOffer(starter_->isChecked()); !answered) {
     logWarning("WARNING: The starter snippets could not be added. " + answered.error().message);
   }
