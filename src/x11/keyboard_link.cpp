@@ -107,12 +107,12 @@ KeyboardLink::Keyboards KeyboardLink::findKeyboards() const {
   if (!reply) return result;
   for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
        xcb_input_xi_device_info_next(&it)) {
+    if (nameOf(*it.data).starts_with(kWaylandDevices)) result.ofWayland = true;
     if (it.data->enabled == 0) continue;
     if (it.data->type == XCB_INPUT_DEVICE_TYPE_FLOATING_SLAVE && hasKeys(*it.data)) ++result.floating;
     if (it.data->type != XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD || it.data->attachment != masterKeyboard_) {
       continue;
     }
-    if (nameOf(*it.data).starts_with(kWaylandDevices)) result.ofWayland = true;
     if (isXtest(it.data->deviceid)) {
       result.xtest = it.data->deviceid;
     } else {
