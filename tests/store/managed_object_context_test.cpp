@@ -1,6 +1,10 @@
 #include "store/managed_object_context.h"
 
+#include "description.h"
+#include "fakes/temporary_directory.h"
 #include "store/record_set.h"
+#include "store/sqlite/sqlite_record_store.h"
+#include "store/sqlite/store_opening.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +12,7 @@
 #include <algorithm>
 #include <random>
 #include <set>
+#include <stdexcept>
 
 namespace quorlo {
 namespace {
@@ -18,23 +23,53 @@ std::vector<std::string_view> names(const std::vector<const Property*>& properti
   return found;
 }
 
-TEST(Context, TellsTheChangesOfATurnTogetherEachRecordInOneList) {
-  TestLibrary library;
-  const auto kept = library.snippet(u"kept");
-  const auto doomed = library.snippet(u"doomed");
-  library.queue.runDue();
+// What a context promises, whether it stores its records or not. After each test in a file, what is read from
+// it is what was in memory.
+enum class Storage { memory, file };
+
+class ContextContract : public testing::TestWithParam<Storage> {
+ protected:
+  std::unique_ptr<TestLibrary> open() const {
+    if (GetParam() == Storage::memory) return std::make_unique<TestLibrary>();
+    auto database = openStore(directory_.path(), {Date{}});
+    if (!database) throw std::runtime_error(database.error().message);
+    auto opened =
+        std::make_unique<TestLibrary>(std::make_unique<SqliteRecordStore>(std::move(database).value()));
+    EXPECT_TRUE(opened->context.load());
+    EXPECT_FALSE(opened->context.hasChanges());
+    return opened;
+  }
+
+  void TearDown() override {
+    if (GetParam() == Storage::memory) return;
+    ASSERT_TRUE(library->context.save());
+    const auto inMemory = Description::of(library->context);
+    library.reset();
+    EXPECT_EQ(Description::of(open()->context), inMemory);
+  }
+
+  TemporaryDirectory directory_{TemporaryDirectory::quickParent()};
+  std::unique_ptr<TestLibrary> library = open();
+};
+INSTANTIATE_TEST_SUITE_P(Context, ContextContract, testing::Values(Storage::memory, Storage::file),
+                         [](const auto& each) { return each.param == Storage::file ? "File" : "Memory"; });
+
+TEST_P(ContextContract, TellsTheChangesOfATurnTogetherEachRecordInOneList) {
+  const auto kept = library->snippet(u"kept");
+  const auto doomed = library->snippet(u"doomed");
+  library->queue.runDue();
 
   std::vector<ChangeSet> heard;
   const auto subscription =
-      library.context.observeObjectsDidChange([&](const ChangeSet& changes) { heard.push_back(changes); });
+      library->context.observeObjectsDidChange([&](const ChangeSet& changes) { heard.push_back(changes); });
   kept->setTitle(u"x");
   kept->setUseCount(1);
   doomed->setTitle(u"y");
-  library.context.deleteObject(*doomed);
-  const auto fresh = library.snippet(u"fresh");
-  library.context.deleteObject(*library.snippet(u"came and went"));
+  library->context.deleteObject(*doomed);
+  const auto fresh = library->snippet(u"fresh");
+  library->context.deleteObject(*library->snippet(u"came and went"));
   EXPECT_TRUE(heard.empty());
-  library.queue.runDue();
+  library->queue.runDue();
   ASSERT_EQ(heard.size(), 1U);
   using Records = std::vector<std::shared_ptr<ManagedObject>>;
   EXPECT_EQ(heard[0].inserted, Records{fresh});
@@ -42,8 +77,8 @@ TEST(Context, TellsTheChangesOfATurnTogetherEachRecordInOneList) {
   EXPECT_EQ(heard[0].deleted, Records{doomed});
 
   fresh->setTitle(u"again");
-  library.context.processPendingChanges();
-  library.queue.runDue();
+  library->context.processPendingChanges();
+  library->queue.runDue();
   ASSERT_EQ(heard.size(), 2U);
   EXPECT_EQ(heard[1].updated, Records{fresh});
 }
@@ -68,12 +103,11 @@ TEST(Context, KnowsWhatASaveHasToStore) {
   EXPECT_TRUE(snippet->changedProperties().empty());
 }
 
-TEST(Context, KeepsBothSidesOfARelationshipInStep) {
-  TestLibrary library;
-  const auto first = library.folder(CategoryType::Folder);
-  const auto second = library.folder(CategoryType::Folder);
-  const auto app = library.app("org.example.Editor");
-  const auto snippet = library.snippet(u"a");
+TEST_P(ContextContract, KeepsBothSidesOfARelationshipInStep) {
+  const auto first = library->folder(CategoryType::Folder);
+  const auto second = library->folder(CategoryType::Folder);
+  const auto app = library->app("org.example.Editor");
+  const auto snippet = library->snippet(u"a");
   snippet->setCategory(first.get());
   snippet->setCategory(second.get());
   EXPECT_TRUE(first->snippets().empty());
@@ -90,28 +124,26 @@ TEST(Context, KeepsBothSidesOfARelationshipInStep) {
   EXPECT_EQ(snippet->category(), second) << "a record of another context was taken";
 }
 
-TEST(Context, NullifiesRelationshipsOnDeletionAndMarksTheOtherSide) {
-  TestLibrary library;
-  const auto folder = library.folder(CategoryType::Folder);
-  const auto app = library.app("org.example.Editor");
-  const auto snippet = library.snippet(u"a");
+TEST_P(ContextContract, NullifiesRelationshipsOnDeletionAndMarksTheOtherSide) {
+  const auto folder = library->folder(CategoryType::Folder);
+  const auto app = library->app("org.example.Editor");
+  const auto snippet = library->snippet(u"a");
   snippet->setCategory(folder.get());
   snippet->addAllowedApp(*app);
   folder->addBlockedApp(*app);
-  ASSERT_TRUE(library.context.save());
+  ASSERT_TRUE(library->context.save());
 
-  library.context.deleteObject(*app);
+  library->context.deleteObject(*app);
   EXPECT_TRUE(snippet->allowedApps().empty());
   EXPECT_TRUE(folder->blockedApps().empty());
   EXPECT_EQ(names(snippet->changedProperties()), std::vector<std::string_view>{"allowedApps"});
 
-  library.context.deleteObject(*folder);
+  library->context.deleteObject(*folder);
   EXPECT_EQ(snippet->category(), nullptr);
   EXPECT_EQ(names(snippet->changedProperties()), (std::vector<std::string_view>{"allowedApps", "category"}));
 }
 
-TEST(Context, LeavesRecordsSafeToHoldAfterDeletionAndAfterItsOwnEnd) {
-  auto library = std::make_unique<TestLibrary>();
+TEST_P(ContextContract, LeavesRecordsSafeToHoldAfterDeletionAndAfterItsOwnEnd) {
   const auto folder = library->folder(CategoryType::Folder);
   const auto deleted = library->snippet(u"deleted", u"del");
   const auto held = library->snippet(u"held", u"hold");
@@ -125,7 +157,7 @@ TEST(Context, LeavesRecordsSafeToHoldAfterDeletionAndAfterItsOwnEnd) {
   EXPECT_EQ(library->context.liveSnippet(u"x").value(), nullptr);
   library->context.deleteObject(*deleted);
 
-  library.reset();
+  library = open();
   EXPECT_EQ(held->category(), nullptr);
   held->setAbbreviation(u"y");
   held->moveToTrash();

@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorlo {
@@ -25,9 +26,14 @@ struct TestLibrary {
   Subscription redirection = redirectLog([this](LogLevel, std::string_view line) { log.emplace_back(line); });
   Status commitResult;
   std::vector<ChangeSet> commits;
-  PersistenceController controller{
-      queue, environment, {.store = std::make_unique<FakeRecordStore>(commits, commitResult)}};
+  PersistenceController controller;
   ManagedObjectContext& context = controller.managedObjectContext();
+
+  // Over a store that only notes what is saved, or the one given.
+  explicit TestLibrary(std::unique_ptr<RecordStore> store = nullptr)
+      : controller(
+            queue, environment,
+            {.store = store ? std::move(store) : std::make_unique<FakeRecordStore>(commits, commitResult)}) {}
 
   std::shared_ptr<QLSnippet> snippet(std::u16string title, std::u16string abbreviation = {}) {
     const auto snippet = context.insert<QLSnippet>();
