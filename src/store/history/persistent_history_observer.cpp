@@ -80,6 +80,11 @@ void PersistentHistoryObserver::didRead(const Result<NewHistory>& read) {
   }
   const auto folders = duplicatesAmong(history.changes.foldersToCheck);
   if (folders.empty()) return didProcess(history);
+  // What is unsaved here in a folder that goes would be left without one.
+  if (const auto saved = its_.viewContext.save(); !saved) {
+    logError("ERROR: #s4vMg; Couldn't save before duplicate folders are merged. " + saved.error().message);
+    return retryLater();
+  }
   perform<Result<bool>>([this, folders] { return deduplicateEach(folders); },
                         [this, history](const auto& merged) { didDeduplicate(history, merged); });
 }

@@ -146,6 +146,7 @@ TEST(PersistentHistoryObserver, MergesTheAllSnippetsFoldersOfTwoDevicesWithAllTh
     return folder;
   };
   const auto young = addFolder(view, 2);
+  World::add(view, u"unsaved")->setCategory(young.get());
   const auto old = addFolder(*world.other, 1);
   world.library.now = Date(std::chrono::days(3));
   EXPECT_TRUE(world.processes());
@@ -155,12 +156,12 @@ TEST(PersistentHistoryObserver, MergesTheAllSnippetsFoldersOfTwoDevicesWithAllTh
   const auto folders = view.fetch<QLCategory>({}).value();
   ASSERT_EQ(folders.size(), 1U);
   EXPECT_EQ(folders[0]->rowNumber(), old->rowNumber());
-  EXPECT_EQ(folders[0]->snippets().size(), 4U);
+  EXPECT_EQ(folders[0]->snippets().size(), 5U);
   EXPECT_EQ(
       std::ranges::count(folders[0]->snippets(), std::optional(world.library.now), &QLSnippet::modifiedDate),
-      2);
+      3);
   EXPECT_FALSE(view.hasChanges());
-  EXPECT_EQ(world.file.integer("SELECT count(*) FROM Snippet WHERE category NOT NULL").value(), 4);
+  EXPECT_EQ(world.file.integer("SELECT count(*) FROM Snippet WHERE category NOT NULL").value(), 5);
 }
 
 TEST(PersistentHistoryObserver, PurgesWhatIsOldAndProcessedByEveryTargetButNeverTheNewest) {
