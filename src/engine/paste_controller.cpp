@@ -69,6 +69,7 @@ void PasteController::begin(Request request) {
   isExpanding_ = true;
   hold_ = use_.typedKeys.begin();
   if (use_.settings.playSound()) use_.sound.play();
+  insertions_.notify();
   savePasteboard();
   auto prepareLater = [this, request = std::move(request)]() mutable { prepare(std::move(request)); };
   use_.queue.runAfter(kStartDelay, life_.guard(std::move(prepareLater)));

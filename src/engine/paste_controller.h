@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/life_token.h"
+#include "base/observers.h"
 #include "base/subscription.h"
 #include "engine/snippet_preparation.h"
 #include "platform/key_codes.h"
@@ -62,6 +63,11 @@ class PasteController {
   // snippet has been inserted, unless the pasteboard is not to be restored.
   void pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet, std::u16string abbreviation,
                     PastingCompletion completion);
+
+  // Called when an insertion begins.
+  Subscription observeInsertions(std::function<void()> callback) {
+    return insertions_.add(std::move(callback));
+  }
 
  private:
   struct Request {
@@ -128,6 +134,7 @@ class PasteController {
   bool isAsking_ = false;    // the preparation waits for the user
   bool isAnswered_ = false;  // the preparation has completed
   std::deque<Request> waiting_;
+  Observers<> insertions_;
   Subscription hold_;
 
   bool restoreIsPending_ = false;

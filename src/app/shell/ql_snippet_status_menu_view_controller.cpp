@@ -46,6 +46,7 @@ QLSnippetStatusMenuViewController::QLSnippetStatusMenuViewController(const Depen
   use_.statusItem.setClickHandler([this] { openAtStatusItem(); });
   settingsObservation_ = use_.settings.observe([this](Setting changed) { settingDidChange(changed); });
   launchAtLoginObservation_ = use_.launchAtLogin.observe([this] { rebuildStatusMenu(); });
+  insertions_ = use_.paste.observeInsertions([this] { blink(); });
   settingDidChange(Setting::snippetsSortOption);
   settingDidChange(Setting::showAppInMenuBar);
 }
@@ -169,7 +170,6 @@ void QLSnippetStatusMenuViewController::pasteIntoTarget(std::shared_ptr<QLSnippe
 }
 
 void QLSnippetStatusMenuViewController::paste(const std::shared_ptr<QLSnippet>& chosen) {
-  blink();
   use_.paste.pasteSnippet(chosen->text(), chosen, {},
                           [&persistence = use_.persistence, chosen](std::size_t inserted) {
                             recordUse(persistence, *chosen, static_cast<std::int64_t>(inserted), 0);

@@ -85,7 +85,7 @@ class QLSnippetStatusMenuViewController {
   void copySelectedSnippetToPasteboard(ObjectID snippet);
   void perform(MenuCommand command);
 
-  // Shows for a moment that something happened.
+  // Shows for a moment that a snippet is inserted or copied.
   void blink();
 
  private:
@@ -118,6 +118,7 @@ class QLSnippetStatusMenuViewController {
   Subscription hold_;
   Subscription settingsObservation_;
   Subscription launchAtLoginObservation_;
+  Subscription insertions_;
   LifeToken life_;
 };
 

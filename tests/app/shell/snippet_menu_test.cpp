@@ -102,7 +102,7 @@ TEST_F(SnippetMenuTest, ChoosesIntoTheTargetOrTheEditor) {
   EXPECT_EQ(hello->useCount(), 2);
 }
 
-TEST_F(SnippetMenuTest, CopiesWithoutPasting) {
+TEST_F(SnippetMenuTest, CopiesWithoutPastingAndBlinks) {
   openByHotKey();
   view.events.copySnippet(hello->objectID());
   EXPECT_EQ(statusItem.image, StatusImage::hollowed);
@@ -111,6 +111,9 @@ TEST_F(SnippetMenuTest, CopiesWithoutPasting) {
   EXPECT_EQ(desktop.pasteboard.text(), "Hello world");
   EXPECT_EQ(desktop.text(), u"");
   EXPECT_EQ(hello->useCount(), 0);
+
+  desktop.type(u"hlo ");
+  EXPECT_EQ(statusItem.image, StatusImage::hollowed);
 }
 
 // The window that the menu was opened from may close while it is open.
