@@ -8,9 +8,11 @@
 #include "ui/symbols.h"
 #include "ui/tray/status_notifier_item.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
+#include <QEvent>
 #include <QMenu>
 #include <QSystemTrayIcon>
 
@@ -32,6 +34,7 @@ constexpr std::string_view kToldOfMissingTray = "HasBeenToldOfMissingTray";
 class QtStatusItem::Icon : public QObject {
  public:
   Icon() {
+    qApp->installEventFilter(this);
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
     auto* const watcher =
@@ -48,9 +51,8 @@ class QtStatusItem::Icon : public QObject {
   bool hasTray() const { return busHasTray_ || QSystemTrayIcon::isSystemTrayAvailable(); }
 
   void setImage(StatusImage image) {
-    image_ = statusImage(image);
-    onBus_.setIcon(image_);
-    if (embedded_) embedded_->setIcon(image_);
+    image_ = image;
+    showImage();
   }
   void setToolTip(const QString& text) {
     toolTip_ = text;
@@ -82,7 +84,20 @@ class QtStatusItem::Icon : public QObject {
     onBus_.setMenu(items);
   }
 
+ protected:
+  // The trays are given pictures, which are drawn in the colour that the palette asks for.
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() == QEvent::ApplicationPaletteChange) showImage();
+    return QObject::eventFilter(object, event);
+  }
+
  private:
+  void showImage() {
+    const auto icon = statusImage(image_);
+    onBus_.setIcon(icon);
+    if (embedded_) embedded_->setIcon(icon);
+  }
+
   void trayOfBusIs(bool there) {
     busHasTray_ = there;
     update();
@@ -100,7 +115,7 @@ class QtStatusItem::Icon : public QObject {
   }
 
   void makeEmbedded() {
-    embedded_.emplace(image_);
+    embedded_.emplace(statusImage(image_));
     embedded_->setToolTip(toolTip_);
     embedded_->setContextMenu(&menu_);
     connect(&*embedded_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
@@ -114,7 +129,7 @@ class QtStatusItem::Icon : public QObject {
 
   bool isVisible_ = false;
   bool busHasTray_ = false;
-  QIcon image_;
+  StatusImage image_ = StatusImage::regular;
   QString toolTip_;
   QMenu menu_;
   std::function<void()> clicked_;
