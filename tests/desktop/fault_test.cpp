@@ -127,15 +127,27 @@ TEST_F(DesktopFaultTest, WithoutAnXServerItSaysSoAndEnds) {
   EXPECT_NE(outcome.message.find(":987"), std::string::npos) << outcome.message;
 }
 
-TEST_F(DesktopFaultTest, AnXServerWithoutXtestIsNamedAndNothingIsWatched) {
+TEST_F(DesktopFaultTest, WithoutXtestItStartsQuietlyAndTellsWhoSwitchesAbbreviationsOnWhatIsMissing) {
   VirtualDesktop poor({"-extension", "XTEST"});
-  const auto log = poor.directory() / "quorlo.log";
-  auto process =
-      poor.start({QUORLO, "--abbreviations", "on", "--library", file("library.json", usualLibrary())}, log);
-  EXPECT_TRUE(waitUntil([&] { return readFile(log).find("XTEST") != std::string::npos; })) << readFile(log);
+  const auto settings = poor.configHome() / "quorlo" / "shared-settings.json";
+  std::filesystem::create_directories(settings.parent_path());
+  writeFile(settings, R"({"AbbreviationsEnabled": true})");
+  const auto process = poor.start({QUORLO, "--library", file("library.json", usualLibrary())});
+  EXPECT_TRUE(waitUntil([&] { return readFile(settings).find("false") != std::string::npos; }));
   Xterm xterm(poor);
   poor.keyboard().type("brb .");
   EXPECT_EQ(xterm.textOnceItIs("brb ."), "brb .");
+
+  writeFile(settings, R"({"AbbreviationsEnabled": true})");
+  const auto isInFront = [&](const std::string& title) {
+    return waitUntil([&] { return poor.windows().titleOf(poor.windows().active()) == title; });
+  };
+  EXPECT_TRUE(isInFront("Quorlo"));
+  poor.keyboard().tap("Return");  // Open System Settings
+  EXPECT_TRUE(isInFront("Watching and Pressing Keys"));
+  poor.keyboard().tap("Escape");
+  EXPECT_TRUE(waitUntil([&] { return poor.windows().active() == xterm.window(); }));
+  EXPECT_NE(readFile(settings).find("false"), std::string::npos);
 }
 
 TEST_F(DesktopFaultTest, WhenTheXServerGoesAwayTheProgramEndsWithAMessage) {

@@ -120,8 +120,11 @@ TEST_F(MonitorTest, BackspaceTakesBackOneCharacter) {
 }
 
 TEST_F(MonitorTest, NothingExpandsInExcludedApplicationsOrOurOwn) {
-  add(u"sig", u"S");
+  const auto snippet = add(u"sig", u"S");
   addApp("org.example.Game", AppType::Excluded);
+  const auto folder = addFolder(ExpansionBehavior::OnlyTheseApplications, *snippet);
+  folder->addAllowedApp(*addApp("org.example.Game", AppType::Allowed));
+  folder->addAllowedApp(*addApp("org.example.Mail", AppType::Allowed));
   addApp("org.example.Mail", AppType::Blocked);  // another kind of rule
   for (const auto& [application, expected] : std::vector<std::pair<std::string, std::u16string>>{
            {"org.example.Game", u"sig "}, {"org.quorlo.Quorlo", u"sig "}, {"org.example.Mail", u"S "}}) {
@@ -129,6 +132,14 @@ TEST_F(MonitorTest, NothingExpandsInExcludedApplicationsOrOurOwn) {
     desktop.typeAndWait(u"sig ");
     EXPECT_EQ(front.text, expected) << application;
   }
+  // What is typed there is as if it had not been: the word begun before goes on.
+  auto& mail = desktop.launch("org.example.Mail");
+  desktop.type(u"si");
+  desktop.launch("org.quorlo.Quorlo");
+  desktop.type(u"x");
+  desktop.activate(&mail);
+  desktop.typeAndWait(u"g ");
+  EXPECT_EQ(mail.text, u"S ");
 }
 
 TEST_F(MonitorTest, TheFolderDecidesWhereItsSnippetsExpand) {
