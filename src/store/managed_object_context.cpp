@@ -64,7 +64,10 @@ Date ManagedObjectContext::now() const {
 }
 
 Status ManagedObjectContext::load() {
-  return configuration_.store ? configuration_.store->load(*this) : Status();
+  if (!configuration_.store) return {};
+  auto status = configuration_.store->load(*this);
+  registerObserver();
+  return status;
 }
 
 void ManagedObjectContext::insert(const std::shared_ptr<ManagedObject>& record) {
@@ -104,7 +107,9 @@ void ManagedObjectContext::deleteObject(ManagedObject& record) {
   auto& rows = byRow_[static_cast<std::size_t>(record.entity())];
   if (origin_ == Origin::user) {
     unsaved_.noteDeletion(held);
-    if (record.rowNumber_ != 0) rows[record.rowNumber_] = nullptr;
+  }
+  if (unsaved_.holds(record)) {
+    rows[record.rowNumber_] = nullptr;
   } else {
     rows.erase(record.rowNumber_);
   }

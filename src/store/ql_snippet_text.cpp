@@ -47,12 +47,16 @@ void QLSnippet::loadRichText() const {
   }
 }
 
-// Everything made from it but pictures in use can be made again.
+// Everything made from it can be made again, but for pictures that somebody else holds.
 void QLSnippet::releaseRichText() {
   if (richTextPlace_ != RichTextPlace::both && richTextPlace_ != RichTextPlace::unreadable) return;
   richTextPlace_ = RichTextPlace::store;
   richText_.reset();
   cache_.reset();
+  if (std::ranges::all_of(images_, [](const auto& each) { return each.use_count() == 1; })) {
+    images_.clear();
+    imagesAreBuilt_ = false;
+  }
 }
 
 void QLSnippet::setText(AttributedString text) {
