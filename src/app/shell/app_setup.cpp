@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -21,6 +22,17 @@ constexpr const char* kSnippetListSearchText = "SnippetListSearchText";
 constexpr const char* kTitlesAreMarked = "HasMigratedTo308";
 constexpr const char* kEmptyAbbreviationsAreFixed = "HasMigratedToVersion23";
 constexpr const char* kFoldersAreMigrated = "HasMigratedToVersion300g";
+
+// In one pass, since all snippets may be selected.
+std::vector<std::shared_ptr<QLSnippet>> snippetsOf(const ManagedObjectContext& context,
+                                                   const std::vector<std::string>& uuids) {
+  if (uuids.empty()) return {};
+  const std::unordered_set<std::string> wanted(uuids.begin(), uuids.end());
+  auto snippets = context.fetch<QLSnippet>({});
+  if (!snippets) return {};
+  std::erase_if(snippets.value(), [&](const auto& each) { return !wanted.contains(each->uuid()); });
+  return std::move(snippets).value();
+}
 
 }  // namespace
 
@@ -62,11 +74,8 @@ void AppSetup::restoreSelection() {
   if (const auto uuid = use_.settings.selectedCategoryUUID()) {
     use_.navigation.setSelectedCategory(use_.persistence.folder(*uuid));
   }
-  std::vector<std::shared_ptr<QLSnippet>> snippets;
-  for (const auto& uuid : use_.settings.selectedSnippetUUIDs()) {
-    if (auto snippet = use_.persistence.snippet(uuid)) snippets.push_back(std::move(snippet));
-  }
-  use_.navigation.setSelectedSnippets(std::move(snippets));
+  const auto uuids = use_.settings.selectedSnippetUUIDs();
+  use_.navigation.setSelectedSnippets(snippetsOf(use_.persistence.managedObjectContext(), uuids));
 }
 
 void AppSetup::recordSelection() {

@@ -12,4 +12,8 @@ QuorloApp::QuorloApp(std::string_view shortVersion) {
   versionText_ = u"Version " + version;
 }
 
+std::u16string QuorloApp::toolTip() const {
+  return badge_.empty() ? u"Quorlo" : u"Quorlo " + badge_ + u" (" + versionText_ + u")";
+}
+
 }  // namespace quorlo

@@ -2,6 +2,7 @@
 
 #include "app/shell/app_setup.h"
 #include "app/shell/debug_mode.h"
+#include "app/shell/quorlo_app.h"
 #include "app/shell/shell_world.h"
 #include "base/log.h"
 #include "fakes/fake_hot_key_center.h"
@@ -246,6 +247,11 @@ TEST_F(AppDelegateTest, FollowsTheHotKeysOfFoldersAndMenu) {
     defaults.changeFromElsewhere(DefaultsDomain::standard, "SnippetMenuViewShortcut", std::string(damaged));
     EXPECT_EQ(delegate.menuShortcut(), std::nullopt);
   }
+}
+
+TEST(QuorloAppTest, SaysOfABetaWhatItIs) {
+  EXPECT_EQ(QuorloApp("1.2").toolTip(), u"Quorlo");
+  EXPECT_EQ(QuorloApp("1.2 Beta 3").toolTip(), u"Quorlo BETA (Version 1.2 Beta 3)");
 }
 
 }  // namespace
