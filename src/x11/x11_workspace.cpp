@@ -67,9 +67,9 @@ ActiveWindow X11Workspace::activeWindow() const {
 }
 
 std::vector<InstalledApplication> X11Workspace::installedApplications() const {
+  DesktopFiles files(options_.applicationDirectories);  // not desktopFiles_, which is the thread's
   std::vector<InstalledApplication> installed;
-  // Not desktopFiles_, which is the thread's.
-  for (auto& file : DesktopFiles(options_.applicationDirectories).all()) {
+  for (const auto& file : files.all()) {
     if (file.isApplication) installed.push_back({file.identifier, file.name, file.icon});
   }
   return installed;

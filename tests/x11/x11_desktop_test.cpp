@@ -79,6 +79,9 @@ TEST(X11DesktopTest, TheActiveApplicationIsKnownAsSoonAsTheWindowManagerKnowsIt)
   options.display = desktop.display();
   auto workspace = std::move(X11Workspace::connect(options)).value();
   EXPECT_EQ(frontmost(*workspace), "none");
+  std::vector<std::string> installed;
+  for (const auto& each : workspace->installedApplications()) installed.push_back(each.bundleIdentifier);
+  EXPECT_THAT(installed, testing::IsSupersetOf({"debian-xterm", "org.xfce.mousepad"}));
 
   Xterm terminal(desktop);
   Mousepad editor(desktop);
