@@ -7,9 +7,9 @@
 
 namespace quorlo {
 
-// A small line drawing, for example symbol(u"folder"): resources/icons/symbols has the names, and those of the
-// status images can be had in this way too. Drawn in the colours of the palette that holds while it is painted,
-// sharp at any size; an unknown name gives an empty icon and is logged. GUI thread.
+// A small line drawing, for example symbol(u"folder"): resources/icons/symbols has the names, and those of
+// the status images can be had in this way too. Drawn in the colours of the palette that holds while it is
+// painted, sharp at any size; an unknown name gives an empty icon and is logged. GUI thread.
 QIcon symbol(QStringView name);
 
 QIcon programIcon();

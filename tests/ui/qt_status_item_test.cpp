@@ -15,7 +15,8 @@ TEST(QtStatusItemTest, SaysOnceEverThatThereIsNoTray) {
   for (int start = 0; start < 2; ++start) {
     QtStatusItem item({queue, notifications, defaults});
     item.setVisible(true);
-    EXPECT_EQ(notifications.posted.size(), static_cast<std::size_t>(start)) << "a panel may still be starting";
+    EXPECT_EQ(notifications.posted.size(), static_cast<std::size_t>(start))
+        << "a panel may still be starting";
     queue.settle();
     EXPECT_EQ(notifications.posted.size(), 1U);
   }
