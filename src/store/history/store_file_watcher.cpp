@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace quorlo {
@@ -45,15 +46,19 @@ StoreFileWatcher::Descriptor::~Descriptor() {
 
 Result<std::unique_ptr<StoreFileWatcher>> StoreFileWatcher::watch(const std::filesystem::path& storeFile,
                                                                   std::function<void()> changed) {
+  // SQLite puts the log beside the file that a symbolic link leads to.
+  std::error_code failure;
+  const auto file = std::filesystem::weakly_canonical(storeFile, failure);
+  if (failure) return watchError(storeFile, failure.value());
   Descriptor notifications(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
   if (notifications.number < 0) return watchError(storeFile, errno);
-  if (inotify_add_watch(notifications.number, storeFile.parent_path().c_str(), kEvents) < 0) {
+  if (inotify_add_watch(notifications.number, file.parent_path().c_str(), kEvents) < 0) {
     return watchError(storeFile, errno);
   }
   Descriptor end(eventfd(0, EFD_CLOEXEC));
   if (end.number < 0) return watchError(storeFile, errno);
   return std::unique_ptr<StoreFileWatcher>(
-      new StoreFileWatcher(storeFile, std::move(changed), std::move(notifications), std::move(end)));
+      new StoreFileWatcher(file, std::move(changed), std::move(notifications), std::move(end)));
 }
 
 StoreFileWatcher::StoreFileWatcher(const std::filesystem::path& storeFile, std::function<void()> changed,
