@@ -61,6 +61,10 @@ class HotKeysPage : public SettingsPage {
   void showFolders() {
     const auto folders = userFolders();
     if (!showsSame(folders)) build(folders);
+    foldersHint_->setText(
+        folders.empty() ? localizedText(u"There is no folder yet. Folders are made in the snippet editor.")
+                        : localizedText(u"The hot key of a folder opens the menu with the snippets of that "
+                                        u"folder alone."));
     for (std::size_t i = 0; i < folders.size(); ++i) fields_[i]->setShortcut(folders[i]->shortcutValue());
   }
 
@@ -90,10 +94,6 @@ class HotKeysPage : public SettingsPage {
       fields_.push_back(field);
     }
     folders_->layout()->addWidget(rows_);
-    foldersHint_->setText(
-        folders.empty() ? localizedText(u"There is no folder yet. Folders are made in the snippet editor.")
-                        : localizedText(u"The hot key of a folder opens the menu with the snippets of that "
-                                        u"folder alone."));
   }
 
   static QWidget* makeFrame() {
