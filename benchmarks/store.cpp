@@ -108,7 +108,7 @@ void measureLookups(Figures& figures, const std::filesystem::path& directory, in
 
 // As much as the write-ahead log gets in a small save, then the wait.
 double syncMilliseconds(int file) {
-  const std::string pages(5 * 4096, 'x');
+  const std::string pages(5UL * 4096, 'x');
   const auto begin = Clock::now();
   if (::write(file, pages.data(), pages.size()) < 0 || ::fdatasync(file) != 0)
     giveUp({"No file can be written."});

@@ -81,7 +81,7 @@ TEST(StoreFaults, AStoreCutOrBlankedAnywhereIsReadWholeOrReportedAsDamaged) {
   ASSERT_GT(bytes.size(), 20U * 4096);
   std::vector<std::string> damaged;
   for (std::size_t page = 0; page < bytes.size(); page += 4096) {
-    for (const std::size_t beyond : {0, 2048}) damaged.push_back(bytes.substr(0, page + beyond));
+    for (const std::size_t beyond : {0U, 2048U}) damaged.push_back(bytes.substr(0, page + beyond));
     damaged.push_back(bytes);
     damaged.back().replace(page, 4096, 4096, '\0');
   }

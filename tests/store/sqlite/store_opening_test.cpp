@@ -16,7 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 unsigned rights(const fs::path& file) {
   return static_cast<unsigned>(fs::status(file).permissions());
