@@ -4,53 +4,39 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace quorlo {
 namespace {
 
-std::shared_ptr<QLCategory> folderOfDay(TestLibrary& library, int day, CategoryType type, std::string uuid,
-                                        SourceType source = SourceType::Folders) {
-  const auto folder = library.folder(type, source);
-  folder->setUuid(std::move(uuid));
-  folder->setCreationDate(Date(std::chrono::days(day)));
-  return folder;
-}
-
 TEST(DuplicateFolders, AreBuiltInOnesOfOneSectionAndTheUsersOwnOfOneUuid) {
   TestLibrary library;
-  const auto young = folderOfDay(library, 2, CategoryType::AllSnippets, "x");
-  const auto old = folderOfDay(library, 1, CategoryType::AllSnippets, "y");
-  folderOfDay(library, 1, CategoryType::AllSnippets, "x", SourceType::Public);
-  folderOfDay(library, 1, CategoryType::Trash, "x");
-  const auto mine = folderOfDay(library, 5, CategoryType::Folder, "x");
-  const auto mineElsewhere = folderOfDay(library, 6, CategoryType::Folder, "x");
-  folderOfDay(library, 5, CategoryType::Folder, "z");
-  folderOfDay(library, 5, CategoryType::SharedFolder, "x");
-  mine->setTitle(u"Work");
-  mineElsewhere->setTitle(u"Office");
+  const auto add = [&library](const char* uuid, int day, CategoryType type,
+                              SourceType source = SourceType::Folders) {
+    const auto folder = library.folder(type, source);
+    folder->setUuid(uuid);
+    folder->setCreationDate(Date(std::chrono::days(day)));
+  };
+  add("young", 2, CategoryType::AllSnippets);
+  add("old", 1, CategoryType::AllSnippets);
+  add("elsewhere", 1, CategoryType::AllSnippets, SourceType::Public);
+  add("b", 1, CategoryType::Trash);  // of one moment: told apart alike on every device
+  add("a", 1, CategoryType::Trash);
+  add("mine", 5, CategoryType::Folder);
+  add("mine", 6, CategoryType::Folder, SourceType::General);
+  add("another", 5, CategoryType::Folder);
+  add("mine", 5, CategoryType::SharedFolder);
 
-  auto fetched = library.context.fetch<QLCategory>({}).value();
+  auto folders = library.context.fetch<QLCategory>({}).value();
   for (int order = 0; order < 2; ++order) {
-    const auto found = duplicateFolders(fetched);
-    ASSERT_EQ(found.size(), 2U);
-    EXPECT_EQ(found[0].survivor, old);
-    EXPECT_EQ(found[0].duplicates, std::vector{young});
-    EXPECT_EQ(found[1].survivor, mine);
-    EXPECT_EQ(found[1].duplicates, std::vector{mineElsewhere});
-    std::ranges::reverse(fetched);
-  }
-}
-
-TEST(DuplicateFolders, OfOneMomentAreToldApartAlikeOnEveryDevice) {
-  TestLibrary here;
-  TestLibrary there;
-  folderOfDay(here, 1, CategoryType::Trash, "a");
-  folderOfDay(here, 1, CategoryType::Trash, "b");
-  folderOfDay(there, 1, CategoryType::Trash, "b");
-  folderOfDay(there, 1, CategoryType::Trash, "a");
-  for (auto* each : {&here, &there}) {
-    const auto found = duplicateFolders(each->context.fetch<QLCategory>({}).value());
-    ASSERT_EQ(found.size(), 1U);
-    EXPECT_EQ(found[0].survivor->uuid(), "a");
+    std::set<std::string> found;
+    for (const auto& [survivor, duplicates] : duplicateFolders(folders)) {
+      ASSERT_EQ(duplicates.size(), 1U);
+      EXPECT_LE(survivor->creationDate(), duplicates[0]->creationDate());
+      found.insert(survivor->uuid() + " < " + duplicates[0]->uuid());
+    }
+    EXPECT_EQ(found, (std::set<std::string>{"old < young", "a < b", "mine < mine"}));
+    std::ranges::reverse(folders);
   }
 }
 
