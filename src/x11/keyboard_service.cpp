@@ -36,6 +36,7 @@ Status KeyboardService::openSession() {
   if (!session) return session.error();
   session_ = std::move(session).value();
   session_->setHotKeys(hotKeys_);
+  session_->setScreenIsLocked(screenIsLocked_);
   map_.reset();
   return {};
 }
@@ -82,6 +83,11 @@ void KeyboardService::report(const KeyDownEvent& event) {
 void KeyboardService::setHotKeys(std::set<Shortcut> hotKeys) {
   hotKeys_ = std::move(hotKeys);
   if (session_) session_->setHotKeys(hotKeys_);
+}
+
+void KeyboardService::setScreenIsLocked(bool isLocked) {
+  screenIsLocked_ = isLocked;
+  if (session_) session_->setScreenIsLocked(isLocked);
 }
 
 void KeyboardService::beginHold() {

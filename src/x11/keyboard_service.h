@@ -33,6 +33,8 @@ class KeyboardService {
   void report(const KeyDownEvent& event);
   // Combinations that are no typing: the tap passes them on without asking.
   void setHotKeys(std::set<Shortcut> hotKeys);
+  // While the screen is locked the tap passes every key on without asking: it is part of a password.
+  void setScreenIsLocked(bool isLocked);
 
   void beginHold();
   void endHold();
@@ -58,6 +60,7 @@ class KeyboardService {
   std::shared_ptr<TapConversation> conversation_;  // while a port lives
   bool keyboardsAreTaken_ = false;                 // the last tap could not be made
   std::set<Shortcut> hotKeys_;
+  bool screenIsLocked_ = false;
   mutable std::optional<KeyMap> map_;
   mutable std::uint64_t mapGeneration_ = 0;
   std::shared_ptr<char> alive_ = std::make_shared<char>();

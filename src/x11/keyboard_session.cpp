@@ -99,19 +99,19 @@ bool KeyboardSession::takeKeyboards() {
 }
 
 TapVerdict KeyboardSession::keyPressed(const KeyDownEvent& event) {
-  if (!conversation_ || isHotKey(event)) return TapVerdict::pass;
+  if (!conversation_ || isPassedUnseen(event)) return TapVerdict::pass;
   return conversation_->ask(event);
 }
 
 void KeyboardSession::keyRepeated(const KeyDownEvent& event) {
-  if (!conversation_ || isHotKey(event)) return;
+  if (!conversation_ || isPassedUnseen(event)) return;
   auto notice = event;
   notice.origin = KeyDownEvent::Origin::posted;
   conversation_->tell(notice);
 }
 
-bool KeyboardSession::isHotKey(const KeyDownEvent& event) const {
-  return hotKeys_.contains(normalized({event.keyCode, event.flags}));
+bool KeyboardSession::isPassedUnseen(const KeyDownEvent& event) const {
+  return screenIsLocked_ || hotKeys_.contains(normalized({event.keyCode, event.flags}));
 }
 
 void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {

@@ -44,6 +44,8 @@ class KeyboardSession : KeyStream::Judge {
 
   // Combinations to pass on without asking.
   void setHotKeys(std::set<Shortcut> hotKeys);
+  // Passes all keys on without asking.
+  void setScreenIsLocked(bool isLocked) { screenIsLocked_ = isLocked; }
 
   void beginHold();
   void endHold();
@@ -72,7 +74,8 @@ class KeyboardSession : KeyStream::Judge {
   void keyRepeated(const KeyDownEvent& event) override;
   void handleEvent(const xcb_generic_event_t& event);
   void handleMapChange(bool onlyKeysyms);
-  bool isHotKey(const KeyDownEvent& event) const;
+  // Whether it is nobody's typing.
+  bool isPassedUnseen(const KeyDownEvent& event) const;
   bool takeKeyboards();
   void watchHold();
   // Another thread has waited for a reply, which may have brought events along.
@@ -92,6 +95,7 @@ class KeyboardSession : KeyStream::Judge {
   bool tapping_ = false;                           // main thread
   bool grabbing_ = false;                          // on the thread
   bool watchingHold_ = false;                      // on the thread
+  std::atomic<bool> screenIsLocked_ = false;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
   std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};
   XEventLoop loop_;  // the last: its thread uses all of the others

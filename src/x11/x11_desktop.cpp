@@ -168,6 +168,9 @@ KeyboardLayout& X11Desktop::keyboardLayout() {
 HotKeyCenter& X11Desktop::hotKeyCenter() {
   return *parts_->hotKeys;
 }
+void X11Desktop::setScreenIsLocked(bool isLocked) {
+  parts_->keyboard->setScreenIsLocked(isLocked);
+}
 AccessibilityTrust& X11Desktop::accessibilityTrust() {
   return *parts_->trust;
 }

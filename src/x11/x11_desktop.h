@@ -48,6 +48,8 @@ class X11Desktop {
   MouseMonitor& mouseMonitor();
   KeyboardLayout& keyboardLayout();
   HotKeyCenter& hotKeyCenter();
+  // From now on the event tap sees no key, or sees them again.
+  void setScreenIsLocked(bool isLocked);
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
   // The workspace calls `open` for the address, one of the home platform that means nothing to this desktop.

@@ -8,6 +8,7 @@
 #include "ui/pulse_audio_player.h"
 #include "ui/qt_alerts.h"
 #include "ui/qt_own_application.h"
+#include "ui/screen_lock.h"
 #include "ui/system_environment.h"
 
 #include <gmock/gmock.h>
@@ -115,13 +116,49 @@ TEST(QtOwnApplication, ShowsAgainTheWindowsThatItHid) {
   EXPECT_FALSE(closed.isVisible());
 }
 
-TEST(DBusUserNotifications, ShowAfterTheirDelayAndReportTheirOwnActions) {
-  QProcess daemon;
-  daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-  ASSERT_TRUE(daemon.waitForReadyRead());
-  const auto address = QString::fromUtf8(daemon.readAllStandardOutput()).trimmed();
-  qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
-  auto bus = QDBusConnection::connectToBus(address, "server");
+// A session bus, and a connection of somebody else to it. The process keeps the first one it has met.
+struct SessionBusTest : testing::Test {
+  static void SetUpTestSuite() {
+    daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    daemon.waitForReadyRead();
+    const auto address = daemon.readAllStandardOutput().trimmed();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+  }
+  static void TearDownTestSuite() {
+    daemon.terminate();
+    daemon.waitForFinished();
+  }
+  static QDBusConnection connectAs(const QString& name) {
+    return QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), name);
+  }
+  static QProcess daemon;
+};
+QProcess SessionBusTest::daemon;
+
+TEST_F(SessionBusTest, TheScreenIsLockedWhileALockerThatIsThereSaysSo) {
+  std::vector<bool> changes;
+  ScreenLock lock([&](bool isLocked) { changes.push_back(isLocked); });
+  {
+    auto saver = connectAs("saver");
+    const auto say = [&](bool isActive) {
+      saver.send(QDBusMessage::createSignal("/ScreenSaver", "org.freedesktop.ScreenSaver", "ActiveChanged")
+                 << isActive);
+    };
+    ASSERT_TRUE(runEventLoopUntil([&] {
+      say(true);  // until the bus knows who listens
+      return !changes.empty();
+    }));
+    for (const bool isActive : {false, true}) say(isActive);
+    ASSERT_TRUE(runEventLoopUntil([&] { return changes.size() == 3; }));
+  }
+  QDBusConnection::disconnectFromBus("saver");
+  ASSERT_TRUE(runEventLoopUntil([&] { return changes.size() == 4; })) << "it crashed";
+  EXPECT_THAT(changes, ElementsAre(true, false, true, false));
+}
+
+TEST_F(SessionBusTest, NotificationsShowAfterTheirDelayAndReportTheirOwnActions) {
+  auto bus = connectAs("server");
   FakeNotificationServer server;
   ASSERT_TRUE(bus.registerObject("/org/freedesktop/Notifications", &server,
                                  QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));

@@ -51,6 +51,10 @@ TEST_F(EventTapTest, KeysPassWithNothingLost) {
   keys().type("Hello");
   EXPECT_EQ(typedOnceItIs("<Shift_L>Hello"), "<Shift_L>Hello");
   EXPECT_EQ(keyboard.seenText, "Hello");
+  keyboard.service->setScreenIsLocked(true);
+  keys().type("secret");
+  EXPECT_EQ(typedOnceItIs("<Shift_L>Hellosecret"), "<Shift_L>Hellosecret");
+  EXPECT_EQ(keyboard.seenText, "Hello") << "a password is nobody's typing";
 }
 
 TEST_F(EventTapTest, ASwallowedKeyNeverArrivesNorRepeats) {

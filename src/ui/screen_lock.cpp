@@ -1,0 +1,85 @@
+#include "ui/screen_lock.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+const auto kLogin = QStringLiteral("org.freedesktop.login1");
+const auto kSession = QStringLiteral("org.freedesktop.login1.Session");
+constexpr auto kScreenSavers = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
+                                "org.cinnamon.ScreenSaver", "org.mate.ScreenSaver", "org.xfce.ScreenSaver"};
+
+QDBusMessage sessionCall() {
+  const auto manager = [](const char* method) {
+    return QDBusMessage::createMethodCall(kLogin, QStringLiteral("/org/freedesktop/login1"),
+                                          QStringLiteral("org.freedesktop.login1.Manager"),
+                                          QString::fromLatin1(method));
+  };
+  if (const auto id = qEnvironmentVariable("XDG_SESSION_ID"); !id.isEmpty()) {
+    return manager("GetSession") << id;
+  }
+  return manager("GetSessionByPID") << static_cast<uint>(QCoreApplication::applicationPid());
+}
+
+}  // namespace
+
+ScreenLock::ScreenLock(std::function<void(bool)> changed) : changed_(std::move(changed)) {
+  auto bus = QDBusConnection::sessionBus();
+  ends_.setConnection(bus);
+  ends_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+  connect(&ends_, &QDBusServiceWatcher::serviceUnregistered, this,
+          [this](const QString& locker) { note(locker, false); });
+  for (const auto* const interface : kScreenSavers) {
+    bus.connect({}, {}, QString::fromLatin1(interface), QStringLiteral("ActiveChanged"), this,
+                SLOT(activeChanged(bool, QDBusMessage)));
+  }
+  followSession();
+}
+
+void ScreenLock::followSession() {
+  auto bus = QDBusConnection::systemBus();
+  if (!bus.isConnected()) return;
+  auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(sessionCall()), this);
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, bus, answer]() mutable {
+    const QDBusPendingReply<QDBusObjectPath> session = *answer;
+    if (session.isValid()) {
+      bus.connect(kLogin, session.value().path(), QStringLiteral("org.freedesktop.DBus.Properties"),
+                  QStringLiteral("PropertiesChanged"), this, SLOT(sessionChanged(QString, QVariantMap)));
+    }
+    answer->deleteLater();
+  });
+}
+
+void ScreenLock::sessionChanged(const QString& interface, const QVariantMap& changed) {
+  const auto hint = changed.find(QStringLiteral("LockedHint"));
+  if (interface == kSession && hint != changed.end()) note(kLogin, hint->toBool());
+}
+
+void ScreenLock::activeChanged(bool isActive, const QDBusMessage& message) {
+  if (isActive) {
+    ends_.addWatchedService(message.service());
+  } else {
+    ends_.removeWatchedService(message.service());
+  }
+  note(message.service(), isActive);
+}
+
+void ScreenLock::note(const QString& locker, bool isLocked) {
+  const bool wasLocked = !lockers_.empty();
+  if (isLocked) {
+    lockers_.insert(locker);
+  } else {
+    lockers_.erase(locker);
+  }
+  if (wasLocked != !lockers_.empty()) changed_(!wasLocked);
+}
+
+}  // namespace quorlo
