@@ -143,6 +143,7 @@ void PasteController::callOff() {
   } else {
     pasteboardItems.clear();
   }
+  showOwnWindowsLater();
   endExpansion();
 }
 
@@ -343,16 +344,19 @@ void PasteController::restorePasteboardItems() {
   pasteboardItemsForClipboardMacro.clear();
 }
 
+void PasteController::showOwnWindowsLater() {
+  if (!std::exchange(hadRegularActivationPolicy, false)) return;
+  unhideIsPending_ = true;
+  use_.queue.runAfter(kUnhideDelay, life_.guard([this, generation = ++unhideGeneration_] {
+    if (generation != unhideGeneration_) return;
+    unhideIsPending_ = false;
+    use_.application.unhide();
+    use_.application.setActivationPolicy(ActivationPolicy::regular);
+  }));
+}
+
 void PasteController::finishPasting() {
-  if (std::exchange(hadRegularActivationPolicy, false)) {
-    unhideIsPending_ = true;
-    use_.queue.runAfter(kUnhideDelay, life_.guard([this, generation = ++unhideGeneration_] {
-      if (generation != unhideGeneration_) return;
-      unhideIsPending_ = false;
-      use_.application.unhide();
-      use_.application.setActivationPolicy(ActivationPolicy::regular);
-    }));
-  }
+  showOwnWindowsLater();
   if (auto completion = std::exchange(pastingCompletionHandler, nullptr)) {
     completion(graphemeCount(snippetText.string()));
   }

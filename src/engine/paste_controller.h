@@ -64,6 +64,10 @@ class PasteController {
   void pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet, std::u16string abbreviation,
                     PastingCompletion completion);
 
+  // Hides the program's windows, if any, until the next insertion has ended: for whoever knows earlier than
+  // the insertion itself that they stand in its way.
+  void hideOwnWindows();
+
   // Called when an insertion begins.
   Subscription observeInsertions(std::function<void()> callback) {
     return insertions_.add(std::move(callback));
@@ -85,7 +89,7 @@ class PasteController {
   void leaveThePasteboardToTheUser();
   void whenPasteboardIsSaved(std::function<void()> next);
   void fillIn(PreparedSnippet prepared);
-  void hideOwnWindows();
+  void showOwnWindowsLater();
   void putNextPiece();
   void countKeysToCursor(const AttributedString& piece);
   void deleteAbbreviationAndPaste();

@@ -10,14 +10,15 @@
 namespace quorlo {
 namespace {
 
-// Windows in the user's sense: neither menus nor tool tips. An alert that waits for its answer counts as
-// none, for hiding it would answer it.
+// Windows in the user's sense: neither menus nor tool tips nor the icon in the tray. An alert that waits for
+// its answer counts as none, for hiding it would answer it.
 std::vector<QWidget*> visibleWindows() {
   std::vector<QWidget*> windows;
   for (auto* const widget : QApplication::topLevelWidgets()) {
     const auto type = widget->windowType();
     const auto isWindow = type == Qt::Window || (type == Qt::Dialog && !widget->isModal());
-    if (isWindow && widget->isVisible()) windows.push_back(widget);
+    const auto isManaged = !widget->windowFlags().testFlag(Qt::BypassWindowManagerHint);
+    if (isWindow && isManaged && widget->isVisible()) windows.push_back(widget);
   }
   return windows;
 }

@@ -151,7 +151,7 @@ void QLSnippetStatusMenuViewController::choose(ObjectID id, ModifierFlags flags)
     use_.navigation.showInSnippetEditor(chosen);
     return;
   }
-  use_.application.hide();
+  use_.paste.hideOwnWindows();
   use_.application.setActivationPolicy(ActivationPolicy::accessory);
   closeView();
   pasteIntoTarget(chosen);
@@ -166,6 +166,7 @@ void QLSnippetStatusMenuViewController::pasteIntoTarget(std::shared_ptr<QLSnippe
     logWarning(
         "WARNING: #mN4gone - The window that the snippet was meant for is gone; it is on the clipboard.");
     copy(*chosen);
+    use_.application.unhide();
   }));
 }
 

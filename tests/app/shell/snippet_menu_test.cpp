@@ -91,10 +91,11 @@ TEST_F(SnippetMenuTest, ChoosesIntoTheTargetOrTheEditor) {
     openByHotKey();
     view.pressReturn(each.flags);
     EXPECT_FALSE(view.isOpen);
-    desktop.queue.settle();
-    EXPECT_EQ(desktop.text(), each.isPasted ? u"Hello world" : u"");
     EXPECT_EQ(ownApplication.hasVisibleWindows(), !each.isPasted);
     EXPECT_EQ(ownApplication.activationPolicy() == ActivationPolicy::accessory, each.isPasted);
+    desktop.queue.settle();
+    EXPECT_EQ(desktop.text(), each.isPasted ? u"Hello world" : u"");
+    EXPECT_TRUE(ownApplication.hasVisibleWindows());
     EXPECT_EQ(windows.isWindowVisible(kSnippetEditorWindow), !each.isPasted);
     EXPECT_EQ(navigation.selectedSnippets().size(), each.isPasted ? 0u : 1u);
     EXPECT_FALSE(desktop.holdsKeys());
@@ -120,8 +121,10 @@ TEST_F(SnippetMenuTest, CopiesWithoutPastingAndBlinks) {
 TEST_F(SnippetMenuTest, LeavesTheSnippetOnThePasteboardWhereTheTargetIsGone) {
   openByHotKey();
   focus.targetIsThere = false;
+  ownApplication.openWindow();
   view.pressReturn();
   desktop.queue.settle();
+  EXPECT_TRUE(ownApplication.hasVisibleWindows());
   EXPECT_EQ(desktop.text(), u"");
   EXPECT_EQ(desktop.pasteboard.text(), "Hello world");
   EXPECT_FALSE(desktop.holdsKeys());
