@@ -96,7 +96,7 @@ AboutWindow::AboutWindow(Workspace& workspace, std::string_view version) {
   libraries->setOpenLinks(false);
   libraries->setHtml(librariesPage());
   libraries->setAccessibleName(librariesLabel->text());
-  libraries->setMinimumSize(22 * line, 11 * line);
+  libraries->setMinimumSize(22 * line, 14 * line);
   connect(libraries, &QTextBrowser::anchorClicked, this,
           [&workspace](const QUrl& address) { workspace.openURL(address.toEncoded().toStdString()); });
   connect(licence, &QLabel::linkActivated, this,

@@ -6,6 +6,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QUrl>
 
@@ -24,6 +25,12 @@ class AdvancedPage : public SettingsPage {
         u"Debug mode", &SettingsController::debugModeEnabled, &SettingsController::setDebugModeEnabled,
         u"Quorlo writes a detailed log, which may name titles and abbreviations of snippets but holds no "
         u"other text. Debug mode ends by itself after 24 hours.");
+    // Where the desktop opens no log, the user still knows where it is.
+    auto* const path = new QLineEdit(QString::fromStdString(logFile().string()));
+    path->setReadOnly(true);
+    path->setCursorPosition(0);
+    path->setMinimumWidth(20 * fontMetrics().lineSpacing());
+    addField(u"Log file:", path);
     auto* const buttons = new QWidget;
     auto* const row = new QHBoxLayout(buttons);
     row->setContentsMargins(0, 0, 0, 0);
@@ -35,12 +42,13 @@ class AdvancedPage : public SettingsPage {
     addWidget(buttons);
     notice_ = addHint(u"There is no log yet. It is written while debug mode is on.");
     notice_->hide();
-    connect(log, &QPushButton::clicked, this,
-            [this] { open(services_.environment.dataDirectory() / "Quorlo.log"); });
+    connect(log, &QPushButton::clicked, this, [this] { open(logFile()); });
     connect(folder, &QPushButton::clicked, this, [this] { open(services_.environment.dataDirectory()); });
   }
 
  private:
+  std::filesystem::path logFile() const { return services_.environment.dataDirectory() / "Quorlo.log"; }
+
   void open(const std::filesystem::path& path) {
     std::error_code failure;
     const bool exists = std::filesystem::exists(path, failure);

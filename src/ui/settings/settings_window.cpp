@@ -15,6 +15,7 @@
 #include <QStackedWidget>
 
 #include <algorithm>
+#include <utility>
 
 namespace quorlo {
 
@@ -46,6 +47,12 @@ SettingsWindow::SettingsWindow(const SettingsServices& services)
 
   for (const auto& sequence : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)}) {
     connect(new QShortcut(sequence, this), &QShortcut::activated, this, &QWidget::close);
+  }
+  for (const auto& [key, step] : {std::pair(Qt::Key_PageDown, 1), std::pair(Qt::Key_PageUp, -1)}) {
+    connect(new QShortcut(QKeySequence(Qt::ControlModifier | key), this), &QShortcut::activated, this,
+            [this, by = step] {
+              titles_->setCurrentRow(std::clamp(titles_->currentRow() + by, 0, titles_->count() - 1));
+            });
   }
   // As large as the largest page, where the screen has room.
   const QSize frame(titles_->width() + 3 * row->contentsMargins().left(), 2 * row->contentsMargins().top());
