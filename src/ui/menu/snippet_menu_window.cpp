@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
@@ -31,6 +32,8 @@ constexpr int kLinesOfResults = 28;  // as many as are seen at once
 constexpr int kFieldMargin = 6;
 // So long the pointer may take on its way from a row to the row's submenu across other rows.
 constexpr std::chrono::milliseconds kWayToSubmenu{250};
+// So long the press that opened the menu may take to come in as a click elsewhere, too.
+constexpr std::chrono::milliseconds kSameClick{200};
 
 ModifierFlags flagsOf(Qt::KeyboardModifiers modifiers) {
   ModifierFlags flags = 0;
@@ -88,9 +91,12 @@ class SnippetMenuWindow::Window : public QWidget {
     fit();
     field_->setFocus();
     wasActive_ = false;
+    sinceOpening_.start();
     clicks_ = mouse_.observeLeftMouseDown([this] {
       const auto pointer = QCursor::pos();
-      if (!geometry().contains(pointer) && !isOnSubmenu(pointer)) leave();
+      if (geometry().contains(pointer) || isOnSubmenu(pointer)) return;
+      if (!sinceOpening_.hasExpired(kSameClick.count())) return;
+      leave();
     });
     show();
     raise();
@@ -357,6 +363,7 @@ class SnippetMenuWindow::Window : public QWidget {
   MenuList* highlighted_ = nullptr;                   // the list that holds the highlighted row
   QTimer submenuEnd_;
   bool wasActive_ = false;
+  QElapsedTimer sinceOpening_;
   Subscription clicks_;
   QObject connections_;  // the last: the end of the widgets must not call back
 };
