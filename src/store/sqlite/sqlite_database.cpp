@@ -24,9 +24,8 @@ SqliteDatabase::~SqliteDatabase() {
 
 Status SqliteDatabase::open(Access access, std::chrono::milliseconds busyTimeout) {
   assert(!isOpen());
-  constexpr int kFlags[] = {SQLITE_OPEN_READONLY, SQLITE_OPEN_READWRITE,
-                            SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE};
-  const int flags = kFlags[static_cast<int>(access)] | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int flags = (access == Access::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
+                    SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   if (const int code = sqlite3_open_v2(file_.c_str(), &connection_, flags, nullptr); code != SQLITE_OK) {
     const auto error = failure(code);
     close();

@@ -25,7 +25,7 @@ namespace quorlo {
 // Errors name the file and say what to do; failureCode() has what SQLite said.
 class SqliteDatabase {
  public:
-  enum class Access { readOnly, readWrite, create };
+  enum class Access { readOnly, readWrite };
 
   // How long a statement waits for other programs before it fails as locked.
   static constexpr std::chrono::milliseconds kBusyTimeout = std::chrono::seconds(30);
@@ -35,7 +35,7 @@ class SqliteDatabase {
   SqliteDatabase& operator=(const SqliteDatabase&) = delete;
   ~SqliteDatabase();
 
-  // Leaves the file as it is; damage may show itself only in later statements.
+  // The file must be there and is left as it is; damage may show itself only in later statements.
   Status open(Access access, std::chrono::milliseconds busyTimeout = kBusyTimeout);
   bool isOpen() const { return connection_ != nullptr; }
   // The last connection to a file merges its write-ahead log and removes the side files.

@@ -59,8 +59,4 @@ bool saysDamaged(int extendedCode) {
          extendedCode == SQLITE_IOERR_SHORT_READ;
 }
 
-bool saysLocked(int extendedCode) {
-  return primary(extendedCode) == SQLITE_BUSY || primary(extendedCode) == SQLITE_LOCKED;
-}
-
 }  // namespace quorlo

@@ -12,8 +12,7 @@ namespace quorlo {
 Error sqliteError(const std::filesystem::path& file, int extendedCode, int systemErrno,
                   std::string_view sqliteText);
 
-// What an extended code means for the file.
-bool saysDamaged(int extendedCode);  // the contents are not those of a sound database
-bool saysLocked(int extendedCode);   // another program holds it for longer than the busy timeout
+// The contents are not those of a sound database.
+bool saysDamaged(int extendedCode);
 
 }  // namespace quorlo

@@ -23,9 +23,9 @@ unsigned rights(const fs::path& file) {
 
 // Left as a killed program leaves it: a part is in the write-ahead log only.
 void makeOldStore(const fs::path& directory) {
-  fs::create_directories(directory);
+  write(directory / kOldStoreFileName, "");
   SqliteDatabase old(directory / kOldStoreFileName);
-  ASSERT_TRUE(old.open(SqliteDatabase::Access::create));
+  ASSERT_TRUE(old.open(SqliteDatabase::Access::readWrite));
   const auto made = old.execute(contents(QUORLO_STORE_TEST_DATA "/old_store.sql"));
   ASSERT_TRUE(made) << made.error().message;
   old.closeUntouched();
