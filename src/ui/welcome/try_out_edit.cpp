@@ -36,6 +36,8 @@ void TryOutEdit::keyPressEvent(QKeyEvent* event) {
       expand(event->text())) {
     return;
   }
+  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (isReturn) return event->ignore();  // leads on
   QPlainTextEdit::keyPressEvent(event);
   if (trigger == AbbreviationTriggerType::lastSymbol && !event->text().isEmpty()) expand({});
 }

@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -116,6 +117,13 @@ WelcomeWindow::WelcomeWindow(const WelcomeServices& services)
 void WelcomeWindow::showEvent(QShowEvent* event) {
   if (std::exchange(isToBegin_, false)) go(0);
   QWidget::showEvent(event);
+}
+
+// What the focused control leaves alone.
+void WelcomeWindow::keyPressEvent(QKeyEvent* event) {
+  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (isReturn) return next_->click();
+  QWidget::keyPressEvent(event);
 }
 
 void WelcomeWindow::closeEvent(QCloseEvent* event) {
