@@ -87,3 +87,5 @@ ApplicationService::~ApplicationService() {
 }
 
 }  // namespace quorlo
+
+#include "moc_application_adaptors.cpp"

@@ -5,9 +5,12 @@
 #include "program/running_instance.h"
 #include "program/settings_command.h"
 #include "program/termination_signals.h"
+#include "ui/qt_text.h"
 #include "x11/x_connection.h"
 
 #include <QApplication>
+#include <QMessageBox>
+#include <QSessionManager>
 
 #include <iostream>
 #include <variant>
@@ -17,6 +20,23 @@ namespace {
 int complain(const quorlo::Error& error) {
   std::cerr << "quorlo: " << error.message << "\n";
   return 1;
+}
+
+void showFailure(const quorlo::Error& error) {
+  QMessageBox box(QMessageBox::Critical, QStringLiteral("Quorlo"),
+                  quorlo::localizedText(u"Quorlo cannot start."));
+  box.setInformativeText(QString::fromStdString(error.message));
+  box.exec();
+}
+
+// The session ends for everybody unless the user wants to keep changes that cannot be saved.
+void endWithTheSession(const QApplication& application, quorlo::Program& program) {
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                   [&program](QSessionManager& session) {
+                     const bool mayAsk = session.allowsInteraction();
+                     if (mayAsk && !program.mayEnd()) session.cancel();
+                     if (mayAsk) session.release();
+                   });
 }
 
 }  // namespace
@@ -43,11 +63,21 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("org.quorlo.Quorlo"));
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  const TerminationSignals signals([] { QCoreApplication::quit(); });
+  Program* running = nullptr;
+  const TerminationSignals signals(
+      [&running] { running ? running->terminate() : QCoreApplication::exit(1); });
 
-  const auto program = Program::start(
-      {commandLine.library, commandLine.abbreviations, [](int status) { QCoreApplication::exit(status); }});
-  if (!program) return complain(program.error());
+  const auto program = Program::start({commandLine.files, commandLine.library, commandLine.abbreviations,
+                                       [](int status) { QCoreApplication::exit(status); }});
+  if (!program) {
+    const int status = complain(program.error());
+    // Who names a library is at a command line and reads the answer there.
+    if (!commandLine.library) showFailure(program.error());
+    return status;
+  }
+  running = program.value().get();
+  if (running == nullptr) return 0;
+  endWithTheSession(application, *running);
   sayWhenTheDisplayIsLost();
   const int status = QCoreApplication::exec();
   theEventLoopHasEnded();

@@ -80,14 +80,15 @@ TEST_F(DesktopFaultTest, ATargetThatNeverReadsTheClipboardHoldsUpNobody) {
   deaf.process().signal(SIGCONT);
 }
 
-TEST_F(DesktopFaultTest, ASecondQuorloSaysThatOneIsRunningAndLeavesItAlone) {
+TEST_F(DesktopFaultTest, ASecondQuorloHandsItsLibraryToTheOneThatRunsAndEnds) {
   startQuorlo();
-  const auto second = run({"--library", file("second.json", usualLibrary())});
-  EXPECT_NE(second.status, 0);
+  const auto second = run({"--library", file("second.json", libraryOf({{"omw", "On my way!"}}))});
+  EXPECT_EQ(second.status, 0) << second.message;
   EXPECT_NE(second.message.find("already"), std::string::npos) << second.message;
+  EXPECT_TRUE(waitUntil([&] { return quorlo().log().find("Added 1 snippets") != std::string::npos; }));
   Mousepad editor(desktop());
-  type("brb .");
-  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+  type("brb omw .");
+  EXPECT_EQ(editor.textOnceItIs("be right back On my way! ."), "be right back On my way! .");
 }
 
 TEST_F(DesktopFaultTest, ALibraryThatCannotBeReadIsNamedAndLeftAsItIs) {

@@ -42,6 +42,11 @@ void QuorloDesktopTest::startQuorlo(const std::string& library, const StoredSett
   quorlo_ = std::make_unique<QuorloProgram>(*desktop_, QUORLO, library, all);
 }
 
+void QuorloDesktopTest::restartQuorlo() {
+  quorlo_.reset();
+  quorlo_ = std::make_unique<QuorloProgram>(*desktop_, QUORLO);
+}
+
 std::unique_ptr<RichEditor> QuorloDesktopTest::openRichEditor(RichEditor::Kind kind) {
   return std::make_unique<RichEditor>(*desktop_, RICH_EDITOR, kind);
 }

@@ -29,6 +29,8 @@ class QuorloDesktopTest : public ::testing::Test {
 
   void startQuorlo(const std::string& library, const StoredSettings& settings = {});
   void startQuorlo(const StoredSettings& settings = {}) { startQuorlo(usualLibrary(), settings); }
+  // Quits it and starts it with what it has stored.
+  void restartQuorlo();
   // "sig" -> "Kind regards, Ada", "brb" -> "be right back".
   static std::string usualLibrary();
 

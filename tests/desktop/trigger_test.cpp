@@ -86,7 +86,9 @@ TEST_F(DesktopTriggerTest, CorrectingALetterWithBackspaceStillExpands) {
 }
 
 TEST_F(DesktopTriggerTest, AnArrowKeyOrAClickBetweenTwoLettersPreventsTheExpansion) {
-  startQuorlo({{"AbbreviationsTriggerType", "1"}, {"QLDebugModeEnabled", "true"}});
+  startQuorlo({{"AbbreviationsTriggerType", "1"},
+               {"QLDebugModeEnabled", "true"},
+               {"QLDebugEnabledDate", R"({"date":"2100-01-01T00:00:00.000Z"})"}});
   const auto editor = openRichEditor();  // is read without pressing keys, which would reset the typing
   type("si");
   keyboard().tap("Left");

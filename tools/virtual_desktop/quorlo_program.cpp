@@ -21,15 +21,22 @@ std::filesystem::path freshLog(const VirtualDesktop& desktop) {
   return path;
 }
 
+std::filesystem::path dataFolder(const VirtualDesktop& desktop) {
+  return desktop.dataHome() / "org.quorlo.Quorlo";
+}
+
 ChildProcess startProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
                           const StoredSettings& settings, const std::filesystem::path& log) {
   // Without the last, the first start would replace the delimiters by those of earlier versions' settings.
-  StoredSettings standard{
-      {"AutoPasteEnabled", "true"}, {"PlaySound", "false"}, {"OldDefaultsHaveBeenCopied", "true"}};
+  StoredSettings standard{{"AutoPasteEnabled", "true"},
+                          {"PlaySound", "false"},
+                          {"WelcomeViewHasBeenShown", "true"},
+                          {"OldDefaultsHaveBeenCopied", "true"}};
   StoredSettings appGroup{{"AbbreviationsEnabled", "true"}};
   for (const auto& [key, value] : settings) (appGroup.contains(key) ? appGroup : standard)[key] = value;
   writeSettings(desktop.configHome() / "quorlo" / "settings.json", standard);
   writeSettings(desktop.configHome() / "quorlo" / "shared-settings.json", appGroup);
+  std::filesystem::remove_all(dataFolder(desktop));
   const auto file = desktop.directory() / "library.json";
   writeFile(file, library);
   return desktop.start({program, "--library", file}, log);
@@ -39,7 +46,24 @@ ChildProcess startProgram(VirtualDesktop& desktop, const std::string& program, c
 
 QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
                              const StoredSettings& settings)
-    : log_(freshLog(desktop)), process_(startProgram(desktop, program, library, settings, log_)) {
+    : log_(freshLog(desktop)),
+      debugLog_(dataFolder(desktop) / "Quorlo.log"),
+      process_(startProgram(desktop, program, library, settings, log_)) {
+  waitUntilItWatches();
+}
+
+QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program)
+    : log_(freshLog(desktop)),
+      debugLog_(dataFolder(desktop) / "Quorlo.log"),
+      process_(desktop.start({program}, log_)) {
+  waitUntilItWatches();
+}
+
+std::string QuorloProgram::log() const {
+  return std::filesystem::exists(debugLog_) ? readFile(log_) + readFile(debugLog_) : readFile(log_);
+}
+
+void QuorloProgram::waitUntilItWatches() {
   const auto watches = [this] { return log().find("Watching the keyboards.") != std::string::npos; };
   waitUntil([&] { return watches() || !process_.running(); });
   if (!watches() || !process_.running()) {

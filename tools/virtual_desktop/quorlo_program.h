@@ -15,17 +15,23 @@ using StoredSettings = std::map<std::string, std::string>;
 // otherwise; the expansion sound is off.
 class QuorloProgram {
  public:
-  // Writes the settings, starts the program with a library (the text of a JSON document) and returns once
-  // it watches the keyboard. Throws std::runtime_error with what the program wrote.
+  // Writes the settings, starts the program with nothing but a library (the text of a JSON document) and
+  // returns once it watches the keyboard. Throws std::runtime_error with what the program wrote.
   QuorloProgram(VirtualDesktop& desktop, const std::string& program, const std::string& library,
                 const StoredSettings& settings = {});
 
+  // The same with the library and the settings that are there, after one that has ended.
+  QuorloProgram(VirtualDesktop& desktop, const std::string& program);
+
   ChildProcess& process() { return process_; }
-  // Everything written to standard output and standard error so far.
-  std::string log() const { return readFile(log_); }
+  // Everything logged so far, to standard error or, in debug mode, to the file.
+  std::string log() const;
 
  private:
+  void waitUntilItWatches();
+
   std::filesystem::path log_;
+  std::filesystem::path debugLog_;
   ChildProcess process_;
 };
 

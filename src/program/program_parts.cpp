@@ -1,0 +1,209 @@
+#include "program/program_parts.h"
+
+#include "app/shell/quorlo_app.h"
+#include "base/log.h"
+#include "program/crash_report.h"
+#include "store/abbreviation_rules.h"
+#include "store/sqlite/store_opening.h"
+#include "text/graphemes.h"
+#include "text/utf.h"
+#include "ui/library/library_window.h"
+#include "ui/settings/settings_pages.h"
+#include "ui/settings/settings_window.h"
+#include "ui/welcome/welcome_window.h"
+
+#include <fmt/format.h>
+
+#include <QSysInfo>
+#include <QVersionNumber>
+
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+QuotationMarks textQuotationMarks(const SystemEnvironment& environment) {
+  const auto languages = environment.textLanguages();
+  return languages.empty() ? QuotationMarks{} : quorlo::quotationMarks(languages.front());
+}
+
+}  // namespace
+
+Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<SingleInstance> onlyInstance,
+                      std::unique_ptr<X11Desktop> connectedDesktop,
+                      std::unique_ptr<PersistenceController> openLibrary,
+                      std::function<void(int status)> endEventLoop)
+    : ground(std::move(existingGround)),
+      quit(std::move(endEventLoop)),
+      instance(std::move(onlyInstance)),
+      desktop(std::move(connectedDesktop)),
+      library(std::move(openLibrary)),
+      quotationMarks(textQuotationMarks(environment)),
+      history(AppTarget::app, {queue, defaults, persistence.managedObjectContext(),
+                               environment.dataDirectory() / kStoreFileName,
+                               [] { return std::chrono::system_clock::now(); }}) {
+  settings.setAccessibilityCheck(
+      [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
+  setWindowMakers();
+}
+
+// The windows look at much of the rest until they are gone.
+Program::Parts::~Parts() {
+  service.reset();
+  about.reset();
+  windows.destroyAll();
+}
+
+AppDelegate::Dependencies Program::Parts::delegateDependencies() {
+  const auto system = QVersionNumber::fromString(QSysInfo::kernelVersion());
+  return {.queue = queue,
+          .defaults = defaults,
+          .settings = settings,
+          .persistence = persistence,
+          .accessibility = accessibility,
+          .launchAtLogin = launchAtLogin,
+          .hotKeys = desktop->hotKeyCenter(),
+          .alerts = alerts,
+          .windows = windows,
+          .navigation = navigation,
+          .setup = setup,
+          .debugMode = debugMode,
+          .systemMajorVersion = system.majorVersion(),
+          .systemMinorVersion = system.minorVersion(),
+          .createStatusItemAndMenu = [this]() -> QLSnippetStatusMenuViewController& {
+            return createStatusItemAndMenu();
+          },
+          .startCrashReporter = [this] { mentionCrashReport(); },
+          .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
+          .quit = [this] { quit(0); }};  // namespace quorlo
+}
+
+QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
+  statusItem.setToolTip(QuorloApp(QUORLO_VERSION).toolTip());
+  return menu.emplace(QLSnippetStatusMenuViewController::Dependencies{
+      .queue = queue,
+      .settings = settings,
+      .launchAtLogin = launchAtLogin,
+      .persistence = persistence,
+      .interpreter = interpreter,
+      .paste = paste,
+      .generalPasteboard = desktop->pasteboard(),
+      .application = application,
+      .focus = desktop->targetFocus(),
+      .typedKeys = desktop->typedKeysHold(),
+      .statusItem = statusItem,
+      .view = menuWindow,
+      .navigation = navigation,
+      .terminate = [this] { delegate.terminate(); },
+  });
+}
+
+void Program::Parts::createAbbreviationsMonitor() {
+  monitor.emplace(AbbreviationsMonitor::Dependencies{queue, desktop->eventTap(), desktop->mouseMonitor(),
+                                                     desktop->workspace(), settings, accessibility,
+                                                     persistence, persistence.managedObjectContext(), paste});
+  shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
+}
+
+void Program::Parts::mentionCrashReport() {
+  const auto report = takeCrashReport(environment.dataDirectory());
+  if (!report) return;
+  logWarning("WARNING: #cRp5now - Quorlo ended unexpectedly the last time. What is known of it: " +
+             report->string());
+  notifications.post({.title = localized(u"Quorlo ended unexpectedly the last time."),
+                      .body = toUtf16(report->string()),
+                      .categoryIdentifier = "crash-report",
+                      .actionTitle = {}});
+}
+
+void Program::Parts::setWindowMakers() {
+  const auto menuShortcut = [this] { return delegate.menuShortcut(); };
+  const auto setMenuShortcut = [this](std::optional<Shortcut> shortcut) {
+    delegate.setMenuShortcut(shortcut);
+  };
+
+  windows.setMaker(kSnippetEditorWindow, [this] {
+    return std::make_unique<LibraryWindow>(LibraryWindow::Dependencies{
+        .context = persistence.managedObjectContext(),
+        .settings = settings,
+        .navigation = navigation,
+        .validate =
+            [this](std::u16string_view abbreviation, const QLSnippet& snippet) {
+              return AbbreviationRules(persistence.managedObjectContext(), quotationMarks)
+                  .validate(abbreviation, snippet);
+            },
+        .untitledFolderName = [this] { return persistence.nextUntitledName(); },
+        .showSettings = [this] { navigation.showSettings(); },
+    });
+  });
+  windows.setCommitEditing(kSnippetEditorWindow, [](QWidget& window) {
+    return static_cast<LibraryWindow&>(window).commitEditing();
+  });
+
+  windows.setMaker(kSettingsWindow, [=, this] {
+    return std::make_unique<SettingsWindow>(SettingsServices{
+        .settings = settings,
+        .sound = sound,
+        .persistence = persistence,
+        .workspace = desktop->workspace(),
+        .environment = environment,
+        .launchAtLogin = launchAtLogin,
+        .hotKeys = desktop->hotKeyCenter(),
+        .keyboardLayout = desktop->keyboardLayout(),
+        .menuShortcut = menuShortcut,
+        .setMenuShortcut = setMenuShortcut,
+        .showWelcome = [this] { navigation.setPresentsWelcomeView(true); },
+        .showAbout =
+            [this] {
+              if (!about) about = std::make_unique<AboutWindow>(desktop->workspace(), QUORLO_VERSION);
+              about->present();
+            },
+    });
+  });
+
+  windows.setMaker(kWelcomeWindow, [=, this] {
+    return std::make_unique<WelcomeWindow>(WelcomeServices{
+        .settings = settings,
+        .launchAtLogin = launchAtLogin,
+        .hotKeys = desktop->hotKeyCenter(),
+        .keyboardLayout = desktop->keyboardLayout(),
+        .library = persistence.managedObjectContext(),
+        .interpreter = interpreter,
+        .findSnippet =
+            [this](std::u16string_view typed) {
+              return monitor->findSnippet(typed, typed, graphemeCount(typed),
+                                          settings.expandAbbreviationWithinWord(), 1);
+            },
+        .menuShortcut = menuShortcut,
+        .setMenuShortcut = setMenuShortcut,
+        .starterIsDue = [this] { return starterOffer.isDue(); },
+        .answerStarterOffer = [this](bool accepted) -> Status {
+          if (accepted) return starterOffer.accept();
+          starterOffer.decline();
+          return {};
+        },
+        .closed = [this] { navigation.setPresentsWelcomeView(false); },
+    });
+  });
+}
+
+ApplicationRequests Program::Parts::requests() {
+  return {.reopen = [this] { delegate.applicationShouldHandleReopen(); },
+          .open = [this](const auto& files) { delegate.open(files); },
+          .showMenu = [this] { menu->popUpSnippetMenu(); },
+          .showEditor = [this] { navigation.showSnippetEditor(); },
+          .showSettings = [this] { navigation.showSettings(); },
+          .quit = [this] { delegate.terminate(); },
+          .status = [this] { return status(); }};
+}
+
+std::string Program::Parts::status() const {
+  const auto snippets =
+      persistence.managedObjectContext().fetch<QLSnippet>({.predicate = QLSnippet::kDeletionDate.isNil()});
+  return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{} snippets in {}.\n",
+                     QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
+                     snippets ? snippets.value().size() : 0,
+                     (environment.dataDirectory() / kStoreFileName).string());
+}
+
+}  // namespace quorlo

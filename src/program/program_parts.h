@@ -1,0 +1,141 @@
+#pragma once
+
+#include "app/settings/launch_at_login.h"
+#include "app/settings/settings_controller.h"
+#include "app/settings/sound_manager.h"
+#include "app/shell/app_delegate.h"
+#include "app/shell/app_setup.h"
+#include "app/shell/debug_mode.h"
+#include "app/shell/navigation_model.h"
+#include "app/shell/ql_snippet_status_menu_view_controller.h"
+#include "app/shell/starter_offer.h"
+#include "base/localized.h"
+#include "engine/abbreviations_monitor.h"
+#include "engine/accessibility_manager.h"
+#include "engine/fill_in_controller.h"
+#include "engine/macro_preparation.h"
+#include "engine/paste_controller.h"
+#include "macros/ql_snippet_macro_interpreter.h"
+#include "program/application_service.h"
+#include "program/program.h"
+#include "program/shared_instances.h"
+#include "program/single_instance.h"
+#include "store/history/persistent_history_observer.h"
+#include "store/persistence_controller.h"
+#include "store/ql_snippet.h"
+#include "store/ql_user.h"
+#include "ui/about/about_window.h"
+#include "ui/accessibility_help_window.h"
+#include "ui/dbus_user_notifications.h"
+#include "ui/file_user_defaults.h"
+#include "ui/fill_in_window.h"
+#include "ui/menu/snippet_menu_window.h"
+#include "ui/pulse_audio_player.h"
+#include "ui/qt_alerts.h"
+#include "ui/qt_app_windows.h"
+#include "ui/qt_main_queue.h"
+#include "ui/qt_own_application.h"
+#include "ui/screen_lock.h"
+#include "ui/system_environment.h"
+#include "ui/thread_background_queue.h"
+#include "ui/tray/qt_status_item.h"
+#include "x11/x11_desktop.h"
+
+#include <QCoreApplication>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quorlo {
+
+// What needs no display.
+struct Program::Ground {
+  QtMainQueue queue;
+  std::filesystem::path programFile = QCoreApplication::applicationFilePath().toStdString();
+  SystemEnvironment environment{programFile.parent_path()};
+  Subscription catalogues =
+      loadCatalogues(environment.resourcesDirectory() / "translations", environment.textLanguages());
+  FileUserDefaults defaults{environment.configDirectory()};
+};
+
+// One of everything, each after what it uses.
+struct Program::Parts {
+  Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<SingleInstance> onlyInstance,
+        std::unique_ptr<X11Desktop> connectedDesktop, std::unique_ptr<PersistenceController> openLibrary,
+        std::function<void(int status)> quit);
+  Parts(const Parts&) = delete;
+  Parts& operator=(const Parts&) = delete;
+  ~Parts();
+
+  AppDelegate::Dependencies delegateDependencies();
+  ApplicationRequests requests();
+  void setWindowMakers();
+  void createAbbreviationsMonitor();
+  QLSnippetStatusMenuViewController& createStatusItemAndMenu();
+  void mentionCrashReport();
+  std::string status() const;
+
+  std::unique_ptr<Ground> ground;
+  std::function<void(int status)> quit;
+  QtMainQueue& queue = ground->queue;
+  SystemEnvironment& environment = ground->environment;
+  FileUserDefaults& defaults = ground->defaults;
+
+  std::unique_ptr<SingleInstance> instance;
+  std::unique_ptr<X11Desktop> desktop;
+  PulseAudioPlayer player;
+  ThreadBackgroundQueue background;
+  QtAlerts alerts{desktop->targetFocus()};
+  AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
+  Subscription accessibilityAddress = desktop->serveAddress(
+      std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
+  ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
+  QtOwnApplication application;
+  DBusUserNotifications notifications{queue};
+
+  std::unique_ptr<PersistenceController> library;
+  PersistenceController& persistence = *library;
+  SettingsController settings{defaults, queue, [this] { return environment.now(); },
+                              [this]() -> std::optional<Date> {
+                                const auto user = persistence.currentUser();
+                                return user ? user->creationDate() : std::nullopt;
+                              }};
+  DebugMode debugMode{
+      {settings, [this] { return environment.now(); }, environment.dataDirectory(), reopenStandardError}};
+  SoundManager sound{settings, environment, player, background};
+  QuotationMarks quotationMarks;
+  AccessibilityManager accessibility{
+      desktop->accessibilityTrust(), settings, desktop->workspace(), alerts, queue, quotationMarks};
+  QLSnippetMacroInterpreter interpreter{
+      environment, [this](const std::u16string& abbreviation) -> std::optional<AttributedString> {
+        const auto snippet = persistence.snippetForAbbreviation(abbreviation);
+        if (!snippet) return std::nullopt;
+        return snippet->text();
+      }};
+  FillInWindow fillInWindow{settings};
+  FillInController prompt{{queue, desktop->pasteboard(), desktop->targetFocus(), desktop->typedKeysHold(),
+                           settings, environment, interpreter, fillInWindow}};
+  MacroPreparation preparation{interpreter, prompt};
+  PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->keyboardLayout(),
+                         desktop->typedKeysHold(), application, notifications, settings, sound, preparation}};
+  std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
+  std::optional<SharedInstances> shared;
+
+  LaunchAtLogin launchAtLogin{environment.configDirectory().parent_path() / "autostart", ground->programFile};
+  StarterOffer starterOffer{defaults, persistence, environment.resourcesDirectory() / "starter-library.json"};
+  QtStatusItem statusItem{{queue, notifications, defaults}};
+  SnippetMenuWindow menuWindow{desktop->mouseMonitor()};
+  std::unique_ptr<AboutWindow> about;
+  QtAppWindows windows;
+  NavigationModel navigation{windows};
+  std::optional<QLSnippetStatusMenuViewController> menu;  // when its turn in the start has come
+  PersistentHistoryObserver history;
+  AppSetup setup{{persistence, defaults, settings, navigation, [this] { return history.startObserving(); }}};
+  AppDelegate delegate{delegateDependencies()};
+  std::optional<ApplicationService> service;  // once there is something to ask of it
+};
+
+}  // namespace quorlo

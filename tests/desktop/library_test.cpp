@@ -1,0 +1,61 @@
+// The library's file under the running program.
+#include "desktop/quorlo_desktop_test.h"
+#include "store/sqlite/sqlite_database.h"
+
+#include <csignal>
+#include <filesystem>
+
+namespace quorlo {
+namespace {
+
+class DesktopLibraryTest : public QuorloDesktopTest {
+ protected:
+  static std::filesystem::path file(VirtualDesktop& desktop) {
+    return desktop.dataHome() / "org.quorlo.Quorlo" / "private.sqlite";
+  }
+  std::int64_t stored(const char* query) {
+    SqliteDatabase database(file(desktop()));
+    const auto opened = database.open(SqliteDatabase::Access::readWrite);
+    const auto value = opened ? database.integer(query) : Result<std::int64_t>(opened.error());
+    return value ? value.value() : (ADD_FAILURE() << value.error().message, -1);
+  }
+};
+
+TEST_F(DesktopLibraryTest, UseCountsAndStatisticsSurviveARestart) {
+  startQuorlo();
+  Mousepad editor(desktop());
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+  restartQuorlo();
+  EXPECT_EQ(stored("SELECT useCount FROM Snippet WHERE abbreviation = 'brb'"), 1);
+  EXPECT_EQ(stored("SELECT savedChars FROM User"), 10);
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back .be right back ."), "be right back .be right back .");
+  quorlo_.reset();
+  EXPECT_EQ(stored("SELECT useCount FROM Snippet WHERE abbreviation = 'brb'"), 2);
+  EXPECT_EQ(stored("SELECT savedChars FROM User"), 20);
+  EXPECT_EQ(stored("SELECT count(*) FROM Category"), 8);
+  EXPECT_EQ(stored("SELECT count(*) FROM User"), 1);
+}
+
+TEST_F(DesktopLibraryTest, AnUnreadableLibraryEndsTheProgramWithAMessageAndStaysWhereItIs) {
+  startQuorlo();
+  quorlo_.reset();
+  const std::string damage = "this is no library";
+  writeFile(file(desktop()), damage);
+  const auto log = desktop().directory() / "quorlo.log";
+  auto process = desktop().start({QUORLO}, log);
+  EXPECT_TRUE(waitUntil([&] {
+    return readFile(log).find("###persistentContainer: Failed to load persistent stores:") !=
+           std::string::npos;
+  })) << readFile(log);
+  EXPECT_TRUE(waitUntil([&] {  // the alert, once it is there and has the keyboard
+    keyboard().tap("Return");
+    return !process.running();
+  }));
+  EXPECT_EQ(process.exitStatus(), 1);
+  EXPECT_EQ(readFile(file(desktop())), damage);
+}
+
+}  // namespace
+}  // namespace quorlo
