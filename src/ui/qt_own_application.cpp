@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QVariant>
 #include <QWidget>
+#include <QWindow>
 
 #include <utility>
 #include <vector>
@@ -44,9 +46,17 @@ void QtOwnApplication::hide() {
   }
 }
 
+// The user types elsewhere, so the focus stays there. Qt asks this property at each show, and the widget's
+// attribute of that name only when it makes the window.
 void QtOwnApplication::unhide() {
+  constexpr const char* kShowWithoutActivating = "_q_showWithoutActivating";
   for (const auto& window : std::exchange(hidden_->windows, {})) {
-    if (window) window->show();
+    if (!window || window->isVisible()) continue;
+    auto* const handle = window->windowHandle();
+    const auto former = handle->property(kShowWithoutActivating);
+    handle->setProperty(kShowWithoutActivating, true);
+    window->show();
+    handle->setProperty(kShowWithoutActivating, former);
   }
 }
 
