@@ -5,22 +5,22 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusServiceWatcher>
-#include <QEventLoop>
 #include <QStringList>
-#include <QTimer>
 #include <QUrl>
 #include <QVariant>
 
-#include <chrono>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <iostream>
+#include <optional>
 
 namespace quorlo {
 namespace {
 
 constexpr const char* kApplicationInterface = "org.freedesktop.Application";
 constexpr int kAnswerMilliseconds = 5000;
-constexpr std::chrono::seconds kLongestFarewell{10};
+constexpr int kLongestFarewellMilliseconds = 10'000;
 
 Result<QDBusMessage> call(const char* interface, const char* method, const QVariantList& arguments) {
   const auto bus = QDBusConnection::sessionBus();
@@ -38,6 +38,16 @@ Result<QDBusMessage> call(const char* interface, const char* method, const QVari
     return Error{"The running Quorlo does not answer: " + answer.errorMessage().toStdString()};
   }
   return answer;
+}
+
+// A descriptor that can be read from once the process has ended; absent when it is not there any more.
+std::optional<int> processOfInstance() {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return std::nullopt;
+  const auto id = bus.interface()->servicePid(QLatin1String(kServiceName));
+  if (!id.isValid()) return std::nullopt;
+  const auto descriptor = static_cast<int>(syscall(SYS_pidfd_open, static_cast<pid_t>(id.value()), 0));
+  return descriptor < 0 ? std::nullopt : std::optional(descriptor);
 }
 
 Status statusOf(const Result<QDBusMessage>& answer) {
@@ -75,16 +85,15 @@ Result<std::string> RunningInstance::status() const {
   return answer.value().arguments().value(0).toString().toStdString();
 }
 
+// Waits for the end of the process, not of its service: only then its place is free for another one.
 Status RunningInstance::quit() const {
-  QEventLoop loop;
-  QDBusServiceWatcher watcher(QLatin1String(kServiceName), QDBusConnection::sessionBus(),
-                              QDBusServiceWatcher::WatchForUnregistration);
-  QObject::connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, &loop, [&loop] { loop.exit(0); });
+  const auto process = processOfInstance();
   if (auto asked = activateAction("quit"); !asked) return asked;
-  QTimer::singleShot(kLongestFarewell, &loop, [&loop] { loop.exit(1); });
-  if (isThere() && loop.exec() != 0) {
-    return Error{"Quorlo has not quit. It may be asking a question on the screen."};
-  }
+  if (!process) return {};
+  pollfd end{*process, POLLIN, 0};
+  const int ended = poll(&end, 1, kLongestFarewellMilliseconds);
+  close(*process);
+  if (ended <= 0) return Error{"Quorlo has not quit. It may be asking a question on the screen."};
   return {};
 }
 
