@@ -10,11 +10,14 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <utility>
 #include <vector>
 
 namespace quorlo {
 namespace {
+
+constexpr std::chrono::milliseconds kInstancePatience{3000};
 
 // The one that runs gets what this one was asked for.
 Status handOver(const Program::Options& options) {
@@ -38,7 +41,7 @@ Program::Program(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
 
 // Whatever ended the event loop.
 Program::~Program() {
-  parts_->persistence.save();
+  parts_->delegate.applicationWillTerminate();
 }
 
 Result<std::unique_ptr<Program>> Program::start(const Options& options) {
@@ -55,7 +58,9 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
   auto desktop = X11Desktop::connect(desktopOptions, ground->queue);
   if (!desktop) return desktop.error();
 
-  auto instance = SingleInstance::acquire(desktop.value()->displayName());
+  // One that nobody can ask is just starting or just ending.
+  const auto patience = RunningInstance().isThere() ? std::chrono::milliseconds(0) : kInstancePatience;
+  auto instance = SingleInstance::acquire(desktop.value()->displayName(), patience);
   if (!instance) {
     if (!RunningInstance().isThere()) return instance.error();
     if (const auto status = handOver(options); !status) return status.error();
