@@ -4,7 +4,6 @@
 #include <QStandardPaths>
 #include <QString>
 
-#include <chrono>
 #include <utility>
 
 namespace quorlo {
@@ -12,7 +11,8 @@ namespace quorlo {
 SingleInstance::SingleInstance(std::unique_ptr<QLockFile> lock) : lock_(std::move(lock)) {}
 SingleInstance::~SingleInstance() = default;
 
-Result<std::unique_ptr<SingleInstance>> SingleInstance::acquire(const std::string& display) {
+Result<std::unique_ptr<SingleInstance>> SingleInstance::acquire(const std::string& display,
+                                                                std::chrono::milliseconds patience) {
   auto directory = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
   if (directory.isEmpty()) directory = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
   auto name = QString::fromStdString(display);
@@ -21,7 +21,7 @@ Result<std::unique_ptr<SingleInstance>> SingleInstance::acquire(const std::strin
 
   auto lock = std::make_unique<QLockFile>(path);
   lock->setStaleLockTime(std::chrono::milliseconds(0));  // only the end of its process frees it
-  if (lock->tryLock()) return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(lock)));
+  if (lock->tryLock(patience)) return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(lock)));
 
   qint64 process = 0;
   QString host;

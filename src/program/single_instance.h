@@ -2,6 +2,7 @@
 
 #include "base/result.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -13,8 +14,10 @@ namespace quorlo {
 // process ends otherwise.
 class SingleInstance {
  public:
-  // An error that names the running one when there is one.
-  static Result<std::unique_ptr<SingleInstance>> acquire(const std::string& display);
+  // Waits as long as `patience` for another one that is ending. An error that names the running one when
+  // there is one.
+  static Result<std::unique_ptr<SingleInstance>> acquire(const std::string& display,
+                                                         std::chrono::milliseconds patience);
   ~SingleInstance();
 
  private:
