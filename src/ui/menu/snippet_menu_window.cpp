@@ -92,10 +92,10 @@ class SnippetMenuWindow::Window : public QWidget {
     field_->setFocus();
     wasActive_ = false;
     sinceOpening_.start();
-    clicks_ = mouse_.observeLeftMouseDown([this] {
+    clicks_ = mouse_.observeLeftMouseDown([this, place] {
       const auto pointer = QCursor::pos();
       if (geometry().contains(pointer) || isOnSubmenu(pointer)) return;
-      if (!sinceOpening_.hasExpired(kSameClick.count())) return;
+      if (place == MenuPlace::statusItem && !sinceOpening_.hasExpired(kSameClick.count())) return;
       leave();
     });
     show();
