@@ -9,7 +9,9 @@ namespace quorlo {
 namespace {
 
 QString textNamingControl(const QWidget& widget) {
-  if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget)) return button->text();
+  if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget)) {
+    return button->accessibleName().isEmpty() ? button->text() : QString();
+  }
   const auto* const label = qobject_cast<const QLabel*>(&widget);
   return label && label->buddy() ? label->text() : QString();
 }

@@ -13,7 +13,8 @@ namespace quorlo {
 QString withMnemonic(const QString& text, QSet<QChar>& taken);
 
 // Gives the buttons inside the widget, and the labels that name a field, mnemonics of their own, so that
-// texts need none in any language. A text that has an ampersand keeps it.
+// texts need none in any language. A text that has an ampersand keeps it; a button with an accessible name
+// of its own shows something else than its name and gets none.
 void assignMnemonics(QWidget& widget);
 
 }  // namespace quorlo

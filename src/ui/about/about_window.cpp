@@ -7,10 +7,12 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QColor>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QSysInfo>
 #include <QTextBrowser>
@@ -40,11 +42,17 @@ constexpr Library kLibraries[] = {
     {"libuuid", "https://github.com/util-linux/util-linux", "BSD 3-Clause"},
 };
 
-QString librariesPage() {
+// Not every dark theme has a colour for links that can be read, so they are underlined text.
+QString linkTo(const QString& address, const QString& text, const QColor& colour) {
+  return QStringLiteral("<a href=\"%1\" style=\"color:%2\">%3</a>").arg(address, colour.name(), text);
+}
+
+QString librariesPage(const QColor& text) {
   QString rows;
   for (const auto& [name, address, licence] : kLibraries) {
-    rows += QStringLiteral("<tr><td><a href=\"%2\">%1</a>&nbsp;&nbsp;</td><td>%3</td></tr>")
-                .arg(QString::fromLatin1(name), QString::fromLatin1(address), QString::fromLatin1(licence));
+    rows += QStringLiteral("<tr><td>%1&nbsp;&nbsp;</td><td>%2</td></tr>")
+                .arg(linkTo(QString::fromLatin1(address), QString::fromLatin1(name), text),
+                     QString::fromLatin1(licence));
   }
   return QStringLiteral("<table cellspacing=\"3\">") + rows + QStringLiteral("</table>");
 }
@@ -61,10 +69,6 @@ AboutWindow::AboutWindow(Workspace& workspace, std::string_view version) {
   setWindowTitle(localizedText(u"About Quorlo"));
   setWindowIcon(programIcon());
   const int line = fontMetrics().lineSpacing();
-  // Not every dark theme has a colour for links that can be read.
-  auto colours = palette();
-  colours.setColor(QPalette::Link, colours.color(QPalette::WindowText));
-  setPalette(colours);
 
   auto* const icon = new QLabel;
   icon->setPixmap(programIcon().pixmap(QSize(4 * line, 4 * line), devicePixelRatioF()));
@@ -88,15 +92,15 @@ AboutWindow::AboutWindow(Workspace& workspace, std::string_view version) {
   auto* const licence =
       paragraph(QStringLiteral("© 2026 The Quorlo developers<br>") +
                 localizedText(u"Quorlo is free software under the %1.")
-                    .arg(QStringLiteral("<a href=\"https://opensource.org/license/mit\">%1</a>")
-                             .arg(localizedText(u"MIT License"))));
+                    .arg(linkTo(QStringLiteral("https://opensource.org/license/mit"),
+                                localizedText(u"MIT License"), palette().color(QPalette::WindowText))));
   licence->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
   auto* const librariesLabel = new QLabel(localizedText(u"Made with these libraries:"));
   auto* const libraries = new QTextBrowser;
   libraries->setOpenLinks(false);
-  libraries->setHtml(librariesPage());
+  libraries->setHtml(librariesPage(palette().color(QPalette::Text)));
   libraries->setAccessibleName(librariesLabel->text());
-  libraries->setMinimumSize(22 * line, 14 * line);
+  libraries->setMinimumSize(22 * line, 5 * line);
   connect(libraries, &QTextBrowser::anchorClicked, this,
           [&workspace](const QUrl& address) { workspace.openURL(address.toEncoded().toStdString()); });
   connect(licence, &QLabel::linkActivated, this,
@@ -127,6 +131,7 @@ AboutWindow::AboutWindow(Workspace& workspace, std::string_view version) {
     connect(new QShortcut(sequence, this), &QShortcut::activated, this, &QWidget::close);
   }
   assignMnemonics(*this);
+  resize(QSize(24 * line, 32 * line).boundedTo(screen()->availableGeometry().size() * 0.9));
   close->setFocus();
 }
 

@@ -20,10 +20,7 @@ constexpr int kKeyCount = 3;  // space, tab and return, which have words; symbol
 constexpr int kColumns = 7;
 
 // How a symbol is called, for tool tips and for screen readers, in the order of the members.
-constexpr std::array<std::u16string_view, DelimiterKeys::kMemberCount> kNames{
-    u"Space",
-    u"Tab",
-    u"Return",
+constexpr std::array<std::u16string_view, DelimiterKeys::kMemberCount - kKeyCount> kSymbolNames{
     u"Exclamation mark",
     u"Number sign",
     u"Dollar sign",
@@ -70,11 +67,11 @@ QWidget* makeDelimiterKeysGrid(SettingsPage& page, SettingsController& settings)
     const auto member = members[i];
     const auto shown = member.displayString();
     auto* const box = new QCheckBox(toQString(shown).replace(QLatin1Char('&'), QLatin1String("&&")));
-    box->setAccessibleName(localizedText(kNames[i]));
     const auto symbol = static_cast<int>(i) - kKeyCount;
     if (symbol < 0) {
       grid->addWidget(box, 0, static_cast<int>(i) * 2, 1, 2);
     } else {
+      box->setAccessibleName(localizedText(kSymbolNames[static_cast<std::size_t>(symbol)]));
       box->setToolTip(box->accessibleName());
       box->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
       grid->addWidget(box, 1 + symbol / kColumns, symbol % kColumns);
