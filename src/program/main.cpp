@@ -6,6 +6,7 @@
 #include "program/settings_command.h"
 #include "program/termination_signals.h"
 #include "ui/qt_text.h"
+#include "ui/symbols.h"
 #include "x11/x_connection.h"
 
 #include <QApplication>
@@ -63,6 +64,7 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("org.quorlo.Quorlo"));
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(programIcon());
   Program* running = nullptr;
   const TerminationSignals signals(
       [&running] { running ? running->terminate() : QCoreApplication::exit(1); });

@@ -199,10 +199,10 @@ ApplicationRequests Program::Parts::requests() {
 
 std::string Program::Parts::status() const {
   const auto snippets =
-      persistence.managedObjectContext().fetch<QLSnippet>({.predicate = QLSnippet::kDeletionDate.isNil()});
+      persistence.managedObjectContext().count(Entity::snippet, QLSnippet::kDeletionDate.isNil());
   return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{} snippets in {}.\n",
                      QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
-                     snippets ? snippets.value().size() : 0,
+                     snippets ? snippets.value() : 0,
                      (environment.dataDirectory() / kStoreFileName).string());
 }
 

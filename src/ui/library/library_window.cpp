@@ -111,7 +111,15 @@ void LibraryWindow::makeViews() {
   snippetList_->setAllColumnsShowFocus(true);
   snippetList_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   snippetList_->setSortingEnabled(true);
-  snippetList_->header()->resizeSection(SnippetListModel::title, 190);
+  auto* const header = snippetList_->header();
+  header->setStretchLastSection(false);
+  header->setSectionResizeMode(SnippetListModel::title, QHeaderView::Stretch);
+  const auto width = [header](const char* sample) {
+    return header->fontMetrics().horizontalAdvance(sample) + 24;
+  };
+  header->resizeSection(SnippetListModel::abbreviation, width("Abbreviation"));
+  header->resizeSection(SnippetListModel::modified, width("00/00/0000"));
+  header->resizeSection(SnippetListModel::uses, width("Used"));
   snippetList_->setColumnHidden(SnippetListModel::uses, !parts_.settings.showSnippetUseCount());
   snippetList_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(snippetList_, &QWidget::customContextMenuRequested, this, &LibraryWindow::showMenuOfList);

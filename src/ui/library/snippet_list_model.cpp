@@ -23,7 +23,7 @@ constexpr std::array kColumnOptions{SnippetSortOption::title, SnippetSortOption:
 QString shortDate(const std::optional<Date>& date) {
   if (!date) return {};
   const auto since = std::chrono::floor<std::chrono::milliseconds>(date->time_since_epoch()).count();
-  return QLocale().toString(QDateTime::fromMSecsSinceEpoch(since), QLocale::ShortFormat);
+  return QLocale().toString(QDateTime::fromMSecsSinceEpoch(since).date(), QLocale::ShortFormat);
 }
 
 QIcon typeSymbol(const QLSnippet& snippet) {
@@ -99,6 +99,7 @@ int SnippetListModel::columnCount(const QModelIndex& parent) const {
 QVariant SnippetListModel::data(const QModelIndex& index, int role) const {
   const auto snippet = this->snippet(index);
   if (!snippet) return {};
+  if (role == Qt::TextAlignmentRole && index.column() == uses) return int(Qt::AlignRight | Qt::AlignVCenter);
   if (role == Qt::DecorationRole && index.column() == title) return typeSymbol(*snippet);
   if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
