@@ -138,6 +138,7 @@ bool AppDelegate::presentError(const Error& error) {
 }
 
 void AppDelegate::applicationWillTerminate() {
+  if (std::exchange(hasTerminated_, true)) return;
   use_.setup.recordSelection();
 }
 

@@ -78,6 +78,7 @@ class AppDelegate {
   void terminate();
   // Asks and saves. Until it is answered, asking again answers "cancel".
   TerminateReply applicationShouldTerminate();
+  // Keeps the selection and saves. Only the first call does anything.
   void applicationWillTerminate();
 
   void didFailToRegisterForRemoteNotifications(const Error& error);
@@ -99,6 +100,7 @@ class AppDelegate {
   std::optional<ShortcutBinder> menuHotKey_;
   std::optional<FolderHotKeys> folderHotKeys_;
   bool isTerminating_ = false;
+  bool hasTerminated_ = false;
   LifeToken life_;
 };
 
