@@ -22,7 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr auto kPrivateFile = fs::perms::owner_read | fs::perms::owner_write;
-constexpr auto kPrivateDirectory = fs::perms::owner_all;
 
 Error fileError(const fs::path& file, const std::error_code& reason) {
   return {"\"" + file.string() + "\": " + reason.message()};
@@ -100,15 +99,17 @@ Status makePrivateDirectory(const fs::path& directory) {
 }
 
 void makeStorePrivate(const fs::path& store) {
-  const auto restrict = [](const fs::path& file, fs::perms rights) {
+  constexpr auto kOthers = fs::perms::group_all | fs::perms::others_all;
+  const auto exclude = [](const fs::path& file) {
     std::error_code failure;
-    const auto others =
-        fs::status(file, failure).permissions() & (fs::perms::group_all | fs::perms::others_all);
-    if (!failure && others != fs::perms::none) fs::permissions(file, rights, failure);
+    const auto rights = fs::status(file, failure).permissions();
+    if (!failure && (rights & kOthers) != fs::perms::none) {
+      fs::permissions(file, kOthers, fs::perm_options::remove, failure);
+    }
     if (failure) logWarning("WARNING: Others may read the library; " + fileError(file, failure).message);
   };
-  restrict(store.parent_path(), kPrivateDirectory);
-  for (const auto& file : presentFiles(store)) restrict(file, kPrivateFile);
+  exclude(store.parent_path());
+  for (const auto& file : presentFiles(store)) exclude(file);
 }
 
 bool isMissing(const fs::path& file) {

@@ -174,23 +174,38 @@ TEST(StoreFaults, ADirectoryThatMayNotBeWrittenIsReported) {
   EXPECT_THAT(asNobody(attempt), AllOf(StartsWith(kLoadFailure), HasSubstr("may not be written")));
   fs::permissions(test.file, fs::perms(0000));
   EXPECT_THAT(asNobody(attempt), AllOf(StartsWith(kLoadFailure), HasSubstr("may not be written")));
+  fs::permissions(test.file, fs::perms(0600));
   EXPECT_EQ(contents(test.file), bytes);
 
+  fs::permissions(test.directory, fs::perms(0755));
   fs::remove(test.file);
+  fs::permissions(test.directory, fs::perms(0555));
   EXPECT_THAT(asNobody(attempt), AllOf(StartsWith(kLoadFailure), HasSubstr("could not be begun")));
   test.directory = test.temporary / "other";
   fs::permissions(test.temporary.path(), fs::perms(0555));
   EXPECT_THAT(asNobody(attempt), StartsWith("Shared file container could not be created."));
   fs::permissions(test.temporary.path(), fs::perms(0755));
+  fs::permissions(test.directory = test.temporary / "data", fs::perms(0755));
+}
+
+// A view of the file system of this process's own, in which it may mount.
+bool mayMount() {
+  const auto user = "0 " + std::to_string(::getuid()) + " 1";
+  const auto group = "0 " + std::to_string(::getgid()) + " 1";
+  if (::unshare(CLONE_NEWNS) != 0) {
+    if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+    std::ofstream("/proc/self/uid_map") << user;
+    std::ofstream("/proc/self/setgroups") << "deny";
+    std::ofstream("/proc/self/gid_map") << group;
+  }
+  return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 // A small disk of the child's own, filled and emptied again. "no disk" where none may be mounted.
 std::string onAFullDisk() {
   TestStore test;
   fs::create_directories(test.directory);
-  const bool isMounted = (::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
-                         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                         ::mount("tmpfs", test.directory.c_str(), "tmpfs", 0, "size=1m") == 0;
+  const bool isMounted = mayMount() && ::mount("tmpfs", test.directory.c_str(), "tmpfs", 0, "size=1m") == 0;
   if (!isMounted) return "no disk";
   const auto filler = test.temporary / "data" / "filler";
   const auto fill = [&filler] { write(filler, std::string(1 << 20, 'x')); };
