@@ -107,25 +107,16 @@ TEST_F(AppDelegateTest, StartsInOrderAndRepairsAndPurgesLater) {
   EXPECT_EQ(persistence.trashedSnippets().size(), 1u);
   desktop.queue.advance(Seconds(0.1));
   EXPECT_TRUE(persistence.trashedSnippets().empty());
-}
 
-TEST_F(AppDelegateTest, MigratesOnceAndShowsTheWelcomeViewUntilItHasBeenShown) {
+  // The next start finds it done.
+  const auto snippet = add(u"", u"new");
+  windows.visible.clear();
   settings.setWelcomeViewHasBeenShown(true);
-  for (const auto* name : {"HasMigratedTo308", "HasMigratedToVersion23", "HasMigratedToVersion300g"}) {
-    defaults.setValue(DefaultsDomain::standard, name, true);
-  }
-  const auto snippet = add(u"a", u"b");
-  snippet->setTitle(u"derived");
-  delegate.applicationDidFinishLaunching();
-  desktop.queue.settle();
-  EXPECT_FALSE(snippet->titleIsCustom());
-  EXPECT_EQ(snippet->category(), nullptr);
-  EXPECT_TRUE(windows.visible.empty());
-}
-
-TEST_F(AppDelegateTest, KeepsDebugModeForADay) {
   switchDebugModeOn(std::chrono::hours(23));
   delegate.applicationDidFinishLaunching();
+  desktop.queue.settle();
+  EXPECT_EQ(snippet->category(), nullptr);
+  EXPECT_TRUE(windows.visible.empty());
   EXPECT_TRUE(settings.debugModeEnabled());
 }
 
