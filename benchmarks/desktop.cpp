@@ -1,9 +1,11 @@
-// The whole program on a virtual desktop: how long an expansion takes beyond its documented delay, what the
-// program weighs with 10,000 snippets, and how often it wakes while nothing happens.
+// The whole program on a virtual desktop: how long an expansion takes beyond its documented delay, and how
+// often it wakes while nothing happens.
 //
 // quorlo_desktop_bench [--figures FILE]; the program is the one of the same build.
 
+#include "benchmark_library.h"
 #include "figures.h"
+#include "process_status.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
@@ -29,28 +31,6 @@ constexpr int kExpansions = 60;
 constexpr milliseconds kStartDelay{50};  // before the first piece, by design
 constexpr int kIdleSeconds = 10;
 constexpr int kStartUpSeconds = 6;  // the first save comes 3.5 s after the library has been read
-
-std::string library(int snippets) {
-  std::string text =
-      R"({"snippets": [{"uuid": "SIG", "title": "sig", "text": "Kind regards", "formatted": 0, "abbreviation": "sig"})";
-  for (int i = 1; i < snippets; ++i) {
-    text += fmt::format(
-        R"(, {{"uuid": "U{0}", "title": "Snippet {0}", "text": "The text of snippet {0}, a line of the usual length, with some more words", "formatted": 0, "abbreviation": "Q{0}"}})",
-        i);
-  }
-  return text + "]}";
-}
-
-// The number behind `name` in a status file of /proc.
-std::int64_t statusValue(const std::filesystem::path& file, const std::string& name) {
-  std::ifstream in(file);
-  std::string word;
-  while (in >> word) {
-    std::int64_t value = 0;
-    if (word == name + ":" && in >> value) return value;
-  }
-  throw std::runtime_error(file.string() + " has no " + name);
-}
 
 std::int64_t wakeUps(pid_t process) {
   std::int64_t sum = 0;
@@ -84,7 +64,7 @@ double expandOverhead(VirtualDesktop& desktop) {
 
 void run(Figures& figures) {
   VirtualDesktop desktop;
-  QuorloProgram quorlo(desktop, QUORLO, library(10'000));
+  QuorloProgram quorlo(desktop, QUORLO, benchmarkLibrary(10'000));
   std::this_thread::sleep_for(std::chrono::seconds(kStartUpSeconds));
 
   const auto before = wakeUps(quorlo.process().pid());
@@ -93,9 +73,6 @@ void run(Figures& figures) {
   figures.add("idle_wakeups_per_s", static_cast<double>(after - before) / kIdleSeconds);
 
   figures.add("expand_overhead_p95_ms", expandOverhead(desktop));
-
-  const auto status = fmt::format("/proc/{}/status", quorlo.process().pid());
-  figures.add("rss_mb_10k", static_cast<double>(statusValue(status, "VmRSS")) / 1024);
 }
 
 }  // namespace
