@@ -92,6 +92,15 @@ void KeyboardLink::selectEvents() {
   xcb_xkb_select_events_aux(connection_.get(), masterKeyboard_, kWhich, 0, 0, kMap, kMap, &details);
 }
 
+// The map of a keyboard that floats is changed without a word to the session's.
+void KeyboardLink::selectMapChanges(Device device) const {
+  xcb_xkb_select_events_details_t details{};
+  details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
+  details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
+  xcb_xkb_select_events_aux(connection_.get(), device, XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY, 0, 0, 0, 0,
+                            &details);
+}
+
 bool KeyboardLink::isXtest(Device device) const {
   const auto reply =
       connection_.reply(xcb_input_xi_get_property_reply,
@@ -133,6 +142,7 @@ KeyboardLink::Grab KeyboardLink::grabKeyboards() {
                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &kKeyMask));
     if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
       grabbed_.insert(device);
+      selectMapChanges(device);
       anyGrabbed = true;
     } else {
       grabbed_.erase(device);  // the server ended a grab there was
@@ -140,7 +150,7 @@ KeyboardLink::Grab KeyboardLink::grabKeyboards() {
     }
   }
   // Keys come to the applications from the XTEST keyboard now, which has a map of its own.
-  copyKeyboardMap(connection_, keyboards.attached.front(), xtestKeyboard_);
+  useMapOf(keyboards.attached.front());
   return anyGrabbed ? Grab::some : Grab::refused;
 }
 
@@ -149,6 +159,7 @@ void KeyboardLink::ungrabKeyboards() {
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, device);
   }
   grabbed_.clear();
+  mapSource_ = 0;
   connection_.flush();
 }
 
@@ -210,14 +221,17 @@ KeyReader::Locks KeyboardLink::locks() const {
   return {state->latchedMods, state->lockedMods, state->latchedGroup, state->lockedGroup};
 }
 
-void KeyboardLink::shareMap(bool onlyKeysyms) {
-  for (const auto device : grabbed_) {
-    if (onlyKeysyms) {
-      copyKeysyms(connection_, xtestKeyboard_, device);
-    } else {
-      copyKeyboardMap(connection_, xtestKeyboard_, device);
-    }
-  }
+bool KeyboardLink::useMapOf(Device keyboard) {
+  if (std::exchange(mapSource_, keyboard) == keyboard) return false;
+  return copyKeyboardMap(connection_, keyboard, xtestKeyboard_);
+}
+
+void KeyboardLink::shareMap() {
+  for (const auto device : grabbed_) copyKeyboardMap(connection_, xtestKeyboard_, device);
+}
+
+void KeyboardLink::shareKeysyms() {
+  for (const auto device : grabbed_) copyKeysyms(connection_, xtestKeyboard_, device);
 }
 
 void KeyboardLink::shareLocks(const KeyReader::Locks& locks) {
@@ -237,7 +251,7 @@ void KeyboardLink::release(XKeycode keycode) {
   xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
 }
 
-KeyboardLink::Change KeyboardLink::read(const xcb_generic_event_t& event) const {
+KeyboardLink::Change KeyboardLink::read(const xcb_generic_event_t& event) {
   Change change;
   const auto type = event.response_type & 0x7FU;
   if (type == XCB_GE_GENERIC) {
@@ -262,11 +276,19 @@ KeyboardLink::Change KeyboardLink::read(const xcb_generic_event_t& event) const 
     }
   } else if (type == xkbFirstEvent_ && xkbFirstEvent_ != 0) {
     switch (event.pad0) {
-      case XCB_XKB_NEW_KEYBOARD_NOTIFY:
-        change.mapChanged = true;
+      case XCB_XKB_NEW_KEYBOARD_NOTIFY: {
+        const auto& notify = reinterpret_cast<const xcb_xkb_new_keyboard_notify_event_t&>(event);
+        // The session's map also changes by itself, to that of the keyboard which is typed on.
+        const bool isByTheUser = notify.requestMinor == XCB_XKB_GET_KBD_BY_NAME;
+        if (notify.deviceID != masterKeyboard_) {
+          mapSource_ = 0;
+        } else {
+          change.map = isByTheUser ? MapChange::chosen : MapChange::replaced;
+        }
         break;
+      }
       case XCB_XKB_MAP_NOTIFY:
-        change.onlyKeysymsChanged = true;
+        change.map = MapChange::keysyms;
         break;
       case XCB_XKB_STATE_NOTIFY: {
         const auto& state = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);

@@ -51,24 +51,30 @@ class KeyboardLink : public KeyStream::Output {
   // The map that applications see for keys pressed through `press`.
   std::optional<KeyMap> map() const;
   KeyReader::Locks locks() const;
+  // Makes the keys pressed from now on those of this keyboard, since each may have a layout of its own. True
+  // when the map has changed by that.
+  bool useMapOf(Device keyboard);
   // The session's keyboard map or locks were changed: the floating keyboards follow.
-  void shareMap(bool onlyKeysyms);
+  void shareMap();
+  void shareKeysyms();
   void shareLocks(const KeyReader::Locks& locks);
 
   void press(XKeycode keycode) override;
   void release(XKeycode keycode) override;
   void flush() override { connection_.flush(); }
 
+  // The session's map is that of another keyboard now; the user has chosen one for all keyboards; single
+  // keysyms are others.
+  enum class MapChange { replaced, chosen, keysyms };
   // What an event says; at most one of these.
   struct Change {
     std::optional<PhysicalKey> key;
     std::uint32_t time = 0;  // of the key, in milliseconds of the server
     bool keyboardsChanged = false;
-    bool mapChanged = false;
-    bool onlyKeysymsChanged = false;
+    std::optional<MapChange> map;
     std::optional<KeyReader::Locks> locks;
   };
-  Change read(const xcb_generic_event_t& event) const;
+  Change read(const xcb_generic_event_t& event);
 
  private:
   struct Keyboards {
@@ -80,6 +86,7 @@ class KeyboardLink : public KeyStream::Output {
   Keyboards findKeyboards() const;
   void findObstacles();
   bool isXtest(Device device) const;
+  void selectMapChanges(Device device) const;
   void appendHeldKeys(Device device, HeldKeys& held) const;
 
   XConnection& connection_;
@@ -89,6 +96,7 @@ class KeyboardLink : public KeyStream::Output {
   Device masterKeyboard_ = 0;
   Device xtestKeyboard_ = 0;
   std::set<Device> grabbed_;
+  Device mapSource_ = 0;  // the keyboard whose map the XTEST keyboard has; 0 when in doubt
 };
 
 }  // namespace quorlo

@@ -73,13 +73,15 @@ void loadMap(const XConnection& connection, std::uint16_t device, const Componen
 
 }  // namespace
 
-void copyKeyboardMap(const XConnection& connection, std::uint16_t from, std::uint16_t to) {
+bool copyKeyboardMap(const XConnection& connection, std::uint16_t from, std::uint16_t to) {
   const auto components = componentsOf(connection, from);
-  if (components.symbols.empty() || components == componentsOf(connection, to)) return;
+  if (components.symbols.empty() || components == componentsOf(connection, to)) return false;
   loadMap(connection, to, components);
+  return true;
 }
 
 void copyKeysyms(const XConnection& connection, std::uint16_t from, std::uint16_t to) {
+  if (componentsOf(connection, from) != componentsOf(connection, to)) return;
   const auto* setup = xcb_get_setup(connection.get());
   const auto first = setup->min_keycode;
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);

@@ -92,7 +92,7 @@ void KeyboardSession::endTap() {
 
 bool KeyboardSession::takeKeyboards() {
   if (link_.grabKeyboards() == KeyboardLink::Grab::refused) return false;
-  handleMapChange(false);
+  readMap();
   stream_->letGoOthers(link_.pressedKeys());
   stream_->begin(link_.heldKeys());
   return true;
@@ -122,8 +122,10 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
   }
   const auto change = link_.read(event);
   if (change.key && grabbing_) {
+    const bool isPress = change.key->kind == PhysicalKey::Kind::press;
+    if (isPress && link_.useMapOf(change.key->device)) readMap();
     stream_->handle(*change.key);
-    if (guard_ && change.key->kind == PhysicalKey::Kind::press) guard_->answered(change.time);
+    if (guard_ && isPress) guard_->answered(change.time);
   }
   if (change.keyboardsChanged && grabbing_) {
     const auto grab = link_.grabKeyboards();
@@ -132,16 +134,19 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
     // A new keyboard may have been typed on before it was grabbed.
     if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
   }
-  if (change.mapChanged || change.onlyKeysymsChanged) handleMapChange(!change.mapChanged);
+  if (change.map) {
+    if (change.map == KeyboardLink::MapChange::chosen) link_.shareMap();
+    if (change.map == KeyboardLink::MapChange::keysyms) link_.shareKeysyms();
+    readMap();
+  }
   if (change.locks && stream_) {
     stream_->setLocks(*change.locks);
     link_.shareLocks(*change.locks);
   }
 }
 
-void KeyboardSession::handleMapChange(bool onlyKeysyms) {
+void KeyboardSession::readMap() {
   if (!stream_) return;
-  link_.shareMap(onlyKeysyms);
   auto map = link_.map();
   if (!map) return;
   stream_->setMap(std::move(*map));

@@ -73,7 +73,7 @@ class KeyboardSession : KeyStream::Judge {
   TapVerdict keyPressed(const KeyDownEvent& event) override;
   void keyRepeated(const KeyDownEvent& event) override;
   void handleEvent(const xcb_generic_event_t& event);
-  void handleMapChange(bool onlyKeysyms);
+  void readMap();
   // Whether it is nobody's typing.
   bool isPassedUnseen(const KeyDownEvent& event) const;
   bool takeKeyboards();
