@@ -45,8 +45,8 @@ std::string entryFor(const fs::path& program) {
 
 }  // namespace
 
-LaunchAtLogin::LaunchAtLogin(fs::path autostartDirectory, fs::path program)
-    : entry_(std::move(autostartDirectory) / "org.quorlo.Quorlo.desktop"), program_(std::move(program)) {}
+LaunchAtLogin::LaunchAtLogin(const fs::path& autostartDirectory, fs::path program)
+    : entry_(autostartDirectory / "org.quorlo.Quorlo.desktop"), program_(std::move(program)) {}
 
 bool LaunchAtLogin::isEnabled() const {
   std::ifstream stream(entry_);

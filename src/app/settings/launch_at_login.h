@@ -16,7 +16,7 @@ class LaunchAtLogin {
  public:
   // `autostartDirectory` need not exist. `program` is what the entry starts: an absolute path, or a name
   // that is found in PATH.
-  LaunchAtLogin(std::filesystem::path autostartDirectory, std::filesystem::path program);
+  LaunchAtLogin(const std::filesystem::path& autostartDirectory, std::filesystem::path program);
 
   bool isEnabled() const;
   // An error when the entry cannot be written or removed.

@@ -32,7 +32,7 @@ class GeneralPage : public SettingsPage {
     for (const auto& [text, action] : {std::pair(u"Show the Welcome Window", services.showWelcome),
                                        std::pair(u"About Quorlo", services.showAbout)}) {
       auto* const button = new QPushButton(localizedText(text));
-      connect(button, &QPushButton::clicked, this, [action] { action(); });
+      connect(button, &QPushButton::clicked, this, [act = action] { act(); });
       row->addWidget(button);
     }
     row->addStretch();

@@ -47,7 +47,7 @@ QCheckBox* SettingsPage::addSwitch(std::u16string_view label, BoolGetter get, Bo
       hint);
 }
 
-QCheckBox* SettingsPage::addSwitch(std::u16string_view label, std::function<bool()> get,
+QCheckBox* SettingsPage::addSwitch(std::u16string_view label, const std::function<bool()>& get,
                                    std::function<void(bool)> set, std::u16string_view hint) {
   auto* const box = new QCheckBox(localizedText(label));
   group_->addRow(box);

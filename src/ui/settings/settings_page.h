@@ -36,8 +36,8 @@ class SettingsPage : public QWidget {
   using BoolSetter = void (SettingsController::*)(bool);
   QCheckBox* addSwitch(std::u16string_view label, BoolGetter get, BoolSetter set,
                        std::u16string_view hint = {});
-  QCheckBox* addSwitch(std::u16string_view label, std::function<bool()> get, std::function<void(bool)> set,
-                       std::u16string_view hint = {});
+  QCheckBox* addSwitch(std::u16string_view label, const std::function<bool()>& get,
+                       std::function<void(bool)> set, std::u16string_view hint = {});
 
   // A list of the cases.
   template <class Enum, std::size_t count>
