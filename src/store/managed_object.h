@@ -48,6 +48,12 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
   Subscription observeChanges(std::function<void(std::string_view name)> callback);
 
  protected:
+  // A record of which a stored relationship leads to this one.
+  struct Referrer {
+    ManagedObject& record;
+    const Property& relationship;
+  };
+
   explicit ManagedObject(Entity entity) : objectID_{entity, 0} {}
 
   // True when the value was another one.
@@ -79,9 +85,9 @@ class ManagedObject : public std::enable_shared_from_this<ManagedObject> {
   virtual void prepareForDeletion() {}
   // Forgets every relationship without a trace; the other side is forgotten too.
   virtual void dropRelationships() {}
-  // Others have deleted the record, which has unsaved changes and is to be stored again: counts what led to
-  // it as changed.
-  virtual void didLoseRow(ManagedObjectContext&) {}
+  virtual std::vector<Referrer> referrers() const { return {}; }
+  // Others have deleted the record, which has unsaved changes and is to be stored again.
+  virtual void didLoseRow() {}
 
   ObjectID objectID_;
   std::int64_t rowNumber_ = 0;

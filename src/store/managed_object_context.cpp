@@ -269,7 +269,8 @@ void ManagedObjectContext::noteUnsaved(ManagedObject& record, const Property& pr
 void ManagedObjectContext::keep(ManagedObject& lost) {
   unsaved_.noteInsertion(lost.shared_from_this());
   lost.changedProperties_.clear();
-  lost.didLoseRow(*this);
+  lost.didLoseRow();
+  for (const auto& [record, relationship] : lost.referrers()) noteUnsaved(record, relationship);
 }
 
 void ManagedObjectContext::announceLater(const ManagedObject& record, std::string_view name) {

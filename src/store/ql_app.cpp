@@ -64,11 +64,13 @@ void QLApp::prepareForDeletion() {
   for (auto* each : Relationship::copy(blockingCategories_)) each->removeBlockedApp(*this);
 }
 
-void QLApp::didLoseRow(ManagedObjectContext& context) {
-  for (auto* each : allowedSnippets_) context.noteUnsaved(*each, QLSnippet::kAllowedApps);
-  for (auto* each : blockedApps_) context.noteUnsaved(*each, QLSnippet::kBlockedSnippets);
-  for (auto* each : allowingCategories_) context.noteUnsaved(*each, QLCategory::kAllowedApps);
-  for (auto* each : blockingCategories_) context.noteUnsaved(*each, QLCategory::kBlockedApps);
+std::vector<ManagedObject::Referrer> QLApp::referrers() const {
+  std::vector<Referrer> found;
+  for (auto* each : allowedSnippets_) found.push_back({*each, QLSnippet::kAllowedApps});
+  for (auto* each : blockedApps_) found.push_back({*each, QLSnippet::kBlockedSnippets});
+  for (auto* each : allowingCategories_) found.push_back({*each, QLCategory::kAllowedApps});
+  for (auto* each : blockingCategories_) found.push_back({*each, QLCategory::kBlockedApps});
+  return found;
 }
 
 void QLApp::dropRelationships() {

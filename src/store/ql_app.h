@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorlo {
 
@@ -43,7 +44,7 @@ class QLApp final : public ManagedObject {
   void enterIndexes(ManagedObjectContext& context) override;
   void prepareForDeletion() override;
   void dropRelationships() override;
-  void didLoseRow(ManagedObjectContext& context) override;
+  std::vector<Referrer> referrers() const override;
 
   std::string bundleID_;
   std::int64_t type_ = 0;

@@ -241,8 +241,10 @@ void QLCategory::dropRelationships() {
   snippets_.clear();
 }
 
-void QLCategory::didLoseRow(ManagedObjectContext& context) {
-  for (auto* each : snippets_) context.noteUnsaved(*each, QLSnippet::kCategory);
+std::vector<ManagedObject::Referrer> QLCategory::referrers() const {
+  std::vector<Referrer> found;
+  for (auto* each : snippets_) found.push_back({*each, QLSnippet::kCategory});
+  return found;
 }
 
 void QLCategory::touch() {

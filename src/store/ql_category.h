@@ -107,7 +107,7 @@ class QLCategory final : public ManagedObject {
   void awakeFromFetch() override;
   void prepareForDeletion() override;
   void dropRelationships() override;
-  void didLoseRow(ManagedObjectContext& context) override;
+  std::vector<Referrer> referrers() const override;
   void touch();
   std::size_t currentNumberOfSnippets() const;
 

@@ -231,7 +231,7 @@ void QLSnippet::dropRelationships() {
 }
 
 // Of a rich text that was not read before only the characters are left.
-void QLSnippet::didLoseRow(ManagedObjectContext&) {
+void QLSnippet::didLoseRow() {
   if (richTextPlace_ == RichTextPlace::both) richTextPlace_ = RichTextPlace::here;
   if (richTextPlace_ != RichTextPlace::here) richTextPlace_ = RichTextPlace::none;
 }

@@ -136,7 +136,7 @@ class QLSnippet final : public ManagedObject {
   void awakeFromFetch() override;
   void prepareForDeletion() override;
   void dropRelationships() override;
-  void didLoseRow(ManagedObjectContext& context) override;
+  void didLoseRow() override;
   void touch();
   void deriveTitle();
   void replaceText(std::u16string plainText, std::unique_ptr<const AttributedString> richText);

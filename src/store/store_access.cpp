@@ -78,6 +78,14 @@ bool StoreAccess::isNewToStore(const ManagedObject& record) const {
   return context_.unsaved_.holdsInsertionOf(record);
 }
 
+std::vector<ManagedObject*> StoreAccess::referrers(const ManagedObject& record) {
+  std::vector<ManagedObject*> saved;
+  for (const auto& each : record.referrers()) {
+    if (each.record.rowNumber_ != 0) saved.push_back(&each.record);
+  }
+  return saved;
+}
+
 void StoreAccess::remove(ManagedObject& record) {
   if (!isUnsaved(record)) {
     context_.deleteObject(record);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -41,6 +42,9 @@ class StoreAccess {
   // It has changes that the store does not have yet.
   bool isUnsaved(const ManagedObject& record) const;
   bool isNewToStore(const ManagedObject& record) const;
+
+  // The saved records whose stored relationships lead to this one.
+  static std::vector<ManagedObject*> referrers(const ManagedObject& record);
 
   // Others have deleted it. With unsaved changes it stays, as one that is new to the store.
   void remove(ManagedObject& record);

@@ -9,7 +9,6 @@
 #include "text/rich_text_archive.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 #include <string>
 #include <utility>
@@ -17,9 +16,6 @@
 
 namespace quorlo {
 namespace {
-
-// Folders and applications before the snippets that refer to them.
-constexpr std::array kOrder{Entity::category, Entity::app, Entity::user, Entity::snippet};
 
 std::string selectAll(Entity entity) {
   std::string sql = "SELECT row";
@@ -89,6 +85,7 @@ class Refresh {
   Status richText(QLSnippet& snippet);
   Status relationship(ManagedObject& owner, const StoredRelationship& relationship);
   Status makeSureOf(Entity entity, std::int64_t row);
+  Status referrers(const ManagedObject& storedAgain);
 
   SqliteDatabase& database_;
   StoreAccess& access_;
@@ -97,7 +94,7 @@ class Refresh {
 // What is gone comes first: a folder that stays because of its unsaved changes keeps its snippets.
 Status Refresh::run(const std::vector<HistoryChange>& changes) {
   for (const bool isDeletion : {true, false}) {
-    for (const auto entity : kOrder) {
+    for (const auto entity : kReferencedFirst) {
       for (const auto& each : changes) {
         if (each.entity != entity || (each.kind == HistoryChange::Kind::deleted) != isDeletion) continue;
         if (auto status = record(each); !status) return status;
@@ -147,6 +144,16 @@ Status Refresh::take(const HistoryChange& change, const SqliteStatement& rows) {
     if (isUnsaved(record, *each.property)) continue;
     if (auto status = relationship(record, each); !status) return status;
   }
+  return known != nullptr && change.kind != HistoryChange::Kind::updated ? referrers(record) : Status();
+}
+
+// The record was deleted and stored again, and what led to it was cut in the store.
+Status Refresh::referrers(const ManagedObject& storedAgain) {
+  for (const auto* each : StoreAccess::referrers(storedAgain)) {
+    auto status =
+        record({.entity = each->entity(), .row = each->rowNumber(), .kind = HistoryChange::Kind::updated});
+    if (!status) return status;
+  }
   return {};
 }
 
@@ -191,10 +198,10 @@ Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
   StoreAccess access(context, StoreAccess::Purpose::load);
   const auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::read);
   if (!transaction) return transaction.error();
-  for (const auto entity : kOrder) {
+  for (const auto entity : kReferencedFirst) {
     if (auto status = loadEntity(database, entity, access); !status) return status;
   }
-  for (const auto entity : kOrder) {
+  for (const auto entity : kReferencedFirst) {
     for (const auto& each : storedRelationships(entity)) {
       if (auto status = loadRelationship(database, entity, each, access); !status) return status;
     }

@@ -26,9 +26,6 @@
 namespace quorlo {
 namespace {
 
-// Folders and applications before the snippets that refer to them.
-constexpr std::array kOrder{Entity::category, Entity::app, Entity::user, Entity::snippet};
-
 using Records = std::vector<std::shared_ptr<ManagedObject>>;
 
 // One save on its way into the file.
@@ -82,7 +79,7 @@ std::string uuidOf(const ManagedObject& record) {
 }
 
 Status Save::run(const ChangeSet& changes) {
-  for (const auto entity : kOrder) {
+  for (const auto entity : kReferencedFirst) {
     for (const auto& each : changes.inserted) {
       if (each->entity() != entity) continue;
       if (auto status = insert(*each); !status) return status;

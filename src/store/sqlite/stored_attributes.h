@@ -4,6 +4,7 @@
 #include "store/property.h"
 #include "store/record_set.h"
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -13,6 +14,9 @@ class ManagedObject;
 class QLApp;
 class SqliteStatement;
 class StoreAccess;
+
+// Folders and snippets refer to applications, snippets to folders.
+inline constexpr std::array kReferencedFirst{Entity::app, Entity::category, Entity::user, Entity::snippet};
 
 // How the records of an entity stand in the library's file: each attribute in a column of the entity's table,
 // under its own name, but for the rich text, which has a table of its own.

@@ -22,7 +22,13 @@ TEST(Records, AreTheSameAfterEachKindOfChangeWhenTheFileIsOpenedAgain) {
   picture.image =
       ImageAttachment{std::make_shared<const std::vector<std::uint8_t>>(3, std::uint8_t{7}), "image/png"};
   const std::function<void()> changes[] = {
-      [] {},
+      [&] {
+        snippet->setCategory(folder.get());
+        snippet->addAllowedApp(*app);
+        folder->addBlockedApp(*app);
+      },
+      [&] { snippet->setCategory(nullptr); },
+      [&] { folder->removeBlockedApp(*app); },
       [&] { snippet->setPlainText(u"plain\n\U0001F468\u200D\U0001F469 text"); },
       [&] { snippet->setText(AttributedString(u"\uFFFC", picture)); },
       [&] { snippet->setText(bold(u"\uFFFC")); },
@@ -33,9 +39,9 @@ TEST(Records, AreTheSameAfterEachKindOfChangeWhenTheFileIsOpenedAgain) {
       [&] { snippet->moveToTrash(); },
       [&] { snippet->restoreFromTrash(); },
       [&] { snippet->setCategory(folder.get()); },
-      [&] { snippet->addAllowedApp(*app); },
       [&] { snippet->addBlockedSnippet(*app); },
       [&] { snippet->removeAllowedApp(*app); },
+      [&] { snippet->addAllowedApp(*app); },
       [&] { folder->setTitle(u"Folder"); },
       [&] {
         folder->setShortcutValue(Shortcut{49, 0x100000});

@@ -198,6 +198,27 @@ TEST(Refresh, TellsObserversOnlyWhenTheyMayChangeRecordsAndSave) {
   EXPECT_EQ(SharedLibrary::in(*library.other(), *snippet)->title(), u"used twice");
 }
 
+// The file's reference to the application went with it, and who stored it again did not know of that.
+TEST(Refresh, CutsWhatLedToARecordThatWasDeletedAndStoredAgainElsewhere) {
+  SharedLibrary library;
+  const auto app = library.here.insert<QLApp>();
+  const auto folder = library.here.insert<QLCategory>();
+  ASSERT_TRUE(library.here.save());
+  const auto keeping = library.other("keeping");
+  const auto deleting = library.other("deleting");
+  folder->addBlockedApp(*app);
+  ASSERT_TRUE(library.here.save());
+
+  deleting->deleteObject(*SharedLibrary::in(*deleting, *app));
+  ASSERT_TRUE(deleting->save());
+  SharedLibrary::in(*keeping, *app)->setType(3);
+  ASSERT_TRUE(keeping->save());
+  ASSERT_TRUE(library.refresh());
+  EXPECT_EQ(app->type(), 3);
+  EXPECT_TRUE(folder->blockedApps().empty());
+  EXPECT_EQ(library.stored(), Description::of(library.here));
+}
+
 TEST(Refresh, OfAFolderThatIsGoneLeavesASnippetMovedIntoItWithoutOne) {
   SharedLibrary library;
   const auto folder = library.here.insert<QLCategory>();
