@@ -38,6 +38,36 @@ TEST_F(DesktopLibraryTest, UseCountsAndStatisticsSurviveARestart) {
   EXPECT_EQ(stored("SELECT count(*) FROM User"), 1);
 }
 
+TEST_F(DesktopLibraryTest, WhatAnotherProcessSavesExpandsWithoutARestart) {
+  startQuorlo();
+  Mousepad editor(desktop());
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+  EXPECT_TRUE(waitUntil([&] { return stored("SELECT sum(useCount) FROM Snippet") == 1; }))
+      << "saved by itself";
+
+  SqliteDatabase other(file(desktop()));
+  ASSERT_TRUE(other.open(SqliteDatabase::Access::readWrite));
+  {
+    auto transaction = SqliteTransaction::begin(other, SqliteTransaction::Kind::write);
+    ASSERT_TRUE(transaction);
+    for (const auto* statement :
+         {"UPDATE Snippet SET abbreviation = 'bbl', plainText = 'be back later' WHERE abbreviation = 'brb'",
+          "INSERT INTO HistoryTransaction (timestamp, author, contextName)"
+          " SELECT max(timestamp) + 1, 'test', 'test_context' FROM HistoryTransaction",
+          "INSERT INTO HistoryChange (transactionNumber, entity, row, uuid, kind, changedProperties)"
+          " SELECT (SELECT max(number) FROM HistoryTransaction), 'Snippet', row, uuid, 1,"
+          " 'abbreviation,plainText' FROM Snippet WHERE abbreviation = 'bbl'"}) {
+      ASSERT_TRUE(other.execute(statement));
+    }
+    ASSERT_TRUE(transaction.value().commit());
+  }
+  EXPECT_TRUE(waitUntil([&] {  // until the change has come in
+    type("bbl .");
+    return editor.text().ends_with("be back later .");
+  })) << editor.text();
+}
+
 TEST_F(DesktopLibraryTest, AnUnreadableLibraryEndsTheProgramWithAMessageAndStaysWhereItIs) {
   startQuorlo();
   quorlo_.reset();
