@@ -6,6 +6,8 @@
 #include "fakes/fake_user_defaults.h"
 #include "store/test_library.h"
 #include "ui/library/attributed_document.h"
+#include "ui/library/snippet_form.h"
+#include "ui/library/snippet_list_model.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +19,7 @@
 #include <QTest>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QToolBar>
 #include <QTreeView>
 
 #include <memory>
@@ -195,6 +198,25 @@ TEST(AttributedDocumentTest, GivesBackFormatsPicturesAndMarks) {
   setContents(document, text);
   EXPECT_EQ(attributedString(document), text);
   EXPECT_FALSE(document.isUndoAvailable());
+}
+
+TEST_F(LibraryWindowTest, ShowsTheFormatBarAndUseCountsAsTheSettingsSay) {
+  hello->setFormatted(static_cast<std::int64_t>(SnippetType::formatted));
+  navigation.select(hello);
+  settle();
+  const auto* const bar = window.findChild<SnippetForm*>()->findChild<QToolBar*>();
+  EXPECT_TRUE(bar->isVisible());
+  settings.setShowFormatInspector(false);
+  library.queue.advance(Seconds(0.25));
+  EXPECT_FALSE(bar->isVisible());
+  navigation.select(other);
+  navigation.select(hello);
+  settle();
+  EXPECT_FALSE(bar->isVisible());
+  const auto* const list = find<QTreeView>("snippets");
+  EXPECT_FALSE(list->isColumnHidden(SnippetListModel::uses));
+  settings.setShowSnippetUseCount(false);
+  EXPECT_TRUE(list->isColumnHidden(SnippetListModel::uses));
 }
 
 }  // namespace

@@ -66,7 +66,10 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
     const bool changesOrder =
         changed == Setting::snippetsSortOption || changed == Setting::ascendingSnippetSortation;
     if (changesOrder && isVisible() && !isFollowing_) refresh();
+    if (changed == Setting::showSnippetUseCount) showUseCounts();
   });
+  form_->setShowsFormatBar(parts_.settings.showFormatInspector());
+  parts_.settings.setFormatBarHandler([this](bool shown) { form_->setShowsFormatBar(shown); });
   navigationChanges_ = parts_.navigation.observe([this](NavigationModel::Change) {
     if (!isFollowing_) followNavigation();
   });
@@ -74,7 +77,13 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
   followNavigation();
 }
 
-LibraryWindow::~LibraryWindow() = default;
+LibraryWindow::~LibraryWindow() {
+  parts_.settings.setFormatBarHandler(nullptr);
+}
+
+void LibraryWindow::showUseCounts() {
+  snippetList_->setColumnHidden(SnippetListModel::uses, !parts_.settings.showSnippetUseCount());
+}
 
 bool LibraryWindow::commitEditing() {
   if (form_->takeOver()) return true;
@@ -120,7 +129,7 @@ void LibraryWindow::makeViews() {
   header->resizeSection(SnippetListModel::abbreviation, width("Abbreviation"));
   header->resizeSection(SnippetListModel::modified, width("00/00/0000"));
   header->resizeSection(SnippetListModel::uses, width("Used"));
-  snippetList_->setColumnHidden(SnippetListModel::uses, !parts_.settings.showSnippetUseCount());
+  showUseCounts();
   snippetList_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(snippetList_, &QWidget::customContextMenuRequested, this, &LibraryWindow::showMenuOfList);
   connect(snippetList_->selectionModel(), &QItemSelectionModel::selectionChanged, this,

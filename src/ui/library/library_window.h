@@ -51,6 +51,7 @@ class LibraryWindow final : public QMainWindow {
  private:
   void makeActions();
   void makeViews();
+  void showUseCounts();
   QAction* addAction(const char* icon, std::u16string_view name, const QKeySequence& keys,
                      void (LibraryWindow::*act)());
 

@@ -115,6 +115,11 @@ void SnippetForm::focusTitle() {
   title_->selectAll();
 }
 
+void SnippetForm::setShowsFormatBar(bool shows) {
+  showsFormatBar_ = shows;
+  formatBar_->setVisible(shows && snippet_ && hasFormats(typeOf(*snippet_)));
+}
+
 void SnippetForm::show() {
   const QScopedValueRollback showing(isShowing_, true);
   pause_->stop();
@@ -125,20 +130,19 @@ void SnippetForm::show() {
   }
   text_->setEnabled(snippet_ != nullptr);
   text_->setReadOnly(!isEditable);
+  setShowsFormatBar(showsFormatBar_);
   fault_->hide();
   if (!snippet_) {
     title_->clear();
     abbreviation_->clear();
     text_->setSnippetText({}, SnippetType::plainText);
     details_->clear();
-    formatBar_->hide();
     return;
   }
   title_->setText(toQString(snippet_->title()));
   title_->setPlaceholderText(toQString(snippet_->displayTitle()));
   abbreviation_->setText(toQString(snippet_->abbreviation()));
   type_->setCurrentIndex(type_->findData(static_cast<qlonglong>(typeOf(*snippet_))));
-  formatBar_->setVisible(hasFormats(typeOf(*snippet_)));
   text_->setSnippetText(snippet_->text(), typeOf(*snippet_));
   showDetails();
 }

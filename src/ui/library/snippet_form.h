@@ -44,6 +44,9 @@ class SnippetForm final : public QWidget {
 
   void focusTitle();
 
+  // For text that can have formats.
+  void setShowsFormatBar(bool shows);
+
  private:
   void show();
   void showAbbreviationFault();
@@ -56,6 +59,7 @@ class SnippetForm final : public QWidget {
   Validation validate_;
   std::shared_ptr<QLSnippet> snippet_;
   Subscription changes_;
+  bool showsFormatBar_ = true;
   bool isShowing_ = false;  // fields are being filled, not edited
   QTimer* pause_;
   QLineEdit* title_;

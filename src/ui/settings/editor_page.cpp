@@ -19,25 +19,12 @@ SettingsPage* makeEditorPage(const SettingsServices& services) {
   page->beginGroup(u"New snippets");
   page->addChoice(u"Format:", kFormats, displayName, &SettingsController::defaultSnippetFormat,
                   &SettingsController::setDefaultSnippetFormat);
-  page->addSwitch(u"Hide the button that adds an abbreviation",
-                  &SettingsController::hideAbbreviationAddButton,
-                  &SettingsController::setHideAbbreviationAddButton);
 
-  page->beginGroup(u"Text");
+  page->beginGroup(u"Views");
+  page->addSwitch(u"Show how often a snippet was used", &SettingsController::showSnippetUseCount,
+                  &SettingsController::setShowSnippetUseCount);
   page->addSwitch(u"Show the format bar for formatted text", &SettingsController::showFormatInspector,
                   &SettingsController::setShowFormatInspector);
-  page->addSwitch(u"Show the preview next to the text", &SettingsController::showPreviewNextToEditorText,
-                  &SettingsController::setShowPreviewNextToEditorText);
-
-  page->beginGroup(u"Macros");
-  page->addSwitch(u"Mark macros with a symbol", &SettingsController::showSymbolNextToMacro,
-                  &SettingsController::setShowSymbolNextToMacro);
-  page->addSwitch(u"Open the settings of a macro after inserting it",
-                  &SettingsController::openMacroSettingsAfterInsert,
-                  &SettingsController::setOpenMacroSettingsAfterInsert);
-  page->addSwitch(u"Show what macros give in their place",
-                  &SettingsController::showMacroReplacementPreviewInSnippetEditor,
-                  &SettingsController::setShowMacroReplacementPreviewInSnippetEditor);
   return page;
 }
 

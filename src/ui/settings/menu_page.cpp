@@ -30,8 +30,6 @@ SettingsPage* makeMenuPage(const SettingsServices& services) {
                   &SettingsController::setSnippetsSortOption);
   page->addSwitch(u"Ascending", &SettingsController::ascendingSnippetSortation,
                   &SettingsController::setAscendingSnippetSortation);
-  page->addSwitch(u"Show how often a snippet was used", &SettingsController::showSnippetUseCount,
-                  &SettingsController::setShowSnippetUseCount);
   return page;
 }
 
