@@ -17,6 +17,7 @@
 #include <QSysInfo>
 #include <QVersionNumber>
 
+#include <chrono>
 #include <utility>
 
 namespace quorlo {

@@ -24,6 +24,7 @@
 #include "store/persistence_controller.h"
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
+#include "text/locale_quotes.h"
 #include "ui/about/about_window.h"
 #include "ui/accessibility_help_window.h"
 #include "ui/dbus_user_notifications.h"
