@@ -1,11 +1,11 @@
 #pragma once
 
-#include "fakes/temporary_directory.h"
 #include "open_library.h"
 #include "store/background_context.h"
 #include "store/description.h"
 #include "store/history/persistent_history_fetcher.h"
 #include "store/history/remote_changes.h"
+#include "test_store.h"
 
 #include <memory>
 #include <string>
@@ -14,13 +14,13 @@ namespace quorlo {
 
 // A library that is open here, and in another process.
 struct SharedLibrary {
-  TemporaryDirectory directory{TemporaryDirectory::quickParent()};
-  OpenLibrary open{directory.path()};
+  TestStore files;
+  OpenLibrary open{files.directory};
   ManagedObjectContext& here = open.context();
 
   std::unique_ptr<ManagedObjectContext> other(std::string name = "other") const {
     return openBackgroundContext(
-               directory / kStoreFileName,
+               files.file,
                {.name = name + "_context", .transactionAuthor = name, .now = [] { return Date{}; }})
         .value();
   }

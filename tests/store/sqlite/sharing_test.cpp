@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
+#include <type_traits>
 
 namespace quorlo {
 namespace {
@@ -40,54 +42,28 @@ class Process {
     const auto folder = any<QLCategory>(random);
     const auto app = any<QLApp>(random);
     const std::u16string text(1, static_cast<char16_t>(u'A' + random() % 20));
-    switch (random() % 14) {
-      case 0: {
-        const auto fresh = context_->insert<QLSnippet>();
-        fresh->setUuid("snippet");
-        fresh->setText(bold(text));
-        fresh->setCategory(folder.get());
-        if (app) fresh->addAllowedApp(*app);
-        return;
-      }
-      case 1: {
-        const auto fresh = context_->insert<QLCategory>();
-        fresh->setUuid("folder");
-        if (app) fresh->addBlockedApp(*app);
-        return;
-      }
-      case 2:
-        context_->insert<QLApp>();
-        return;
-      case 3:
-        return snippet ? context_->deleteObject(*snippet) : void();
-      case 4:
-        return folder ? context_->deleteObject(*folder) : void();
-      case 5:
-        return app ? context_->deleteObject(*app) : void();
-      case 6:
-        return snippet ? snippet->setAbbreviation(text) : void();
-      case 7:
-        return snippet ? snippet->setText(random() % 2 == 0 ? bold(text) : AttributedString(text)) : void();
-      case 8:
-        return snippet ? snippet->setCategory(folder.get()) : void();
-      case 9:
-        return snippet && app ? snippet->addAllowedApp(*app) : void();
-      case 10:
-        return snippet && app ? snippet->removeAllowedApp(*app) : void();
-      case 11:
-        return folder ? folder->setTitle(text) : void();
-      case 12:
-        return app ? app->setType(static_cast<std::int64_t>(random() % 5)) : void();
-      default:
-        context_->releaseRichTexts();
-    }
+    const std::function<void()> changes[] = {
+        [&] { context_->deleteObject(*snippet); },   [&] { context_->deleteObject(*folder); },
+        [&] { context_->deleteObject(*app); },       [&] { snippet->setAbbreviation(text); },
+        [&] { snippet->setText(bold(text)); },       [&] { snippet->setPlainText(text); },
+        [&] { snippet->setCategory(folder.get()); }, [&] { snippet->addAllowedApp(*app); },
+        [&] { snippet->removeAllowedApp(*app); },    [&] { folder->setTitle(text); },
+        [&] { folder->addBlockedApp(*app); },        [&] { app->setBundleID(std::to_string(random() % 9)); },
+        [&] { context_->releaseRichTexts(); },
+    };
+    changes[random() % std::size(changes)]();
   }
 
  private:
+  // One of the records there are, or a new one.
   template <class Record>
   std::shared_ptr<Record> any(std::mt19937& random) {
     const auto all = context_->fetch<Record>({}).value();
-    return all.empty() ? nullptr : all[random() % all.size()];
+    if (!all.empty() && random() % 8 != 0) return all[random() % all.size()];
+    auto fresh = std::make_shared<Record>();
+    if constexpr (!std::is_same_v<Record, QLApp>) fresh->setUuid("uuid");
+    context_->insert(fresh);
+    return fresh;
   }
 
   std::string name_;
@@ -103,7 +79,7 @@ TEST(Sharing, EndsWithTheSameRecordsEverywhere) {
     std::mt19937 random(seed);
     std::vector<std::unique_ptr<Process>> processes;
     for (const auto* name : {"a", "b", "c"}) {
-      processes.push_back(std::make_unique<Process>(library.directory / kStoreFileName, name));
+      processes.push_back(std::make_unique<Process>(library.files.file, name));
     }
     for (int step = 0; step < 60; ++step) {
       auto& process = *processes[random() % processes.size()];
