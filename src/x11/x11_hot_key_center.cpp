@@ -89,16 +89,15 @@ Result<Subscription> X11HotKeyCenter::registerHotKey(Shortcut shortcut, std::fun
   const auto failure = [&](std::u16string_view message) {
     return withText(localized(message), shortcutText(shortcut, layout_));
   };
+  if (inputOpcode_ == 0) return withText(localized(u"The X server lacks the extension %@."), u"XInput 2");
   if (!map_) readMap();
   const auto key = keyFor(shortcut);
-  if (inputOpcode_ == 0 || key.keycode == 0) return failure(u"There is no key on this keyboard for %@.");
+  if (key.keycode == 0) return failure(u"There is no key on this keyboard for %@.");
   const auto isTheSame = [&](const auto& other) { return keyFor(other.first) == key; };
   if (std::ranges::any_of(hotKeys_, isTheSame)) return failure(u"%@ is already in use in Quorlo.");
-  HotKey hotKey{std::nullopt, std::move(pressed)};
-  if (suspensions_ == 0) {
-    if (!grab(key)) return failure(u"%@ is in use by another program.");
-    hotKey.grabbed = key;
-  }
+  if (!grab(key)) return failure(u"%@ is in use by another program.");
+  HotKey hotKey{key, std::move(pressed)};
+  if (suspensions_ > 0) ungrab(hotKey);
   hotKeys_.emplace(shortcut, std::move(hotKey));
   tellTap();
   return Subscription(life_.guard([this, shortcut] { unregister(shortcut); }));
