@@ -23,8 +23,8 @@ class AdvancedPage : public SettingsPage {
     beginGroup(u"Finding faults");
     addSwitch(
         u"Debug mode", &SettingsController::debugModeEnabled, &SettingsController::setDebugModeEnabled,
-        u"Quorlo writes a detailed log, which may name titles and abbreviations of snippets but holds no "
-        u"other text. Debug mode ends by itself after 24 hours.");
+        u"Quorlo writes a detailed log, which may hold text of snippets that you insert. Debug mode ends by itself "
+        u"after 24 hours.");
     // Where the desktop opens no log, the user still knows where it is.
     auto* const path = new QLineEdit(QString::fromStdString(logFile().string()));
     path->setReadOnly(true);
