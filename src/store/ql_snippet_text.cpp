@@ -1,13 +1,14 @@
+// The text of a snippet and what is made from it.
+
+#include "store/ql_snippet.h"
+
 #include "base/log.h"
 #include "store/managed_object_context.h"
-#include "store/ql_snippet.h"
 #include "store/snippet_image.h"
 #include "store/snippet_text_cache.h"
 
 #include <algorithm>
 #include <utility>
-
-// The text of a snippet and what is made from it.
 
 namespace quorlo {
 namespace {
