@@ -9,32 +9,8 @@
 namespace quorlo {
 namespace {
 
-class EventTapTest : public ::testing::Test {
+class EventTapTest : public KeyboardTest {
  protected:
-  static void SetUpTestSuite() {
-    desktop_ = std::make_unique<VirtualDesktop>();
-    window_ = std::make_unique<KeyWindow>(*desktop_);
-  }
-  static void TearDownTestSuite() {
-    window_.reset();
-    desktop_.reset();
-  }
-  void SetUp() override { window.clear(); }
-  void TearDown() override {
-    keys().releaseAll();
-    desktop_->setLayout("us");
-  }
-  VirtualKeyboard& keys() { return desktop_->keyboard(); }
-  // What the window has once it is that, or what it has after a while.
-  std::string typedOnceItIs(const std::string& text) {
-    keyboard.pumpUntil([&] { return window.typed() == text; }, std::chrono::milliseconds(3000));
-    return window.typed();
-  }
-
-  static std::unique_ptr<VirtualDesktop> desktop_;
-  static std::unique_ptr<KeyWindow> window_;
-  KeyWindow& window = *window_;
-  KeyboardDesktop keyboard{*desktop_};
   std::vector<PasteSelection> pastes;
   PasteChords chords;
   ActiveWindow active;
@@ -42,9 +18,6 @@ class EventTapTest : public ::testing::Test {
       *keyboard.service, chords, [this] { return active; },
       [this](const PasteTarget&, PasteSelection selection) { pastes.push_back(selection); }};
 };
-
-std::unique_ptr<VirtualDesktop> EventTapTest::desktop_;
-std::unique_ptr<KeyWindow> EventTapTest::window_;
 
 TEST_F(EventTapTest, KeysPassWithNothingLost) {
   ASSERT_TRUE(keyboard.startTap());

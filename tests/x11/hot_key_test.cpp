@@ -9,22 +9,8 @@
 namespace quorlo {
 namespace {
 
-class HotKeyTest : public ::testing::Test {
+class HotKeyTest : public KeyboardTest {
  protected:
-  static void SetUpTestSuite() {
-    desktop_ = std::make_unique<VirtualDesktop>();
-    window_ = std::make_unique<KeyWindow>(*desktop_);
-  }
-  static void TearDownTestSuite() {
-    window_.reset();
-    desktop_.reset();
-  }
-  void SetUp() override { window.clear(); }
-  void TearDown() override {
-    keys().releaseAll();
-    desktop_->setLayout("us");
-  }
-  VirtualKeyboard& keys() { return desktop_->keyboard(); }
   // Presses the combination and then another one, with which all that came before is done: either it calls
   // or, while hot keys are suspended, the window gets it.
   void press(const std::string& chord) {
@@ -40,20 +26,16 @@ class HotKeyTest : public ::testing::Test {
     return center->registerHotKey(shortcut, [this] { ++calls; });
   }
 
-  static std::unique_ptr<VirtualDesktop> desktop_;
-  static std::unique_ptr<KeyWindow> window_;
-  KeyWindow& window = *window_;
-  KeyboardDesktop keyboard{*desktop_};
+  std::unique_ptr<X11HotKeyCenter> makeCenter() {
+    return std::move(
+               X11HotKeyCenter::connect({desktop_->display(), {}}, keyboard.queue, *keyboard.service, layout))
+        .value();
+  }
+
   X11KeyboardLayout layout{*keyboard.service};
-  std::unique_ptr<X11HotKeyCenter> center =
-      std::move(
-          X11HotKeyCenter::connect({desktop_->display(), {}}, keyboard.queue, *keyboard.service, layout))
-          .value();
+  std::unique_ptr<X11HotKeyCenter> center = makeCenter();
   int calls = 0;
 };
-
-std::unique_ptr<VirtualDesktop> HotKeyTest::desktop_;
-std::unique_ptr<KeyWindow> HotKeyTest::window_;
 
 TEST_F(HotKeyTest, KeepTheContractWithTheTapAndWithout) {
   for (const bool tapping : {false, true}) {
@@ -91,9 +73,7 @@ TEST_F(HotKeyTest, ACombinationOfAnotherProgramIsRefusedByName) {
   const auto refused = count(kMenuKey);
   ASSERT_FALSE(refused.ok());
   EXPECT_EQ(refused.error().message, "Ctrl+Alt+Space is in use by another program.");
-  auto rival = std::move(X11HotKeyCenter::connect({desktop_->display(), {}}, keyboard.queue,
-                                                  *keyboard.service, layout))
-                   .value();
+  auto rival = makeCenter();
   const auto theirs = rival->registerHotKey(kFolderKey, [] {});
   EXPECT_FALSE(count(kFolderKey).ok());
   rival.reset();

@@ -8,6 +8,9 @@
 #include "x11/pumped_queue.h"
 #include "x11/x_connection.h"
 
+#include <gtest/gtest.h>
+
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -67,6 +70,35 @@ class KeyboardDesktop {
 
  private:
   std::unique_ptr<EventTap::Port> port_;
+};
+
+// One virtual desktop for the suite, with a window that has the focus; a keyboard service for each test.
+class KeyboardTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    desktop_ = std::make_unique<VirtualDesktop>();
+    window_ = std::make_unique<KeyWindow>(*desktop_);
+  }
+  static void TearDownTestSuite() {
+    window_.reset();
+    desktop_.reset();
+  }
+  void SetUp() override { window.clear(); }
+  void TearDown() override {
+    keys().releaseAll();
+    desktop_->setLayout("us");
+  }
+  VirtualKeyboard& keys() { return desktop_->keyboard(); }
+  // What the window has once it is that, or what it has after a while.
+  std::string typedOnceItIs(const std::string& text) {
+    keyboard.pumpUntil([&] { return window.typed() == text; }, std::chrono::milliseconds(3000));
+    return window.typed();
+  }
+
+  inline static std::unique_ptr<VirtualDesktop> desktop_;
+  inline static std::unique_ptr<KeyWindow> window_;
+  KeyWindow& window = *window_;
+  KeyboardDesktop keyboard{*desktop_};
 };
 
 }  // namespace quorlo
