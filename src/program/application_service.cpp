@@ -87,5 +87,3 @@ ApplicationService::~ApplicationService() {
 }
 
 }  // namespace quorlo
-
-#include "moc_application_adaptors.cpp"

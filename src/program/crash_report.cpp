@@ -33,7 +33,7 @@ constexpr std::size_t kKeptReports = 10;
 struct Preparation {
   std::string path;
   std::string head;
-  std::array<char, 64 * 1024> stack;
+  std::array<char, std::size_t{64} * 1024> stack;
 };
 Preparation* preparation = nullptr;
 

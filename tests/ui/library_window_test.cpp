@@ -214,9 +214,9 @@ TEST_F(LibraryWindowTest, ShowsTheFormatBarAndUseCountsAsTheSettingsSay) {
   settle();
   EXPECT_FALSE(bar->isVisible());
   const auto* const list = find<QTreeView>("snippets");
-  EXPECT_FALSE(list->isColumnHidden(SnippetListModel::uses));
+  EXPECT_FALSE(list->isColumnHidden(SnippetListModel::usesColumn));
   settings.setShowSnippetUseCount(false);
-  EXPECT_TRUE(list->isColumnHidden(SnippetListModel::uses));
+  EXPECT_TRUE(list->isColumnHidden(SnippetListModel::usesColumn));
 }
 
 }  // namespace

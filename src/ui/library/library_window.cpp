@@ -82,7 +82,7 @@ LibraryWindow::~LibraryWindow() {
 }
 
 void LibraryWindow::showUseCounts() {
-  snippetList_->setColumnHidden(SnippetListModel::uses, !parts_.settings.showSnippetUseCount());
+  snippetList_->setColumnHidden(SnippetListModel::usesColumn, !parts_.settings.showSnippetUseCount());
 }
 
 bool LibraryWindow::commitEditing() {
@@ -122,13 +122,13 @@ void LibraryWindow::makeViews() {
   snippetList_->setSortingEnabled(true);
   auto* const header = snippetList_->header();
   header->setStretchLastSection(false);
-  header->setSectionResizeMode(SnippetListModel::title, QHeaderView::Stretch);
+  header->setSectionResizeMode(SnippetListModel::titleColumn, QHeaderView::Stretch);
   const auto width = [header](const char* sample) {
     return header->fontMetrics().horizontalAdvance(sample) + 24;
   };
-  header->resizeSection(SnippetListModel::abbreviation, width("Abbreviation"));
-  header->resizeSection(SnippetListModel::modified, width("00/00/0000"));
-  header->resizeSection(SnippetListModel::uses, width("Used"));
+  header->resizeSection(SnippetListModel::abbreviationColumn, width("Abbreviation"));
+  header->resizeSection(SnippetListModel::modifiedColumn, width("00/00/0000"));
+  header->resizeSection(SnippetListModel::usesColumn, width("Used"));
   showUseCounts();
   snippetList_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(snippetList_, &QWidget::customContextMenuRequested, this, &LibraryWindow::showMenuOfList);

@@ -99,15 +99,15 @@ int SnippetListModel::columnCount(const QModelIndex& parent) const {
 QVariant SnippetListModel::data(const QModelIndex& index, int role) const {
   const auto snippet = this->snippet(index);
   if (!snippet) return {};
-  if (role == Qt::TextAlignmentRole && index.column() == uses) return int(Qt::AlignRight | Qt::AlignVCenter);
-  if (role == Qt::DecorationRole && index.column() == title) return typeSymbol(*snippet);
+  if (role == Qt::TextAlignmentRole && index.column() == usesColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
+  if (role == Qt::DecorationRole && index.column() == titleColumn) return typeSymbol(*snippet);
   if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
-    case title:
+    case titleColumn:
       return toQString(snippet->displayTitle());
-    case abbreviation:
+    case abbreviationColumn:
       return toQString(snippet->abbreviation());
-    case modified:
+    case modifiedColumn:
       return shortDate(snippet->modifiedDate() ? snippet->modifiedDate() : snippet->creationDate());
     default:
       return QLocale().toString(static_cast<qlonglong>(snippet->useCount()));

@@ -20,7 +20,7 @@ class SnippetListModel final : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  enum Column { title, abbreviation, modified, uses, columnCount_ };
+  enum Column { titleColumn, abbreviationColumn, modifiedColumn, usesColumn, columnCount_ };
 
   SnippetListModel(ManagedObjectContext& context, SettingsController& settings, QObject* parent = nullptr);
 
