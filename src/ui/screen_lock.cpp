@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
@@ -64,12 +65,14 @@ void ScreenLock::sessionChanged(const QString& interface, const QVariantMap& cha
 }
 
 void ScreenLock::activeChanged(bool isActive, const QDBusMessage& message) {
-  if (isActive) {
-    ends_.addWatchedService(message.service());
-  } else {
-    ends_.removeWatchedService(message.service());
+  const auto locker = message.service();
+  if (!isActive) {
+    ends_.removeWatchedService(locker);
+    return note(locker, false);
   }
-  note(message.service(), isActive);
+  ends_.addWatchedService(locker);
+  // One that has ended before it was watched would leave the screen locked for good.
+  note(locker, QDBusConnection::sessionBus().interface()->isServiceRegistered(locker));
 }
 
 void ScreenLock::note(const QString& locker, bool isLocked) {
