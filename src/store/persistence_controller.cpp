@@ -10,12 +10,14 @@
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
 #include "store/snippet_predicates.h"
+#include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_opening.h"
 #include "store/store_maintenance.h"
 #include "text/utf.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -24,6 +26,8 @@ namespace {
 
 constexpr Seconds kSaveDelay(3.5);
 constexpr Seconds kStartUpPhase(3.0);
+// Of a save for a lock that another process holds: windows and menu stand still meanwhile.
+constexpr std::chrono::seconds kSavePatience(2);
 
 constexpr std::u16string_view kExampleText =
     u"This is an example snippet. Type its abbreviation in any application, and this text takes its place.";
@@ -47,6 +51,7 @@ Result<std::unique_ptr<PersistenceController>> PersistenceController::open(MainQ
   if (const auto status = controller->context_->load(); !status) {
     return storeLoadFailure(opened, status.error(), environment.now());
   }
+  opened.setBusyTimeout(kSavePatience);
   return controller;
 }
 

@@ -37,12 +37,16 @@ Status SqliteDatabase::open(Access access, std::chrono::milliseconds busyTimeout
     close();
     return error;
   }
-  sqlite3_busy_timeout(connection_, static_cast<int>(busyTimeout.count()));
+  setBusyTimeout(busyTimeout);
   if (auto status = execute(kSettings); !status) {
     close();
     return status;
   }
   return {};
+}
+
+void SqliteDatabase::setBusyTimeout(std::chrono::milliseconds busyTimeout) {
+  sqlite3_busy_timeout(connection_, static_cast<int>(busyTimeout.count()));
 }
 
 void SqliteDatabase::close() {

@@ -37,6 +37,8 @@ class SqliteDatabase {
 
   // The file must be there and is left as it is; damage may show itself only in later statements.
   Status open(Access access, std::chrono::milliseconds busyTimeout = kBusyTimeout);
+  // From now on.
+  void setBusyTimeout(std::chrono::milliseconds busyTimeout);
   bool isOpen() const { return connection_ != nullptr; }
   // The last connection to a file merges its write-ahead log and removes the side files.
   void close();
