@@ -25,6 +25,7 @@ namespace quorlo {
 namespace {
 
 constexpr Seconds kSaveDelay(3.5);
+constexpr Seconds kLongestSaveDelay(60);  // while saves fail
 constexpr Seconds kStartUpPhase(3.0);
 // Of a save for a lock that another process holds: windows and menu stand still meanwhile.
 constexpr std::chrono::seconds kSavePatience(2);
@@ -57,7 +58,10 @@ Result<std::unique_ptr<PersistenceController>> PersistenceController::open(MainQ
 
 PersistenceController::PersistenceController(MainQueue& mainQueue, const Environment& environment,
                                              Options options)
-    : mainQueue_(mainQueue), environment_(environment), lastSaveRequestDate(mainQueue.now()) {
+    : mainQueue_(mainQueue),
+      environment_(environment),
+      saveDelay_(kSaveDelay),
+      lastSaveRequestDate(mainQueue.now()) {
   context_ = std::make_unique<ManagedObjectContext>(
       mainQueue, ManagedObjectContext::Configuration{
                      .name = "view_context",
@@ -75,11 +79,18 @@ void PersistenceController::observeObjectsDidChange(ManagedObjectContext& contex
       context.observeObjectsDidChange([this](const ChangeSet&) { saveAfterDidChangeNotification(); });
 }
 
+// What others have saved is told as well, and leaves nothing to save.
 void PersistenceController::saveAfterDidChangeNotification() {
-  if (std::exchange(isWaitingForSave, true)) return;
-  mainQueue_.runAfter(kSaveDelay, life_.guard([this] {
-    save();
+  if (!context_->hasChanges() || std::exchange(isWaitingForSave, true)) return;
+  mainQueue_.runAfter(saveDelay_, life_.guard([this] {
+    const bool saved = trySave();
     isWaitingForSave = false;
+    saveDelay_ = saved ? kSaveDelay : std::min(2 * saveDelay_, kLongestSaveDelay);
+    if (saved) {
+      context_->releaseRichTexts();
+    } else {
+      saveAfterDidChangeNotification();
+    }
   }));
 }
 
@@ -98,8 +109,14 @@ void PersistenceController::requestDeferredSave() {
 }
 
 void PersistenceController::save() {
-  if (!context_->hasChanges()) return;
-  if (const auto status = context_->save(); !status) logError("Unresolved error " + status.error().message);
+  trySave();
+}
+
+bool PersistenceController::trySave() {
+  if (!context_->hasChanges()) return true;
+  const auto status = context_->save();
+  if (!status) logError("Unresolved error " + status.error().message);
+  return status.ok();
 }
 
 std::shared_ptr<QLCategory> PersistenceController::folder(std::string_view uuid) const {

@@ -53,7 +53,7 @@ class PersistenceController {
   // nothing, however many ask; any other context saves itself.
   void observeObjectsDidChange(ManagedObjectContext& context);
 
-  // Saves 3.5 s after the first change since the last such save.
+  // Saves 3.5 s after the first change since the last such save, and again, ever later, while that fails.
   void saveAfterDidChangeNotification();
 
   // Saves at once, or a while later during the first 3 s after the start.
@@ -100,10 +100,13 @@ class PersistenceController {
   void countSnippets();
 
  private:
+  bool trySave();  // false when it failed, which is logged
+
   MainQueue& mainQueue_;
   const Environment& environment_;
   std::unique_ptr<ManagedObjectContext> context_;
   Subscription observation_;
+  Seconds saveDelay_;
   bool isWaitingForSave = false;
   bool saveTimerIsRunning = false;
   const MainQueue::Instant lastSaveRequestDate;
