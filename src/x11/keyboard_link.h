@@ -38,7 +38,7 @@ class KeyboardLink : public KeyStream::Output {
   // Grabs the keyboards that are not grabbed yet. Refused when there are some and none can be grabbed.
   Grab grabKeyboards();
   void ungrabKeyboards();
-  bool isGrabbed(Device device) const { return grabbed_.contains(device); }
+  bool hasGrabbed() const { return !grabbed_.empty(); }
   // All keys down on the physical keyboards.
   HeldKeys heldKeys() const;
   // What applications see as held.

@@ -57,7 +57,7 @@ std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
   auto found = session_->obstacles();
   if (!found.empty()) return found;
   if (!session_->hasKeyboard()) return {AccessibilityObstacle::noKeyboard};
-  if (keyboardsAreTaken_) return {AccessibilityObstacle::keyboardsAreTaken};
+  if (keyboardsAreTaken_ || session_->waitsForKeyboard()) return {AccessibilityObstacle::keyboardsAreTaken};
   return {};
 }
 

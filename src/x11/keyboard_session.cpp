@@ -2,11 +2,15 @@
 
 #include "base/log.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string_view>
 
 namespace quorlo {
 
 namespace {
+
+constexpr std::string_view kWatching = "Watching the keyboards.";
 
 // As applications choose their Compose sequences.
 std::string composeLocale() {
@@ -64,11 +68,19 @@ bool KeyboardSession::beginTap(std::shared_ptr<TapConversation> conversation) {
           grabbing_ = false;
           conversation_.reset();
           guard_.reset();
+          return;
         }
+        lookForKeyboards(kFirstPause);
       },
       kPatience);
   tapping_ = *grabbed;
-  if (tapping_) logInfo("Watching the keyboards.");
+  if (waitsForKeyboard()) {
+    logWarning(
+        "WARNING: #x11kS1; There is no keyboard to watch yet: none is plugged in, or another program has grabbed "
+        "it.");
+  } else if (tapping_) {
+    logInfo(kWatching);
+  }
   return tapping_;
 }
 
@@ -92,6 +104,7 @@ void KeyboardSession::endTap() {
 
 bool KeyboardSession::takeKeyboards() {
   if (link_.grabKeyboards() == KeyboardLink::Grab::refused) return false;
+  waitsForKeyboard_ = !link_.hasGrabbed();
   readMap();
   stream_->letGoOthers(link_.pressedKeys());
   stream_->begin(link_.heldKeys());
@@ -127,13 +140,7 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
     stream_->handle(*change.key);
     if (guard_ && isPress) guard_->answered(change.time);
   }
-  if (change.keyboardsChanged && grabbing_) {
-    const auto grab = link_.grabKeyboards();
-    const auto held = link_.heldKeys();
-    stream_->keepOnly({held.begin(), held.end()});
-    // A new keyboard may have been typed on before it was grabbed.
-    if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
-  }
+  if (change.keyboardsChanged && grabbing_) takeNewKeyboards();
   if (change.map) {
     if (change.map == KeyboardLink::MapChange::chosen) link_.shareMap();
     if (change.map == KeyboardLink::MapChange::keysyms) link_.shareKeysyms();
@@ -143,6 +150,26 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
     stream_->setLocks(*change.locks);
     link_.shareLocks(*change.locks);
   }
+}
+
+void KeyboardSession::takeNewKeyboards() {
+  const auto grab = link_.grabKeyboards();
+  if (waitsForKeyboard_.exchange(!link_.hasGrabbed()) && !waitsForKeyboard_) logInfo(kWatching);
+  const auto held = link_.heldKeys();
+  stream_->keepOnly({held.begin(), held.end()});
+  // A new keyboard may have been typed on before it was grabbed.
+  if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
+}
+
+// The server tells when a keyboard is plugged in, but not when another program, or the Quorlo before this
+// one, lets go of it.
+void KeyboardSession::lookForKeyboards(std::chrono::milliseconds pause) {
+  if (!waitsForKeyboard_ || !link_.hasKeyboard()) return;
+  loop_.runAt(std::chrono::steady_clock::now() + pause, [this, pause] {
+    if (!grabbing_) return;
+    takeNewKeyboards();
+    lookForKeyboards(std::min(2 * pause, kLongestPause));
+  });
 }
 
 void KeyboardSession::readMap() {

@@ -53,6 +53,8 @@ class KeyboardSession : KeyStream::Judge {
   void noteProgress();
 
   bool hasKeyboard();
+  // The tap has no keyboard, and takes the first that is plugged in or let go by another program.
+  bool waitsForKeyboard() const { return tapping_ && waitsForKeyboard_; }
 
   // Posts keys: calls with the way to the applications, on which none of the user's modifiers is held.
   void post(const std::function<void(KeyStream::Output&)>& keys);
@@ -65,6 +67,8 @@ class KeyboardSession : KeyStream::Judge {
  private:
   static constexpr std::chrono::seconds kHoldPatience{2};
   static constexpr std::chrono::milliseconds kPatience{2000};
+  static constexpr std::chrono::milliseconds kFirstPause{50};
+  static constexpr std::chrono::milliseconds kLongestPause{10'000};
 
   KeyboardSession(std::unique_ptr<XConnection> connection, KeyboardOptions options);
   void start(std::function<void()> lost);
@@ -77,6 +81,8 @@ class KeyboardSession : KeyStream::Judge {
   // Whether it is nobody's typing.
   bool isPassedUnseen(const KeyDownEvent& event) const;
   bool takeKeyboards();
+  void takeNewKeyboards();
+  void lookForKeyboards(std::chrono::milliseconds pause);
   void watchHold();
   // Another thread has waited for a reply, which may have brought events along.
   void wake() {
@@ -96,6 +102,7 @@ class KeyboardSession : KeyStream::Judge {
   bool grabbing_ = false;                          // on the thread
   bool watchingHold_ = false;                      // on the thread
   std::atomic<bool> screenIsLocked_ = false;
+  std::atomic<bool> waitsForKeyboard_ = false;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
   std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};
   XEventLoop loop_;  // the last: its thread uses all of the others
