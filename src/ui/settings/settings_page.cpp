@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <functional>
 #include <utility>
 
 namespace quorlo {
@@ -43,8 +44,8 @@ void SettingsPage::beginGroup(std::u16string_view title) {
 QCheckBox* SettingsPage::addSwitch(std::u16string_view label, BoolGetter get, BoolSetter set,
                                    std::u16string_view hint) {
   return addSwitch(
-      label, [this, get] { return (settings_.*get)(); }, [this, set](bool on) { (settings_.*set)(on); },
-      hint);
+      label, [this, get] { return std::invoke(get, settings_); },
+      [this, set](bool on) { std::invoke(set, settings_, on); }, hint);
 }
 
 QCheckBox* SettingsPage::addSwitch(std::u16string_view label, const std::function<bool()>& get,

@@ -48,9 +48,11 @@ class SettingsPage : public QWidget {
     for (const auto each : cases) box->addItem(toQString(textOf(each)), static_cast<int>(each));
     addField(label, box);
     QObject::connect(box, &QComboBox::activated, this, [this, box, set](int index) {
-      (settings_.*set)(static_cast<Enum>(box->itemData(index).toInt()));
+      std::invoke(set, settings_, static_cast<Enum>(box->itemData(index).toInt()));
     });
-    follow([this, box, get] { box->setCurrentIndex(box->findData(static_cast<int>((settings_.*get)()))); });
+    follow([this, box, get] {
+      box->setCurrentIndex(box->findData(static_cast<int>(std::invoke(get, settings_))));
+    });
     return box;
   }
 
