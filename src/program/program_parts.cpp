@@ -76,7 +76,7 @@ AppDelegate::Dependencies Program::Parts::delegateDependencies() {
           },
           .startCrashReporter = [this] { mentionCrashReport(); },
           .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
-          .quit = [this] { quit(0); }};  // namespace quorlo
+          .quit = [this] { quit(0); }};
 }
 
 QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {

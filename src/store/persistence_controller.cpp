@@ -27,7 +27,8 @@ namespace {
 constexpr Seconds kSaveDelay(3.5);
 constexpr Seconds kLongestSaveDelay(60);  // while saves fail
 constexpr Seconds kStartUpPhase(3.0);
-// Of a save for a lock that another process holds: windows and menu stand still meanwhile.
+// Of a save, once the start is over, for a lock that another process holds: windows and menu stand still
+// meanwhile.
 constexpr std::chrono::seconds kSavePatience(2);
 
 constexpr std::u16string_view kExampleText =
@@ -52,7 +53,8 @@ Result<std::unique_ptr<PersistenceController>> PersistenceController::open(MainQ
   if (const auto status = controller->context_->load(); !status) {
     return storeLoadFailure(opened, status.error(), environment.now());
   }
-  opened.setBusyTimeout(kSavePatience);
+  mainQueue.runAfter(kStartUpPhase,
+                     controller->life_.guard([&opened] { opened.setBusyTimeout(kSavePatience); }));
   return controller;
 }
 
