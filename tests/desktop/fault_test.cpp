@@ -91,6 +91,39 @@ TEST_F(DesktopFaultTest, ASecondQuorloHandsItsLibraryToTheOneThatRunsAndEnds) {
   EXPECT_EQ(editor.textOnceItIs("be right back On my way! ."), "be right back On my way! .");
 }
 
+TEST_F(DesktopFaultTest, FilesForTheQuorloThatRunsAreAddedAndThoseItCannotReadAreNamed) {
+  startQuorlo();
+  Mousepad editor(desktop());
+  type("brb ");
+  EXPECT_EQ(editor.textOnceItIs("be right back "), "be right back ");
+  const auto isInFront = [&] {
+    return desktop().windows().processOf(desktop().windows().active()) == quorlo().process().pid();
+  };
+  EXPECT_EQ(run({file("good.json", libraryOf({{"omw", "On my way!"}}))}).status, 0);
+  EXPECT_TRUE(waitUntil(isInFront)) << "the library is not shown";
+  editor.activate();
+  type("omw .");
+  EXPECT_EQ(editor.textOnceItIs("be right back On my way! ."), "be right back On my way! .");
+
+  EXPECT_EQ(run({file("bad.json", "not JSON")}).status, 0);
+  EXPECT_TRUE(waitUntil(isInFront)) << "nothing tells of bad.json";
+  keyboard().tap("Return");
+  EXPECT_TRUE(waitUntil([&] { return !isInFront(); }));
+}
+
+TEST_F(DesktopFaultTest, ACrashIsMentionedOnceAtTheNextStart) {
+  startQuorlo();
+  quorlo().process().signal(SIGSEGV);
+  quorlo().process().waitForEnd(kPatience);
+  const auto mentions = [&] {
+    return quorlo().log().find("Quorlo ended unexpectedly the last time.") != std::string::npos;
+  };
+  restartQuorlo();
+  EXPECT_TRUE(mentions()) << quorlo().log();
+  restartQuorlo();
+  EXPECT_FALSE(mentions()) << quorlo().log();
+}
+
 TEST_F(DesktopFaultTest, ALibraryThatCannotBeReadIsNamedAndLeftAsItIs) {
   for (const std::string text : {"not JSON", R"({"snippets":[{"abbreviation":"a"}]})", "[1", ""}) {
     const auto path = file("bad.json", text);

@@ -13,6 +13,8 @@ class DesktopLibraryTest : public QuorloDesktopTest {
   static std::filesystem::path file(VirtualDesktop& desktop) {
     return desktop.dataHome() / "org.quorlo.Quorlo" / "private.sqlite";
   }
+  xcb_window_t answered_ = 0;
+
   std::int64_t stored(const char* query) {
     SqliteDatabase database(file(desktop()));
     const auto opened = database.open(SqliteDatabase::Access::readWrite);
@@ -66,6 +68,46 @@ TEST_F(DesktopLibraryTest, WhatAnotherProcessSavesExpandsWithoutARestart) {
     type("bbl .");
     return editor.text().ends_with("be back later .");
   })) << editor.text();
+}
+
+// A trigger that refuses stands for all that may keep a save from happening.
+TEST_F(DesktopLibraryTest, AQuitThatCannotSaveAsksAndLosesNothingUnlessTheUserSaysSo) {
+  startQuorlo();
+  SqliteDatabase other(file(desktop()));
+  ASSERT_TRUE(other.open(SqliteDatabase::Access::readWrite).ok());
+  const auto* const refuse =
+      "CREATE TRIGGER refusal BEFORE UPDATE ON Snippet BEGIN SELECT RAISE(ABORT, 'no'); END";
+  Mousepad editor(desktop());
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
+  ASSERT_TRUE(waitUntil([&] { return quorlo().log().find("without category") != std::string::npos; }));
+  ASSERT_TRUE(other.execute(refuse).ok());
+  const auto answerNextAlert = [&](const char* key) {
+    const auto alert = [&] {
+      const auto window = desktop().windows().active();
+      return window != 0 && window != answered_ &&
+             desktop().windows().processOf(window) == quorlo().process().pid();
+    };
+    ASSERT_TRUE(waitUntil(alert));
+    answered_ = desktop().windows().active();
+    keyboard().tap(key);
+  };
+  const auto useCount = "SELECT useCount FROM Snippet WHERE abbreviation = 'brb'";
+
+  quorlo().process().signal(SIGTERM);
+  answerNextAlert("Escape");  // what is wrong
+  answerNextAlert("Escape");  // Cancel
+  EXPECT_TRUE(waitUntil([&] { return desktop().windows().active() == editor.window(); }));
+  type("brb .");
+  EXPECT_EQ(editor.textOnceItIs("be right back .be right back ."), "be right back .be right back .");
+  const auto kept = stored(useCount);
+
+  quorlo().process().signal(SIGTERM);
+  answerNextAlert("Escape");
+  answerNextAlert("Return");  // Quit anyway
+  EXPECT_EQ(quorlo().process().waitForEnd(kPatience), 0);
+  EXPECT_EQ(stored(useCount), kept);
+  EXPECT_LT(kept, 2);
 }
 
 TEST_F(DesktopLibraryTest, AnUnreadableLibraryEndsTheProgramWithAMessageAndStaysWhereItIs) {
