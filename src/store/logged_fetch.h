@@ -9,13 +9,14 @@
 
 namespace quorlo {
 
-// The records of a fetch; none when it failed, which is logged as `failure` and its message.
+// The records of a fetch; none when it failed, which is logged as `failure`, its message and `ending`.
 template <class Record>
 std::vector<std::shared_ptr<Record>> loggedFetch(const ManagedObjectContext& context,
-                                                 const FetchRequest<Record>& request, const char* failure) {
+                                                 const FetchRequest<Record>& request, const char* failure,
+                                                 const char* ending = "") {
   auto found = context.fetch<Record>(request);
   if (found) return std::move(found).value();
-  logError(failure + found.error().message);
+  logError(failure + found.error().message + ending);
   return {};
 }
 

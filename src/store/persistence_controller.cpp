@@ -161,7 +161,7 @@ std::u16string PersistenceController::nextUntitledName() const {
       {.predicate = Predicate::all(
            {isOfType(CategoryType::Folder),
             Predicate::any({QLCategory::kTitle.equals(name), QLCategory::kTitle.contains(name)})})},
-      "ERROR: #ukPhtjj; Couldn't fetch Categories. ");
+      "ERROR: #ukPhtjj; Couldn't fetch Categories. ", " - ");
   const auto isTaken = [&alike](const std::u16string& candidate) {
     return std::ranges::any_of(alike, [&](const auto& each) { return each->title() == candidate; });
   };
