@@ -74,6 +74,13 @@ AppDelegate::Dependencies Program::Parts::delegateDependencies() {
           .createStatusItemAndMenu = [this]() -> QLSnippetStatusMenuViewController& {
             return createStatusItemAndMenu();
           },
+          .menuHotKeyRefused =
+              [this](const Error& error) {
+                notifications.post({.title = localized(u"The menu's hot key does not work"),
+                                    .body = toUtf16(error.message),
+                                    .categoryIdentifier = "hot-key",
+                                    .actionTitle = {}});
+              },
           .startCrashReporter = [this] { mentionCrashReport(); },
           .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
           .quit = [this] { quit(0); }};

@@ -45,8 +45,9 @@ void AppDelegate::applicationDidFinishLaunching() {
   }
   use_.setup.restoreSelection();
   menu_ = &use_.createStatusItemAndMenu();
-  menuHotKey_.emplace(use_.defaults, use_.hotKeys, kSnippetMenuViewShortcut,
-                      [this] { menu_->activateAndPopUpSnippetMenu(); });
+  menuHotKey_.emplace(
+      use_.defaults, use_.hotKeys, kSnippetMenuViewShortcut, [this] { menu_->activateAndPopUpSnippetMenu(); },
+      use_.menuHotKeyRefused);
   use_.debugMode.expire();
   logInfo(fmt::format("Running {}.{}", use_.systemMajorVersion, use_.systemMinorVersion));
   use_.startCrashReporter();

@@ -53,6 +53,7 @@ class AppDelegate {
 
     // Each called once, when its turn has come.
     std::function<QLSnippetStatusMenuViewController&()> createStatusItemAndMenu;
+    std::function<void(const Error&)> menuHotKeyRefused;
     std::function<void()> startCrashReporter;
     std::function<void()> createAbbreviationsMonitor;
 

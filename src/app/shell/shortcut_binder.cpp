@@ -33,8 +33,12 @@ std::optional<Shortcut> decode(const std::string& text) {
 }  // namespace
 
 ShortcutBinder::ShortcutBinder(UserDefaults& defaults, HotKeyCenter& hotKeys, std::string key,
-                               std::function<void()> action)
-    : defaults_(defaults), hotKeys_(hotKeys), key_(std::move(key)), action_(std::move(action)) {
+                               std::function<void()> action, std::function<void(const Error&)> refused)
+    : defaults_(defaults),
+      hotKeys_(hotKeys),
+      key_(std::move(key)),
+      action_(std::move(action)),
+      refused_(std::move(refused)) {
   externalChanges_ =
       defaults_.observeExternalChanges([this](DefaultsDomain domain, const std::string& changed) {
         if (domain == DefaultsDomain::standard && changed == key_) bind();
@@ -68,6 +72,7 @@ void ShortcutBinder::bind() {
     registration_ = std::move(registration).value();
   } else {
     logWarning("WARNING: #mHk3reg - " + registration.error().message);
+    if (refused_) refused_(registration.error());
   }
 }
 

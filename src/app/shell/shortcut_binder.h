@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/result.h"
 #include "base/subscription.h"
 #include "platform/shortcut.h"
 
@@ -18,9 +19,9 @@ inline constexpr const char* kSnippetMenuViewShortcut = "SnippetMenuViewShortcut
 // {"keyCode":49,"modifierFlags":786432}. Follows what other processes store. Main thread.
 class ShortcutBinder {
  public:
-  // The references must outlive the binder.
-  ShortcutBinder(UserDefaults& defaults, HotKeyCenter& hotKeys, std::string key,
-                 std::function<void()> action);
+  // The references must outlive the binder. `refused` hears of a combination that cannot be had at present.
+  ShortcutBinder(UserDefaults& defaults, HotKeyCenter& hotKeys, std::string key, std::function<void()> action,
+                 std::function<void(const Error&)> refused = {});
 
   // Absent when none is stored.
   std::optional<Shortcut> shortcut() const;
@@ -35,6 +36,7 @@ class ShortcutBinder {
   HotKeyCenter& hotKeys_;
   std::string key_;
   std::function<void()> action_;
+  std::function<void(const Error&)> refused_;
   Subscription registration_;
   Subscription externalChanges_;
 };

@@ -17,6 +17,7 @@
 namespace quorlo {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Reply = AppDelegate::TerminateReply;
@@ -66,6 +67,7 @@ struct AppDelegateTest : ShellWorld {
                           events.emplace_back("menu");
                           return menu;
                         },
+                        .menuHotKeyRefused = [this](const Error&) { events.emplace_back("hot key refused"); },
                         .startCrashReporter = [this] { events.emplace_back("crash reporter"); },
                         .createAbbreviationsMonitor = [this] { events.emplace_back("monitor"); },
                         .quit = [this] { ++quits; }}};
@@ -250,6 +252,10 @@ TEST_F(AppDelegateTest, FollowsTheHotKeysOfFoldersAndMenu) {
                                std::string(R"({"keyCode":49,"modifierFlags":1572864})"));
   EXPECT_FALSE(hotKeys.press(kHotKey));
   EXPECT_TRUE(hotKeys.press(kOtherHotKey));
+  hotKeys.takenByOthers.insert(kHotKey);
+  events.clear();
+  delegate.setMenuShortcut(kHotKey);
+  EXPECT_THAT(events, Contains("hot key refused"));
   for (const auto* damaged : {"", "[]", R"({"keyCode":-1,"modifierFlags":1})", R"({"keyCode":70000})"}) {
     defaults.changeFromElsewhere(DefaultsDomain::standard, "SnippetMenuViewShortcut", std::string(damaged));
     EXPECT_EQ(delegate.menuShortcut(), std::nullopt);
