@@ -200,6 +200,14 @@ TEST(AttributedDocumentTest, GivesBackFormatsPicturesAndMarks) {
   EXPECT_FALSE(document.isUndoAvailable());
 }
 
+TEST_F(LibraryWindowTest, KeepsTheSortationWhenItOpens) {
+  settings.setSnippetsSortOption(SnippetSortOption::creationDate);
+  const LibraryWindow another{{library.context, settings, navigation, {}, {}, {}}};
+  settle();
+  EXPECT_EQ(settings.snippetsSortOption(), SnippetSortOption::creationDate);
+  EXPECT_TRUE(settings.ascendingSnippetSortation());
+}
+
 TEST_F(LibraryWindowTest, ShowsTheFormatBarAndUseCountsAsTheSettingsSay) {
   hello->setFormatted(static_cast<std::int64_t>(SnippetType::formatted));
   navigation.select(hello);

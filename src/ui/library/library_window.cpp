@@ -119,6 +119,7 @@ void LibraryWindow::makeViews() {
   snippetList_->setUniformRowHeights(true);
   snippetList_->setAllColumnsShowFocus(true);
   snippetList_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  showSortation();  // first: the list sorts by what its header shows, which changes the setting
   snippetList_->setSortingEnabled(true);
   auto* const header = snippetList_->header();
   header->setStretchLastSection(false);
@@ -304,10 +305,14 @@ void LibraryWindow::followNavigation() {
   const auto folder = parts_.navigation.selectedCategory();
   folderList_->setCurrentIndex(folders_->indexOf(folder.get()));
   snippets_->show(folder, search_->text().toStdU16String());
+  showSortation();
+  showSelection();
+}
+
+void LibraryWindow::showSortation() {
   snippetList_->header()->setSortIndicator(
       SnippetListModel::sortColumn(parts_.settings.snippetsSortOption()),
       parts_.settings.ascendingSnippetSortation() ? Qt::AscendingOrder : Qt::DescendingOrder);
-  showSelection();
 }
 
 void LibraryWindow::showSelection() {

@@ -69,6 +69,7 @@ class LibraryWindow final : public QMainWindow {
   void refresh();
   void restoreSelection();
   void followNavigation();
+  void showSortation();
   void userChoseFolder(const QModelIndex& index);
   void userChoseSnippets();
   void showSelection();
