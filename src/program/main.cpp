@@ -14,6 +14,7 @@
 #include <QSessionManager>
 
 #include <iostream>
+#include <string>
 #include <variant>
 
 namespace {
@@ -23,10 +24,18 @@ int complain(const quorlo::Error& error) {
   return 1;
 }
 
+// Without the head by which a line is found in the log ("###place: event: "), which says nothing to a user.
+std::string inWords(const std::string& line) {
+  if (!line.starts_with("###")) return line;
+  const auto place = line.find(": ");
+  const auto event = place == std::string::npos ? place : line.find(": ", place + 2);
+  return event == std::string::npos ? line : line.substr(event + 2);
+}
+
 void showFailure(const quorlo::Error& error) {
   QMessageBox box(QMessageBox::Critical, QStringLiteral("Quorlo"),
                   quorlo::localizedText(u"Quorlo cannot start."));
-  box.setInformativeText(QString::fromStdString(error.message));
+  box.setInformativeText(QString::fromStdString(inWords(error.message)));
   box.exec();
 }
 
