@@ -30,7 +30,7 @@ using std::chrono::milliseconds;
 constexpr int kExpansions = 60;
 constexpr milliseconds kStartDelay{50};  // before the first piece, by design
 constexpr int kIdleSeconds = 10;
-constexpr int kStartUpSeconds = 6;  // the first save comes 3.5 s after the library has been read
+constexpr int kStartUpSeconds = 12;  // the trash is looked through, and a missing tray told of, after 10 s
 
 std::int64_t wakeUps(pid_t process) {
   std::int64_t sum = 0;
