@@ -140,6 +140,11 @@ void Program::Parts::setWindowMakers() {
               return AbbreviationRules(persistence.managedObjectContext(), quotationMarks)
                   .validate(abbreviation, snippet);
             },
+        .advise =
+            [this](std::u16string_view abbreviation, const QLSnippet& snippet) {
+              return AbbreviationRules(persistence.managedObjectContext(), quotationMarks)
+                  .advice(abbreviation, snippet, settings.abbreviationsTriggerType());
+            },
         .untitledFolderName = [this] { return persistence.nextUntitledName(); },
         .showSettings = [this] { navigation.showSettings(); },
     });

@@ -54,6 +54,15 @@ std::shared_ptr<QLSnippet> AbbreviationRules::prefixConflict(std::u16string_view
   return nullptr;
 }
 
+std::optional<std::u16string> AbbreviationRules::advice(std::u16string_view abbreviation,
+                                                        const QLSnippet& snippet,
+                                                        AbbreviationTriggerType triggerType) const {
+  const auto other = prefixConflict(abbreviation, snippet, triggerType);
+  if (!other) return std::nullopt;
+  return localizedFormat(u"The abbreviation %@ expands before this one is typed to its end.",
+                         quoted(other->abbreviation()));
+}
+
 std::u16string AbbreviationRules::quoted(const std::u16string& text) const {
   return quotationMarks_.begin + text + quotationMarks_.end;
 }

@@ -38,6 +38,9 @@ class AbbreviationRules {
   // another.
   std::shared_ptr<QLSnippet> prefixConflict(std::u16string_view abbreviation, const QLSnippet& snippet,
                                             AbbreviationTriggerType trigger) const;
+  // The same in words for the user; absent when there is none. Such an abbreviation may be used all the same.
+  std::optional<std::u16string> advice(std::u16string_view abbreviation, const QLSnippet& snippet,
+                                       AbbreviationTriggerType triggerType) const;
 
  private:
   std::u16string quoted(const std::u16string& text) const;

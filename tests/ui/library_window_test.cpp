@@ -94,6 +94,10 @@ struct LibraryWindowTest : testing::Test {
                                      ? std::optional(std::u16string(u"Taken."))
                                      : std::nullopt;
                         },
+                        [](std::u16string_view abbreviation, const QLSnippet&) {
+                          return abbreviation == u"hey" ? std::optional(std::u16string(u"Unfortunate."))
+                                                        : std::nullopt;
+                        },
                         [] { return std::u16string(u"Untitled"); }, [] {}}};
 };
 
@@ -108,6 +112,7 @@ TEST_F(LibraryWindowTest, WhatIsTypedReachesTheSnippetAndABadAbbreviationIsExpla
   EXPECT_FALSE(window.commitEditing());
   EXPECT_EQ(hello->abbreviation(), u"hi");
   typeInto(abbreviation, QStringLiteral("hey"));
+  EXPECT_EQ(fault->text(), QStringLiteral("Unfortunate."));
   typeInto(window.findChild<QTextEdit*>(), QStringLiteral("Hello there"));
   EXPECT_TRUE(window.commitEditing());
   EXPECT_EQ(hello->title(), u"Greeting");
@@ -202,7 +207,7 @@ TEST(AttributedDocumentTest, GivesBackFormatsPicturesAndMarks) {
 
 TEST_F(LibraryWindowTest, KeepsTheSortationWhenItOpens) {
   settings.setSnippetsSortOption(SnippetSortOption::creationDate);
-  const LibraryWindow another{{library.context, settings, navigation, {}, {}, {}}};
+  const LibraryWindow another{{library.context, settings, navigation, {}, {}, {}, {}}};
   settle();
   EXPECT_EQ(settings.snippetsSortOption(), SnippetSortOption::creationDate);
   EXPECT_TRUE(settings.ascendingSnippetSortation());

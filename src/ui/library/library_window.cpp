@@ -54,7 +54,7 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
       folderList_(new QListView),
       snippetList_(new QTreeView),
       search_(new QLineEdit),
-      form_(new SnippetForm(parts_.validate)) {
+      form_(new SnippetForm(parts_.validate, parts_.advise)) {
   setWindowTitle(QStringLiteral("Quorlo"));
   resize(980, 600);
   makeViews();

@@ -33,6 +33,7 @@ class LibraryWindow final : public QMainWindow {
     SettingsController& settings;
     NavigationModel& navigation;
     SnippetForm::Validation validate;
+    SnippetForm::Validation advise;                      // of the form; may be null
     std::function<std::u16string()> untitledFolderName;  // one that no folder has
     std::function<void()> showSettings;
   };

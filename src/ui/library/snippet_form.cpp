@@ -37,9 +37,10 @@ bool hasFormats(SnippetType type) {
 
 }  // namespace
 
-SnippetForm::SnippetForm(Validation validate, QWidget* parent)
+SnippetForm::SnippetForm(Validation validate, Validation advise, QWidget* parent)
     : QWidget(parent),
       validate_(std::move(validate)),
+      advise_(std::move(advise)),
       pause_(new QTimer(this)),
       title_(new QLineEdit),
       abbreviation_(new QLineEdit),
@@ -147,18 +148,20 @@ void SnippetForm::show() {
   showDetails();
 }
 
-void SnippetForm::showAbbreviationFault() {
+bool SnippetForm::showAbbreviationFault() {
   const auto typed = abbreviation_->text().toStdU16String();
-  const auto fault = snippet_ && !typed.empty() ? validate_(typed, *snippet_) : std::nullopt;
-  fault_->setText(fault ? toQString(*fault) : QString());
-  fault_->setVisible(fault.has_value());
+  const bool isThere = snippet_ && !typed.empty();
+  const auto fault = isThere ? validate_(typed, *snippet_) : std::nullopt;
+  const auto words = !fault && isThere && advise_ ? advise_(typed, *snippet_) : fault;
+  fault_->setText(words ? toQString(*words) : QString());
+  fault_->setVisible(words.has_value());
   abbreviation_->setAccessibleDescription(fault_->text());
+  return fault.has_value();
 }
 
 bool SnippetForm::takeOverAbbreviation() {
   if (!snippet_ || snippet_->isDeleted() || snippet_->deletionDate()) return true;
-  showAbbreviationFault();
-  if (!fault_->text().isEmpty()) return false;
+  if (showAbbreviationFault()) return false;
   snippet_->setAbbreviation(abbreviation_->text().toStdU16String());
   return true;
 }

@@ -31,7 +31,8 @@ class SnippetForm final : public QWidget {
   // Why an abbreviation may not be used for the snippet, in words for the user; absent when it may.
   using Validation = std::function<std::optional<std::u16string>(std::u16string_view, const QLSnippet&)>;
 
-  explicit SnippetForm(Validation validate, QWidget* parent = nullptr);
+  // `advise` says what is unfortunate about an abbreviation that may be used; nothing without one.
+  explicit SnippetForm(Validation validate, Validation advise = nullptr, QWidget* parent = nullptr);
   ~SnippetForm() override;
 
   // Null for none. A snippet in the trash can be looked at only.
@@ -49,7 +50,7 @@ class SnippetForm final : public QWidget {
 
  private:
   void show();
-  void showAbbreviationFault();
+  bool showAbbreviationFault();  // whether there is one; else what is advised
   bool takeOverAbbreviation();
   void takeOverText();
   void recordChanged(std::string_view property);
@@ -57,6 +58,7 @@ class SnippetForm final : public QWidget {
   QToolBar* makeFormatBar();
 
   Validation validate_;
+  Validation advise_;
   std::shared_ptr<QLSnippet> snippet_;
   Subscription changes_;
   bool showsFormatBar_ = true;

@@ -99,7 +99,8 @@ int SnippetListModel::columnCount(const QModelIndex& parent) const {
 QVariant SnippetListModel::data(const QModelIndex& index, int role) const {
   const auto snippet = this->snippet(index);
   if (!snippet) return {};
-  if (role == Qt::TextAlignmentRole && index.column() == usesColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
+  if (role == Qt::TextAlignmentRole && index.column() == usesColumn)
+    return int(Qt::AlignRight | Qt::AlignVCenter);
   if (role == Qt::DecorationRole && index.column() == titleColumn) return typeSymbol(*snippet);
   if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
