@@ -6,6 +6,7 @@
 #include "benchmark_library.h"
 #include "figures.h"
 #include "process_status.h"
+#include "run_benchmark.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
@@ -16,7 +17,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -79,11 +79,5 @@ void run(Figures& figures) {
 }  // namespace quorlo
 
 int main(int argc, char** argv) {
-  try {
-    quorlo::Figures figures(argc, argv);
-    quorlo::run(figures);
-  } catch (const std::exception& problem) {
-    std::cerr << "desktop bench: " << problem.what() << "\n";
-    return 1;
-  }
+  return quorlo::runBenchmark(argc, argv, "desktop", quorlo::run);
 }

@@ -5,12 +5,12 @@
 
 #include "figures.h"
 #include "opening_meter.h"
+#include "run_benchmark.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
 
 #include <chrono>
-#include <iostream>
 #include <vector>
 
 namespace quorlo {
@@ -45,11 +45,5 @@ void run(Figures& figures) {
 }  // namespace quorlo
 
 int main(int argc, char** argv) {
-  try {
-    quorlo::Figures figures(argc, argv);
-    quorlo::run(figures);
-  } catch (const std::exception& problem) {
-    std::cerr << "fill-in bench: " << problem.what() << "\n";
-    return 1;
-  }
+  return quorlo::runBenchmark(argc, argv, "fill-in", quorlo::run);
 }

@@ -5,13 +5,13 @@
 
 #include "figures.h"
 #include "opening_meter.h"
+#include "run_benchmark.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
 
 #include <fmt/format.h>
 
-#include <iostream>
 #include <string>
 #include <vector>
 
@@ -58,11 +58,5 @@ void run(Figures& figures) {
 }  // namespace quorlo
 
 int main(int argc, char** argv) {
-  try {
-    quorlo::Figures figures(argc, argv);
-    quorlo::run(figures);
-  } catch (const std::exception& problem) {
-    std::cerr << "menu bench: " << problem.what() << "\n";
-    return 1;
-  }
+  return quorlo::runBenchmark(argc, argv, "menu", quorlo::run);
 }

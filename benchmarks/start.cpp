@@ -6,6 +6,7 @@
 #include "benchmark_library.h"
 #include "figures.h"
 #include "process_status.h"
+#include "run_benchmark.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
 
@@ -13,7 +14,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -60,12 +60,8 @@ void measure(int snippets, const std::string& size, Figures& figures) {
 }  // namespace quorlo
 
 int main(int argc, char** argv) {
-  try {
-    quorlo::Figures figures(argc, argv);
+  return quorlo::runBenchmark(argc, argv, "start", [](quorlo::Figures& figures) {
     quorlo::measure(10'000, "10k", figures);
     quorlo::measure(100'000, "100k", figures);
-  } catch (const std::exception& problem) {
-    std::cerr << "start bench: " << problem.what() << "\n";
-    return 1;
-  }
+  });
 }
