@@ -1,0 +1,31 @@
+#pragma once
+
+#include "base/result.h"
+#include "import/import_data.h"
+#include "import/import_options.h"
+#include "import/import_report.h"
+
+#include <cstddef>
+
+namespace quorlo {
+
+class ManagedObjectContext;
+class WorkProgress;
+
+// Puts what was read into the library and saves once: all of it or nothing. After an error, which says what
+// to do, and when it is cancelled (an error too), the context is as it was before. On the context's thread.
+Result<ImportReport> importSnippets(const ImportData& data, const ImportOptions& options,
+                                    ManagedObjectContext& context, WorkProgress& progress);
+
+struct UndoneImport {
+  std::size_t removedSnippets = 0;
+  std::size_t keptSnippets = 0;  // used or changed since, or in the trash
+  std::size_t removedFolders = 0;
+};
+
+// Takes what the import has added out of the library again, the folders that are empty then included, and
+// saves once, all or nothing as above. What is gone already is no error.
+Result<UndoneImport> undoImport(const ImportReport& report, ManagedObjectContext& context,
+                                WorkProgress& progress);
+
+}  // namespace quorlo
