@@ -14,6 +14,8 @@ namespace quorlo {
 
 namespace {
 
+constexpr std::chrono::milliseconds kSettled(40);
+
 struct Free {
   void operator()(void* reply) const { std::free(reply); }
 };
@@ -110,21 +112,34 @@ xcb_window_t WindowList::waitForWindowOf(pid_t process) {
   return found;
 }
 
+bool WindowList::isInFront(xcb_window_t window) {
+  const Reply<xcb_get_input_focus_reply_t> focus(
+      xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+  return active() == window && focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
+         processOf(focus->focus) == processOf(window);
+}
+
 void WindowList::activate(xcb_window_t window) {
-  auto askAgain = std::chrono::steady_clock::now();
+  using Clock = std::chrono::steady_clock;
+  auto askAgain = Clock::now();
+  std::optional<Clock::time_point> inFrontSince;
   const bool done = waitUntil([&] {
+    if (isInFront(window)) {
+      // For a moment nobody may be in front again, while the window manager sorts out what a busy program
+      // that is still starting has asked for.
+      if (!inFrontSince) inFrontSince = Clock::now();
+      return Clock::now() - *inFrontSince >= kSettled;
+    }
+    inFrontSince.reset();
     // A program that is still starting may put itself in front after having been asked to stand back.
-    if (std::chrono::steady_clock::now() >= askAgain) {
-      askAgain += std::chrono::milliseconds(300);
+    if (Clock::now() >= askAgain) {
+      askAgain = Clock::now() + std::chrono::milliseconds(300);
       // "2": asked for by the user, so that no focus-stealing rule applies.
       xcb_ewmh_request_change_active_window(&ewmh_, 0, window, XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
                                             XCB_CURRENT_TIME, active());
       xcb_flush(connection_);
     }
-    const Reply<xcb_get_input_focus_reply_t> focus(
-        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-    return active() == window && focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
-           processOf(focus->focus) == processOf(window);
+    return false;
   });
   if (!done) throw std::runtime_error("Window " + titleOf(window) + " did not become active");
 }

@@ -33,10 +33,12 @@ class WindowList {
 
   // The newest window of the process; throws std::runtime_error when none appears in time.
   xcb_window_t waitForWindowOf(pid_t process);
-  // Returns once the window is active; throws std::runtime_error when it does not become so.
+  // Returns once the window is active and stays so; throws std::runtime_error when it does not become so.
   void activate(xcb_window_t window);
 
  private:
+  bool isInFront(xcb_window_t window);  // active, and its program has the keyboard's focus
+
   xcb_connection_t* connection_;
   xcb_ewmh_connection_t ewmh_{};
   xcb_window_t root_;
