@@ -5,7 +5,7 @@ build_packages=(
   libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
   libxkbcommon-dev libxkbcommon-x11-dev uuid-dev
   qt6-base-dev qt6-svg-dev nlohmann-json3-dev libfmt-dev libcli11-dev libsndfile1-dev libpulse-dev
-  libsqlite3-dev libgtest-dev libgmock-dev jq
+  libsqlite3-dev libplist-dev libgtest-dev libgmock-dev jq
 )
 run_packages=(qt6-qpa-plugins libqt6svg6 xdg-utils xkb-data)
 fuzz_packages=(clang-16 libclang-rt-16-dev)

@@ -1,0 +1,118 @@
+#include "import/formats/check_binary_property_list.h"
+
+#include "import/formats/binary_objects.h"
+#include "import/formats/property_list.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+namespace {
+
+// What an object stands for, with all that it shares written out. No sum overflows: each is refused as soon
+// as it is above a limit.
+struct Extent {
+  std::uint64_t values = 0;  // 0 while it is not known
+  std::uint64_t bytes = 0;   // of texts and data
+  std::size_t depth = 0;     // containers, this one too
+};
+
+// A walk through the objects, each visited once, that keeps the way to where it is.
+class BinaryCheck {
+ public:
+  explicit BinaryCheck(BinaryObjects objects) : objects_(std::move(objects)) {}
+
+  Status run() {
+    if (objects_.count() > kMostPropertyListValues) return tooMuch();
+    extents_.resize(objects_.count());
+    isOpen_.resize(objects_.count());
+    if (auto opened = open(objects_.root()); !opened) return opened;
+    while (!way_.empty()) {
+      const auto& here = way_.back();
+      if (auto step = here.next < here.object.references ? descend() : close(); !step) return step;
+    }
+    return {};
+  }
+
+ private:
+  struct OpenObject {
+    std::size_t number;
+    BinaryObject object;
+    std::size_t next = 0;  // reference to follow
+  };
+
+  Status open(std::size_t number) {
+    const auto read = objects_.read(number);
+    if (!read) return read.error();
+    const auto& object = read.value();
+    if (object.kind == BinaryObject::dictionary && object.references / 2 > kMostPropertyListKeys)
+      return objects_.failure(number, fmt::format("has more than {} keys", kMostPropertyListKeys));
+    const std::size_t depth = object.isContainer() ? 1 : 0;
+    if (way_.size() + depth > kDeepestPropertyList) return tooDeep(number);
+    extents_[number] = {1, object.isContainer() ? 0 : object.length, depth};
+    isOpen_[number] = true;
+    way_.push_back({number, object});
+    return {};
+  }
+
+  Status descend() {
+    auto& here = way_.back();
+    const bool isKey = here.object.kind == BinaryObject::dictionary && here.next < here.object.references / 2;
+    const auto child = objects_.reference(here.object, here.next++);
+    if (child >= objects_.count())
+      return objects_.failure(here.number, "refers to an object that is not there");
+    if (isKey && !objects_.isText(child))
+      return objects_.failure(child, "is the key of a dictionary, but no text");
+    if (isOpen_[child]) return objects_.failure(child, "contains itself");
+    return extents_[child].values == 0 ? open(child) : addToHere(child);
+  }
+
+  Status close() {
+    const auto number = way_.back().number;
+    isOpen_[number] = false;
+    way_.pop_back();
+    return way_.empty() ? Status() : addToHere(number);
+  }
+
+  Status addToHere(std::size_t child) {
+    const auto& part = extents_[child];
+    auto& whole = extents_[way_.back().number];
+    if (way_.size() + part.depth > kDeepestPropertyList) return tooDeep(child);
+    whole.depth = std::max(whole.depth, part.depth + 1);
+    whole.values += part.values;
+    whole.bytes += part.bytes;
+    if (whole.values > kMostPropertyListValues || whole.bytes > kLargestPropertyList) return tooMuch();
+    return {};
+  }
+
+  Error tooDeep(std::size_t object) const {
+    return objects_.failure(object,
+                            fmt::format("is nested too deeply (more than {} levels)", kDeepestPropertyList));
+  }
+
+  static Error tooMuch() {
+    return {fmt::format(
+        "The file stands for too much: more than {} values or {} MiB. Export fewer snippets at a time.",
+        kMostPropertyListValues, kLargestPropertyList >> 20)};
+  }
+
+  BinaryObjects objects_;
+  std::vector<Extent> extents_;
+  std::vector<bool> isOpen_;
+  std::vector<OpenObject> way_;
+};
+
+}  // namespace
+
+Status checkBinaryPropertyList(std::string_view bytes) {
+  auto objects = BinaryObjects::open(bytes);
+  if (!objects) return objects.error();
+  return BinaryCheck(std::move(objects).value()).run();
+}
+
+}  // namespace quorlo
