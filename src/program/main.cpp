@@ -1,4 +1,6 @@
-#include "program/command_line.h"
+#include "cli/command_parser.h"
+#include "cli/error_text.h"
+#include "program/command_run.h"
 #include "program/doctor/session_facts.h"
 #include "program/lost_display_notice.h"
 #include "program/program.h"
@@ -24,18 +26,10 @@ int complain(const quorlo::Error& error) {
   return 1;
 }
 
-// Without the head by which a line is found in the log ("###place: event: "), which says nothing to a user.
-std::string inWords(const std::string& line) {
-  if (!line.starts_with("###")) return line;
-  const auto place = line.find(": ");
-  const auto event = place == std::string::npos ? place : line.find(": ", place + 2);
-  return event == std::string::npos ? line : line.substr(event + 2);
-}
-
 void showFailure(const quorlo::Error& error) {
   QMessageBox box(QMessageBox::Critical, QStringLiteral("Quorlo"),
                   quorlo::localizedText(u"Quorlo cannot start."));
-  box.setInformativeText(QString::fromStdString(inWords(error.message)));
+  box.setInformativeText(QString::fromStdString(quorlo::inWords(error.message)));
   box.exec();
 }
 
@@ -53,17 +47,18 @@ void endWithTheSession(const QApplication& application, quorlo::Program& program
 
 int main(int argc, char** argv) {
   using namespace quorlo;
-  const auto parsed = parseCommandLine(argc, argv);
-  if (const auto* exit = std::get_if<CommandLineExit>(&parsed)) return exit->status;
-  const auto& commandLine = std::get<CommandLine>(parsed);
-
-  if (!commandLine.command.empty()) {
+  CommandParser parser;
+  const auto parsed = parser.parse(argc, argv);
+  if (const auto* exit = std::get_if<CommandLineExit>(&parsed)) return static_cast<int>(exit->status);
+  if (const auto* command = std::get_if<CommandRequest>(&parsed)) return runCommand(*command);
+  if (const auto* request = std::get_if<ProgramRequest>(&parsed)) {
     const QCoreApplication application(argc, argv);
-    return commandLine.command == "doctor" ? runDoctor() : runInstanceCommand(commandLine.command);
+    return request->command == "doctor" ? runDoctor() : runInstanceCommand(request->command);
   }
-  if (commandLine.onlyChangesSettings()) {
+  const auto& start = std::get<StartRequest>(parsed);
+  if (start.onlyChangesSettings()) {
     const QCoreApplication application(argc, argv);
-    return switchAbbreviations(*commandLine.abbreviations);
+    return switchAbbreviations(*start.abbreviations);
   }
 
   // Qt ends the process without a word of ours where it finds no display.
@@ -78,12 +73,12 @@ int main(int argc, char** argv) {
   const TerminationSignals signals(
       [&running] { running ? running->terminate() : QCoreApplication::exit(1); });
 
-  const auto program = Program::start({commandLine.files, commandLine.library, commandLine.abbreviations,
-                                       [](int status) { QCoreApplication::exit(status); }});
+  const auto program = Program::start(
+      {start.files, start.library, start.abbreviations, [](int status) { QCoreApplication::exit(status); }});
   if (!program) {
     const int status = complain(program.error());
     // Who names a library is at a command line and reads the answer there.
-    if (!commandLine.library) showFailure(program.error());
+    if (!start.library) showFailure(program.error());
     return status;
   }
   running = program.value().get();

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <memory>
+
+namespace quorlo {
+
+class Environment;
+class ManagedObjectContext;
+
+// The user's library as a command uses it: a background context of its own over the file, whose saves come
+// into a running Quorlo by the history. `environment` outlives the context.
+
+// Neither a library nor one of the previous version, from which one is begun.
+bool libraryIsMissing(const Environment& environment);
+
+Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment);
+
+// One that is kept nowhere.
+std::unique_ptr<ManagedObjectContext> emptyLibrary(const Environment& environment);
+
+}  // namespace quorlo

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quorlo {
+
+// Texts as they may be shown in a terminal, UTF-8 throughout.
+
+enum class LineBreaks { kept, shown };
+
+// Control characters, which a terminal would obey, are shown as pictures of themselves ("␛"), tabs as a
+// blank. Line feeds stay where they are kept, and are shown as "⏎" else.
+std::string printable(std::string_view text, LineBreaks lineBreaks);
+
+// How many columns a printable text takes: two for each wide character, none for a combining one.
+std::size_t displayWidth(std::string_view text);
+
+// At most so many columns; what is cut ends in "…".
+std::string cutToWidth(std::string_view text, std::size_t columns);
+
+}  // namespace quorlo
