@@ -15,7 +15,6 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{256} << 20;
 constexpr std::size_t kDeepestLevel = 32;
 constexpr std::size_t kMostValues = 10'000'000;
 
@@ -86,7 +85,7 @@ Result<std::string> readDocumentFile(const std::filesystem::path& file) {
   std::string block(std::size_t{1} << 20, '\0');
   while (stream.read(block.data(), static_cast<std::streamsize>(block.size())) || stream.gcount() > 0) {
     content.append(block, 0, static_cast<std::size_t>(stream.gcount()));
-    if (content.size() > kLargestFile) return unreadable(file, "it is larger than 256 MiB; divide it");
+    if (content.size() > kLargestDocument) return unreadable(file, "it is larger than 256 MiB; divide it");
   }
   if (stream.bad()) return unreadable(file, std::strerror(errno));
   return content;

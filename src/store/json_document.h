@@ -4,6 +4,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -13,7 +14,9 @@ namespace quorlo {
 // Documents that users hand to the program: of any size, any content, from anywhere. The errors are whole
 // sentences for the user.
 
-// At most 256 MiB.
+inline constexpr std::size_t kLargestDocument = std::size_t{256} << 20;  // bytes
+
+// At most kLargestDocument.
 Result<std::string> readDocumentFile(const std::filesystem::path& file);
 
 // JSON by RFC 8259 with an optional byte order mark. An error names line and column (characters, from 1).

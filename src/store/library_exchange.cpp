@@ -35,24 +35,6 @@ std::vector<std::string> bundleIDs(const RecordSet<QLApp>& apps) {
   return found;
 }
 
-ordered_json toJson(const FolderExchange& folder) {
-  ordered_json object{
-      {"uuid", folder.uuid},
-      {"title", toUtf8(folder.title)},
-      {"type", folder.type},
-      {"sort", folder.sort},
-      {"expansionBehavior", folder.expansionBehavior},
-      {"allowedApps", folder.allowedApps},
-      {"blockedApps", folder.blockedApps},
-      {"snippets", folder.snippets},
-  };
-  if (folder.shortcutKeyCode) {
-    object["shortcutKeyCode"] = *folder.shortcutKeyCode;
-    object["shortcutModifierFlags"] = folder.shortcutModifierFlags;
-  }
-  return object;
-}
-
 std::string member(const std::string& place, std::size_t index) {
   return place + '[' + std::to_string(index) + ']';
 }
@@ -224,6 +206,24 @@ FolderExchange exchangeForm(const QLCategory& folder) {
   }
   std::ranges::sort(form.snippets);
   return form;
+}
+
+ordered_json toJson(const FolderExchange& folder) {
+  ordered_json object{
+      {"uuid", folder.uuid},
+      {"title", toUtf8(folder.title)},
+      {"type", folder.type},
+      {"sort", folder.sort},
+      {"expansionBehavior", folder.expansionBehavior},
+      {"allowedApps", folder.allowedApps},
+      {"blockedApps", folder.blockedApps},
+      {"snippets", folder.snippets},
+  };
+  if (folder.shortcutKeyCode) {
+    object["shortcutKeyCode"] = *folder.shortcutKeyCode;
+    object["shortcutModifierFlags"] = folder.shortcutModifierFlags;
+  }
+  return object;
 }
 
 ordered_json toJson(const LibraryExchange& library) {

@@ -47,6 +47,7 @@ struct FolderExchange {
 
 // Without the snippets in the trash.
 FolderExchange exchangeForm(const QLCategory& folder);
+nlohmann::ordered_json toJson(const FolderExchange& folder);
 
 struct LibraryExchange {
   std::vector<SnippetExchange> snippets;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/result.h"
 #include "store/managed_object.h"
 #include "store/predicate.h"
 #include "store/record_set.h"
@@ -80,6 +81,9 @@ class QLSnippet final : public ManagedObject {
   // Setting the plain text drops attributes and pictures, unless it is the one already there.
   AttributedString text() const;
   void setText(AttributedString text);
+  // text(), of which nothing is kept that has to be read for it, for those who go through a whole library. An
+  // error when it cannot be read.
+  Result<AttributedString> readText() const;
   const std::u16string& plainText() const { return plainText_; }
   void setPlainText(std::u16string text);
 

@@ -32,6 +32,18 @@ AttributedString QLSnippet::text() const {
   return rich != nullptr ? *rich : AttributedString(plainText_);
 }
 
+Result<AttributedString> QLSnippet::readText() const {
+  if (richText_) return *richText_;
+  if (richTextPlace_ == RichTextPlace::none || managedObjectContext() == nullptr) {
+    return AttributedString(plainText_);
+  }
+  auto read = managedObjectContext()->richText(*this);
+  if (!read) return read.error();
+  // Somebody else has made it plain since.
+  if (!read.value()) return AttributedString(plainText_);
+  return *std::move(read).value();
+}
+
 const AttributedString* QLSnippet::richText() const {
   if (richTextPlace_ == RichTextPlace::store && managedObjectContext() != nullptr) loadRichText();
   return richText_.get();
