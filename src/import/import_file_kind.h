@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace quorlo {
 
@@ -16,5 +18,12 @@ enum class ImportFileKind {
 
 // Absent for any other file.
 std::optional<ImportFileKind> importFileKind(const std::filesystem::path& file);
+
+// What the first bytes of a file say of it, for files whose names say nothing or something else.
+bool looksLikePropertyList(std::string_view content);
+bool looksLikeJson(std::string_view content);
+
+// "Quorlo imports …", a sentence for users whose file is of no such kind.
+std::u16string importableKinds();
 
 }  // namespace quorlo

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/date.h"
 #include "base/result.h"
 #include "import/import_data.h"
 
@@ -11,10 +10,17 @@
 
 namespace quorlo {
 
+// The snippets that went into one folder, by uuid.
+struct ImportedInto {
+  std::string folder;  // empty for none
+  std::vector<std::string> snippets;
+};
+
 // What an import did, for the user and for taking it back.
 struct ImportReport {
+  bool isDryRun = false;  // what it would have done
+
   std::size_t addedSnippets = 0;
-  std::size_t addedFolders = 0;
   std::size_t duplicates = 0;            // skipped, as asked
   std::size_t presentSnippets = 0;       // of a library document: in the library already, left as they were
   std::size_t emptyRecords = 0;          // skipped: without title, abbreviation and text
@@ -22,20 +28,25 @@ struct ImportReport {
   std::vector<ImportNotice> notices;     // one for each of these, and what the readers noticed
   std::vector<Error> refusedFiles;       // of several: those that nothing was taken from
 
-  // What the import has added to the library.
-  std::vector<std::string> snippetUuids;
-  std::vector<std::string> folderUuids;
-  std::string destination;  // uuid of the folder that holds all that came; empty when there is no such one
-  Date date;                // of the import, and the modification date of every snippet it has added
+  // What the library has got.
+  std::vector<ImportedInto> imported;
+  std::vector<std::string> addedFolders;          // uuids
+  std::vector<std::string> excludedApplications;  // bundle identifiers; of a library document
 
-  bool isDryRun = false;
+  bool addedNothing() const {
+    return addedSnippets == 0 && addedFolders.empty() && excludedApplications.empty();
+  }
+  // The uuid of the folder that holds all that came; empty when there is no such one.
+  std::string destination() const { return imported.size() == 1 ? imported.front().folder : std::string(); }
 };
 
-// In words for the user. The summary is one sentence or two ("Added 12 snippets in 2 folders. …").
+// In words for the user: the counts, in a few short sentences.
 std::u16string summary(const ImportReport& report);
-// The summary, then every notice and refused file on a line of its own.
+// A notice or refused file in one line each, what it is about first.
+std::vector<std::u16string> details(const ImportReport& report);
+// The summary and the details.
 std::u16string text(const ImportReport& report);
-// An object; docs/formats.md has its keys. English.
+// An object; docs/formats.md has its keys.
 std::string json(const ImportReport& report);
 
 // text() in UTF-8, whole or not at all. An existing file is replaced.

@@ -31,7 +31,7 @@ Status addLibrary(PersistenceController& persistence, const std::filesystem::pat
   const auto report = readLibraryFile(file, persistence.managedObjectContext());
   if (!report) return report.error();
   persistence.save();
-  logInfo(fmt::format("Added {} snippets from {}.", report.value().addedSnippets, file.string()));
+  logInfo(fmt::format("Added {} snippets from {}.", report.value().addedSnippets.size(), file.string()));
   return {};
 }
 

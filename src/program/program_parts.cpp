@@ -2,6 +2,8 @@
 
 #include "app/shell/quorlo_app.h"
 #include "base/log.h"
+#include "import/file_import.h"
+#include "import/work_progress.h"
 #include "program/crash_report.h"
 #include "store/abbreviation_rules.h"
 #include "store/sqlite/store_opening.h"
@@ -45,7 +47,25 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
                                [] { return std::chrono::system_clock::now(); }}) {
   settings.setAccessibilityCheck(
       [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
+  persistence.setFileOpener([this](const auto& files) { openFiles(files); });
   setWindowMakers();
+}
+
+void Program::Parts::openFiles(const std::vector<std::filesystem::path>& files) {
+  WorkProgress progress;
+  const auto report = importFiles(files, std::nullopt, {}, persistence.managedObjectContext(), progress);
+  if (!report) {
+    alerts.runModal(
+        {localized(u"Not everything could be opened."), toUtf16(report.error().message), {localized(u"OK")}});
+    return;
+  }
+  logInfo(fmt::format("Added {} snippets from opened files.", report.value().addedSnippets));
+  if (report.value().refusedFiles.size() < files.size()) navigation.showSnippetEditor();
+  if (report.value().refusedFiles.empty()) return;
+  std::string reasons;
+  for (const auto& each : report.value().refusedFiles)
+    reasons += (reasons.empty() ? "" : "\n\n") + each.message;
+  alerts.runModal({localized(u"Not everything could be opened."), toUtf16(reasons), {localized(u"OK")}});
 }
 
 // The windows look at much of the rest until they are gone.

@@ -49,6 +49,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -73,6 +74,7 @@ struct Program::Parts {
 
   AppDelegate::Dependencies delegateDependencies();
   ApplicationRequests requests();
+  void openFiles(const std::vector<std::filesystem::path>& files);
   void setWindowMakers();
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();

@@ -24,8 +24,8 @@ namespace {
 // Puts a checked document into a context.
 class LibraryInsertion {
  public:
-  LibraryInsertion(ManagedObjectContext& context, const LibraryExchange& library)
-      : context_(context), library_(library) {}
+  LibraryInsertion(ManagedObjectContext& context, const LibraryExchange& library, QLCategory* destination)
+      : context_(context), library_(library), destination_(destination) {}
 
   // Finds what the library already holds, and what the document expects there in vain.
   Status prepare() {
@@ -49,7 +49,9 @@ class LibraryInsertion {
   }
 
   LibraryReadReport insert() {
-    for (const auto& each : library_.folders) insertFolder(each);
+    if (destination_ == nullptr) {
+      for (const auto& each : library_.folders) insertFolder(each);
+    }
     for (const auto& each : library_.snippets) insertSnippet(each);
     for (const auto& each : library_.excludedApplications) app(each, AppType::Excluded);
     return std::move(report_);
@@ -60,7 +62,6 @@ class LibraryInsertion {
     auto& folder = folders_[form.uuid];
     if (folder == nullptr) {
       folder = newFolder(form);
-      ++report_.addedFolders;
     }
     for (const auto& uuid : form.snippets) folderOf_.emplace(uuid, folder);
   }
@@ -76,7 +77,10 @@ class LibraryInsertion {
     folder->setShortcutKeyCode(form.shortcutKeyCode);
     folder->setShortcutModifierFlags(form.shortcutModifierFlags);
     folder->setExpansionBehavior(form.expansionBehavior);
+    folder->setCreationDate(now_);
     context_.insert(folder);
+    report_.addedFolders.push_back(folder);
+    report_.added.push_back(folder);
     for (const auto& each : form.allowedApps) folder->addAllowedApp(app(each, AppType::Allowed));
     for (const auto& each : form.blockedApps) folder->addBlockedApp(app(each, AppType::Blocked));
     return folder.get();
@@ -88,21 +92,24 @@ class LibraryInsertion {
       return;
     }
     const auto found = folderOf_.find(form.uuid);
-    auto* const folder = found == folderOf_.end() ? nullptr : found->second;
+    auto* const folder = found == folderOf_.end() ? destination_ : found->second;
     const auto snippet = std::make_shared<QLSnippet>();
     snippet->setUuid(form.uuid);
-    snippet->setTitle(form.title);
+    snippet->setTitle(form.title.empty() ? titleFromText(form.text.string()) : form.title);
     snippet->setTitleIsCustom(!form.title.empty());
     snippet->setText(form.text);
     snippet->setFormatted(form.formatted);
+    snippet->setCreationDate(now_);
+    snippet->setModifiedDate(now_);
     if (const auto obstacle = obstacleFor(form, folder)) {
-      warn(*snippet, form.abbreviation, *obstacle);
+      warn(snippet, form.abbreviation, *obstacle);
     } else {
       snippet->setAbbreviation(form.abbreviation);
     }
     context_.insert(snippet);
     snippet->setCategory(folder);
-    ++report_.addedSnippets;
+    report_.addedSnippets.push_back(snippet);
+    report_.added.push_back(snippet);
   }
 
   std::optional<std::string> obstacleFor(const SnippetExchange& form, const QLCategory* folder) const {
@@ -117,12 +124,13 @@ class LibraryInsertion {
     return "is already in use by \"" + toUtf8(holder.value()->displayTitle()) + "\"";
   }
 
-  void warn(const QLSnippet& snippet, std::u16string_view abbreviation, const std::string& obstacle) {
+  void warn(const std::shared_ptr<QLSnippet>& snippet, std::u16string_view abbreviation,
+            const std::string& obstacle) {
     const auto message = "The abbreviation \"" + toUtf8(abbreviation) + "\" of \"" +
-                         toUtf8(snippet.displayTitle()) + "\" " + obstacle +
+                         toUtf8(snippet->displayTitle()) + "\" " + obstacle +
                          "; the snippet was kept without it.";
     logWarning("WARNING: #ldc7Abr - " + message);
-    report_.warnings.push_back(message);
+    report_.warnings.push_back({snippet, message});
   }
 
   QLApp& app(const std::string& bundleID, AppType type) {
@@ -135,11 +143,14 @@ class LibraryInsertion {
     app->setBundleID(bundleID);
     app->setType(rawType);
     context_.insert(app);
+    report_.added.push_back(app);
     return *app;
   }
 
   ManagedObjectContext& context_;
   const LibraryExchange& library_;
+  QLCategory* const destination_;
+  const Date now_ = context_.now();
   LibraryReadReport report_;
   std::unordered_map<std::string, QLSnippet*> snippets_;  // in the library before
   std::unordered_map<std::string, QLCategory*> folders_;
@@ -156,19 +167,20 @@ Result<LibraryExchange> parseLibrary(std::string_view json) {
 }  // namespace
 
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,
-                                      ManagedObjectContext& context) {
+                                      ManagedObjectContext& context, QLCategory* destination) {
   const auto fault = [name](const Error& error) { return Error{std::string(name) + ": " + error.message}; };
   const auto library = parseLibrary(json);
   if (!library) return fault(library.error());
-  LibraryInsertion insertion(context, library.value());
+  LibraryInsertion insertion(context, library.value(), destination);
   if (const auto status = insertion.prepare(); !status) return fault(status.error());
   return insertion.insert();
 }
 
-Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context) {
+Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context,
+                                          QLCategory* destination) {
   const auto content = readDocumentFile(file);
   if (!content) return content.error();
-  return readLibrary(content.value(), file.string(), context);
+  return readLibrary(content.value(), file.string(), context, destination);
 }
 
 std::string writeLibrary(const ManagedObjectContext& context) {

@@ -213,12 +213,12 @@ Result<bool> ManagedObjectContext::hasApp(std::string_view bundleID, std::int64_
   return index_.hasApp(bundleID, type);
 }
 
-Status ManagedObjectContext::save() {
+Status ManagedObjectContext::save(const SaveProgress& progress) {
   processPendingChanges();
   while (hasChanges()) {
     const auto changes = unsaved_.changes();
     if (configuration_.store) {
-      const auto lost = configuration_.store->save(changes, {transactionAuthor(), name()}, now());
+      const auto lost = configuration_.store->save(changes, {transactionAuthor(), name()}, now(), progress);
       if (!lost) return lost.error();
       for (const auto& each : lost.value()) keep(*each);
       if (!lost.value().empty()) continue;

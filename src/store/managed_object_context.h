@@ -122,7 +122,7 @@ class ManagedObjectContext final : public ExpansionLookup {
   bool hasChanges() const { return !unsaved_.empty(); }
 
   // Tells the pending changes, then stores everything. After a failure all changes are still there.
-  Status save();
+  Status save(const SaveProgress& progress = {});
 
   // Brings records up to what the store holds now, after others have saved. What is unsaved here wins:
   // property by property, and a record with unsaved changes that others have deleted stays as it is here,

@@ -83,8 +83,12 @@ void PersistenceController::observeObjectsDidChange(ManagedObjectContext& contex
 
 // What others have saved is told as well, and leaves nothing to save.
 void PersistenceController::saveAfterDidChangeNotification() {
-  if (!context_->hasChanges() || std::exchange(isWaitingForSave, true)) return;
+  if (saveDeferrals_ > 0 || !context_->hasChanges() || std::exchange(isWaitingForSave, true)) return;
   mainQueue_.runAfter(saveDelay_, life_.guard([this] {
+    if (saveDeferrals_ > 0) {
+      isWaitingForSave = false;
+      return;
+    }
     const bool saved = trySave();
     isWaitingForSave = false;
     saveDelay_ = saved ? kSaveDelay : std::min(2 * saveDelay_, kLongestSaveDelay);
@@ -234,10 +238,16 @@ std::shared_ptr<QLSnippet> PersistenceController::createExampleSnippet() {
   return example;
 }
 
-OpenedFiles PersistenceController::openFiles(const std::vector<std::filesystem::path>& files) {
-  auto opened = readOpenedFiles(files, *context_);
-  save();
-  return opened;
+void PersistenceController::openFiles(const std::vector<std::filesystem::path>& files) {
+  if (fileOpener_) return fileOpener_(files);
+  logError("ERROR: #oPn1mp - Files were opened before anything can import them.");
+}
+
+Subscription PersistenceController::deferSaves() {
+  ++saveDeferrals_;
+  return Subscription(life_.guard([this] {
+    if (--saveDeferrals_ == 0) saveAfterDidChangeNotification();
+  }));
 }
 
 void PersistenceController::createBuiltInFolders() {

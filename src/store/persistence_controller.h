@@ -5,7 +5,6 @@
 #include "platform/main_queue.h"
 #include "store/folder_types.h"
 #include "store/managed_object_context.h"
-#include "store/opened_files.h"
 #include "store/record_store.h"
 
 #include <filesystem>
@@ -13,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quorlo {
@@ -85,8 +85,14 @@ class PersistenceController {
   // A snippet to begin with, "Example Snippet", that says what it is there for.
   std::shared_ptr<QLSnippet> createExampleSnippet();
 
-  // Takes the files' snippets into the library and saves.
-  OpenedFiles openFiles(const std::vector<std::filesystem::path>& files);
+  // Hands files that were opened with the program to whoever imports them, which is set once, at the start.
+  void openFiles(const std::vector<std::filesystem::path>& files);
+  using FileOpener = std::function<void(const std::vector<std::filesystem::path>& files)>;
+  void setFileOpener(FileOpener opener) { fileOpener_ = std::move(opener); }
+
+  // While it lives, the saves that come by themselves wait: somebody writes to the file for longer than
+  // anybody should wait for the lock. Those that are asked for do not.
+  Subscription deferSaves();
 
   // The maintenance of store_maintenance.h and built_in_folders.h on the main context; which of it when, and
   // what has been done once, is the start-up's business. What is merged is saved at once, other changes soon.
@@ -109,6 +115,8 @@ class PersistenceController {
   Seconds saveDelay_;
   bool isWaitingForSave = false;
   bool saveTimerIsRunning = false;
+  int saveDeferrals_ = 0;
+  FileOpener fileOpener_;
   const MainQueue::Instant lastSaveRequestDate;
   LifeToken life_;
 };

@@ -33,8 +33,9 @@ ValueView unread(const ManagedObject&) {
   return {};
 }
 
-// The first line that is not blank, without the blanks around it.
-std::u16string firstLine(std::u16string_view text) {
+}  // namespace
+
+std::u16string titleFromText(std::u16string_view text) {
   constexpr std::u16string_view kBlanks = u" \t\r\n\u00A0\u2028\u2029\uFFFC";
   const auto start = std::min(text.find_first_not_of(kBlanks), text.size());
   auto line = text.substr(start, text.find_first_of(u"\r\n\u2028\u2029", start) - start);
@@ -43,8 +44,6 @@ std::u16string firstLine(std::u16string_view text) {
   if (starts.size() > kLongestDerivedTitle) line = line.substr(0, starts[kLongestDerivedTitle]);
   return std::u16string(line);
 }
-
-}  // namespace
 
 constinit const Attribute<std::string_view> QLSnippet::kUuid{
     {kEntity, "uuid",
@@ -243,7 +242,7 @@ void QLSnippet::touch() {
 
 void QLSnippet::deriveTitle() {
   if (!title_.empty() || titleIsCustom_ || isDeleted()) return;
-  setTitle(firstLine(plainText_));
+  setTitle(titleFromText(plainText_));
 }
 
 void QLSnippet::leaveIndex() {

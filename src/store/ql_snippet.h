@@ -22,6 +22,10 @@ class QLCategory;
 class SnippetImage;
 class SnippetTextCache;
 
+// The title of a snippet that was given none: the first line of its text that is not blank, without the
+// blanks around it.
+std::u16string titleFromText(std::u16string_view text);
+
 // One snippet. It is live unless it is in the trash (it has a deletionDate) or in a shared folder.
 class QLSnippet final : public ManagedObject {
  public:

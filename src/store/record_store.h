@@ -5,6 +5,7 @@
 #include "store/history/history_transaction.h"
 #include "text/attributed_string.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ struct Writer {
   std::string contextName;
 };
 
+// Hears now and then how much of a save is written, from 0 to 1. The save is called off when it returns
+// false.
+using SaveProgress = std::function<bool(double fraction)>;
+
 // Where the records of one context are kept. Belongs to that context and its thread.
 class RecordStore {
  public:
@@ -35,8 +40,10 @@ class RecordStore {
   // Makes the changes permanent, all of them or none: of updated records only the changed properties. An
   // updated record that others have deleted meanwhile is returned; then nothing is written, and the record
   // can be saved as an inserted one that keeps its row. Otherwise the inserted records have their rows.
+  // A save that is called off is an error.
   virtual Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes,
-                                                                   const Writer& writer, Date now) = 0;
+                                                                   const Writer& writer, Date now,
+                                                                   const SaveProgress& progress) = 0;
 
   // Brings the records that others have changed up to what the store holds now. What is unsaved in the
   // context stays, property by property. After an error some records may not be up to date; the same changes

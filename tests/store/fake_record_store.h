@@ -16,8 +16,9 @@ class FakeRecordStore final : public RecordStore {
       : commits_(commits), result_(result) {}
 
   Status load(ManagedObjectContext&) override { return {}; }
-  Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer&,
-                                                           Date) override {
+  Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer&, Date,
+                                                           const SaveProgress& progress) override {
+    if (progress && !progress(0.5)) return Error{"The save was called off."};
     if (!result_) return result_.error();
     commits_.push_back(changes);
     return std::vector<std::shared_ptr<ManagedObject>>();

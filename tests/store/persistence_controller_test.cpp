@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace quorlo {
 namespace {
@@ -148,19 +147,6 @@ TEST(PersistenceController, AnswersForFoldersAndForSnippetsByWhereTheyAre) {
   EXPECT_EQ(controller.activeAbbreviations(), std::vector<std::u16string>{u"a"});
   EXPECT_EQ(controller.trashedSnippets(), std::vector{trashed});
   EXPECT_EQ(controller.snippetsOutsideSharedFolders().size(), 3U);
-}
-
-TEST(PersistenceController, OpensLibrariesRefusesOtherFilesByNameAndSaves) {
-  TestLibrary library;
-  const auto directory = std::filesystem::path(::testing::TempDir());
-  const auto good = directory / "opened.QUORLO";
-  std::ofstream(good) << R"([{"text": "Hello", "abbreviation": "hi"}])";
-  const auto opened = library.controller.openFiles({directory / "table.csv", good, directory / "none.json"});
-  EXPECT_EQ(opened.report.addedSnippets, 1U);
-  ASSERT_EQ(opened.refused.size(), 2U);
-  EXPECT_NE(opened.refused[0].message.find("table.csv"), std::string::npos);
-  EXPECT_NE(opened.refused[1].message.find("none.json"), std::string::npos);
-  EXPECT_EQ(library.commits.size(), 1U);
 }
 
 }  // namespace

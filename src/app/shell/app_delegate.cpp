@@ -93,13 +93,7 @@ bool AppDelegate::applicationShouldHandleReopen() {
 }
 
 void AppDelegate::open(const std::vector<std::filesystem::path>& files) {
-  const auto opened = persistenceController.openFiles(files);
-  logInfo(fmt::format("Added {} snippets from opened files.", opened.report.addedSnippets));
-  if (opened.refused.size() < files.size()) use_.navigation.showSnippetEditor();
-  if (opened.refused.empty()) return;
-  std::string reasons;
-  for (const auto& each : opened.refused) reasons += (reasons.empty() ? "" : "\n\n") + each.message;
-  use_.alerts.runModal({localized(u"Not everything could be opened."), toUtf16(reasons), {localized(u"OK")}});
+  persistenceController.openFiles(files);
 }
 
 void AppDelegate::terminate() {

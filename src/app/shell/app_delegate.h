@@ -72,8 +72,7 @@ class AppDelegate {
 
   // Quorlo was started again, or called from the desktop.
   bool applicationShouldHandleReopen();
-  // Files that the user opened with Quorlo. The editor shows what came; an alert tells what could not be
-  // read.
+  // Files that the user opened with Quorlo.
   void open(const std::vector<std::filesystem::path>& files);
 
   // Ends the program, if the user's changes can be saved or the user gives them up.

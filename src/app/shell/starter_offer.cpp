@@ -30,7 +30,7 @@ bool StarterOffer::isDue() const {
 Status StarterOffer::accept() {
   const auto report = readLibraryFile(starterLibrary_, persistence_.managedObjectContext());
   if (!report) return report.error();
-  logInfo(fmt::format("{} starter snippets have been added.", report.value().addedSnippets));
+  logInfo(fmt::format("{} starter snippets have been added.", report.value().addedSnippets.size()));
   persistence_.save();
   markAsAnswered();
   return {};

@@ -26,13 +26,15 @@
 namespace quorlo {
 namespace {
 
+constexpr std::size_t kRecordsPerStep = 1000;
+
 using Records = std::vector<std::shared_ptr<ManagedObject>>;
 
 // One save on its way into the file.
 class Save {
  public:
-  Save(SqliteDatabase& database, const Writer& writer, Date now)
-      : database_(database), writer_(writer), now_(now) {}
+  Save(SqliteDatabase& database, const Writer& writer, Date now, const SaveProgress& progress)
+      : database_(database), writer_(writer), now_(now), progress_(progress) {}
 
   Status run(const ChangeSet& changes);
 
@@ -50,6 +52,7 @@ class Save {
   Status writeRelationship(const ManagedObject& owner, const StoredRelationship& relationship);
   Status note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties);
   Status beginHistory();
+  Status didWrite();
 
   const std::string& insertStatement(Entity entity);
   void bind(SqliteStatement& statement, int parameter, const Property& property,
@@ -59,6 +62,9 @@ class Save {
   SqliteDatabase& database_;
   const Writer& writer_;
   const Date now_;
+  const SaveProgress& progress_;
+  std::size_t written_ = 0;
+  std::size_t toWrite_ = 0;
   std::int64_t historyTransaction_ = 0;
   std::array<std::string, kEntityCount> insertStatements_;
   std::unordered_map<const ManagedObject*, std::int64_t> newRows_;
@@ -79,19 +85,29 @@ std::string uuidOf(const ManagedObject& record) {
 }
 
 Status Save::run(const ChangeSet& changes) {
+  toWrite_ = changes.inserted.size() + changes.updated.size() + changes.deleted.size();
   for (const auto entity : kReferencedFirst) {
     for (const auto& each : changes.inserted) {
       if (each->entity() != entity) continue;
       if (auto status = insert(*each); !status) return status;
+      if (auto status = didWrite(); !status) return status;
     }
   }
   for (const auto& each : changes.updated) {
     if (auto status = update(each); !status) return status;
+    if (auto status = didWrite(); !status) return status;
   }
   for (const auto& each : changes.deleted) {
     if (auto status = remove(*each); !status) return status;
+    if (auto status = didWrite(); !status) return status;
   }
   return {};
+}
+
+Status Save::didWrite() {
+  if (++written_ % kRecordsPerStep != 0 && written_ != toWrite_) return {};
+  if (!progress_ || progress_(static_cast<double>(written_) / static_cast<double>(toWrite_))) return {};
+  return Error{"The save was called off."};
 }
 
 // One that has been stored before and was lost goes back to its row, even when others have put it back there.
@@ -275,10 +291,10 @@ void Save::tellRecords(const ChangeSet& changes) const {
 }  // namespace
 
 Result<Records> writeRecords(SqliteDatabase& database, const ChangeSet& changes, const Writer& writer,
-                             Date now) {
+                             Date now, const SaveProgress& progress) {
   auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::write);
   if (!transaction) return transaction.error();
-  Save save(database, writer, now);
+  Save save(database, writer, now, progress);
   if (auto status = save.run(changes); !status) return status.error();
   if (!save.lost().empty()) return save.lost();
   if (auto status = transaction.value().commit(); !status) return status.error();

@@ -14,6 +14,7 @@ class SqliteDatabase;
 // RecordStore::save: the changes, and what the history says of them, in one transaction.
 Result<std::vector<std::shared_ptr<ManagedObject>>> writeRecords(SqliteDatabase& database,
                                                                  const ChangeSet& changes,
-                                                                 const Writer& writer, Date now);
+                                                                 const Writer& writer, Date now,
+                                                                 const SaveProgress& progress);
 
 }  // namespace quorlo

@@ -20,8 +20,9 @@ Status SqliteRecordStore::load(ManagedObjectContext& context) {
 }
 
 Result<std::vector<std::shared_ptr<ManagedObject>>> SqliteRecordStore::save(const ChangeSet& changes,
-                                                                            const Writer& writer, Date now) {
-  return writeRecords(*database_, changes, writer, now);
+                                                                            const Writer& writer, Date now,
+                                                                            const SaveProgress& progress) {
+  return writeRecords(*database_, changes, writer, now, progress);
 }
 
 Status SqliteRecordStore::refresh(ManagedObjectContext& context, const std::vector<HistoryChange>& changes) {

@@ -208,20 +208,11 @@ TEST_F(AppDelegateTest, OpensTheMenuWhenStartedAgainUnlessTheEditorIsThere) {
   EXPECT_TRUE(view.isOpen);
 }
 
-TEST_F(AppDelegateTest, TakesOpenedFilesIntoTheLibrary) {
-  const auto directory = std::filesystem::path(testing::TempDir());
-  const auto damaged = directory / "damaged.quorlo";
-  const auto good = directory / "good.quorlo";
-  std::ofstream(damaged) << "{";
-  delegate.open({damaged});
-  EXPECT_EQ(alerts.shown.size(), 1u);
-  EXPECT_TRUE(windows.visible.empty());
-
-  std::ofstream(good) << R"({"snippets":[{"title":"t","text":"opened","formatted":0,"abbreviation":"opd"}]})";
-  delegate.open({damaged, good});
-  EXPECT_EQ(alerts.shown.size(), 2u);
-  EXPECT_NE(persistence.snippetForAbbreviation(u"opd"), nullptr);
-  EXPECT_TRUE(windows.isWindowVisible(kSnippetEditorWindow));
+TEST_F(AppDelegateTest, HandsOpenedFilesToTheImportInOneCall) {
+  std::vector<std::vector<std::filesystem::path>> opened;
+  persistence.setFileOpener([&opened](const auto& files) { opened.push_back(files); });
+  delegate.open({"a.csv", "b.quorlo"});
+  EXPECT_THAT(opened, ElementsAre(ElementsAre("a.csv", "b.quorlo")));
 }
 
 TEST_F(AppDelegateTest, FollowsTheHotKeysOfFoldersAndMenu) {

@@ -1,0 +1,97 @@
+#include "import/file_import.h"
+
+#include "base/localized.h"
+#include "import/csv/csv_file.h"
+#include "import/csv/csv_mapping.h"
+#include "import/file_bytes.h"
+#include "import/import_file_kind.h"
+#include "import/import_transaction.h"
+#include "import/work_progress.h"
+#include "text/utf.h"
+
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+constexpr double kReadEnds = 0.4;  // of the work on one file
+constexpr std::size_t kTellingBytes = 1024;
+constexpr double kSaveBegins = 0.5;  // of all work
+
+Error ofNoKind(const std::filesystem::path& file) {
+  return {file.string() + ": " +
+          toUtf8(localized(u"Snippets cannot be imported from this file.") + u' ' + importableKinds())};
+}
+
+// A table by its name alone, which may hold something else.
+bool holdsPropertyList(const std::filesystem::path& file) {
+  std::error_code failure;
+  if (!std::filesystem::is_regular_file(file, failure)) return false;
+  std::string start(kTellingBytes, '\0');
+  std::ifstream stream(file, std::ios::binary);
+  stream.read(start.data(), static_cast<std::streamsize>(start.size()));
+  start.resize(static_cast<std::size_t>(stream.gcount()));
+  return looksLikePropertyList(start);
+}
+
+Status takeLibrary(const std::filesystem::path& file, std::string_view content,
+                   ImportTransaction& transaction) {
+  const bool mayBeOurs = content.find("\"text\"") != std::string_view::npos ||
+                         content.find("\"snippets\"") != std::string_view::npos ||
+                         content.find("\"folders\"") != std::string_view::npos;
+  if (!mayBeOurs && !content.empty()) return ofNoKind(file);
+  return transaction.addLibrary(content, file);
+}
+
+Status take(const std::filesystem::path& file, const std::optional<CsvMapping>& mapping,
+            ImportTransaction& transaction, WorkProgress& progress) {
+  WorkProgress reading(progress, 0, kReadEnds);
+  WorkProgress adding(progress, kReadEnds, 1);
+  const auto add = [&](const Result<ImportData>& data) {
+    return data ? transaction.add(data.value(), adding) : Status(data.error());
+  };
+  const auto kind = importFileKind(file);
+  if (kind == ImportFileKind::csv && !holdsPropertyList(file)) {
+    return add(readCsvFile(file, mapping.value_or(CsvMapping()), reading));
+  }
+  const auto content = readFileBytes(file, reading);
+  if (!content) return content.error();
+  const bool isLibrary = kind ? kind == ImportFileKind::library : looksLikeJson(content.value());
+  if (isLibrary && !looksLikePropertyList(content.value()))
+    return takeLibrary(file, content.value(), transaction);
+  return ofNoKind(file);
+}
+
+}  // namespace
+
+Result<ImportReport> importFile(const std::filesystem::path& file, const std::optional<CsvMapping>& mapping,
+                                const ImportOptions& options, ManagedObjectContext& context,
+                                WorkProgress& progress) {
+  auto report = importFiles({file}, mapping, options, context, progress);
+  if (report && !report.value().refusedFiles.empty()) return report.value().refusedFiles.front();
+  return report;
+}
+
+Result<ImportReport> importFiles(const std::vector<std::filesystem::path>& files,
+                                 const std::optional<CsvMapping>& mapping, const ImportOptions& options,
+                                 ManagedObjectContext& context, WorkProgress& progress) {
+  WorkProgress saving(progress, kSaveBegins, 1);
+  ImportTransaction transaction(options, context, saving);
+  if (auto status = transaction.begin(); !status) return status.error();
+  const auto share = kSaveBegins / static_cast<double>(files.size());
+  double begin = 0;
+  for (const auto& each : files) {
+    WorkProgress part(progress, begin, begin + share);
+    begin += share;
+    const auto status = take(each, mapping, transaction, part);
+    if (progress.isCancelled()) return importWasCancelled();
+    if (!status) transaction.refuse(status.error());
+  }
+  return transaction.commit();
+}
+
+}  // namespace quorlo

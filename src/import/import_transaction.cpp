@@ -1,0 +1,259 @@
+#include "import/import_transaction.h"
+
+#include "base/localized.h"
+#include "import/file_bytes.h"
+#include "import/work_progress.h"
+#include "store/abbreviation_rules.h"
+#include "store/library_document.h"
+#include "store/library_editing.h"
+#include "store/localized_format.h"
+#include "store/managed_object_context.h"
+#include "store/ql_app.h"
+#include "store/ql_category.h"
+#include "store/ql_snippet.h"
+#include "store/uuid.h"
+#include "text/line_breaks.h"
+#include "text/utf.h"
+
+#include <algorithm>
+#include <ranges>
+#include <utility>
+#include <variant>
+
+namespace quorlo {
+namespace {
+
+constexpr std::u16string_view kBlanks = u" \t\r\n\u00A0\u2028\u2029";
+constexpr std::size_t kRecordsPerStep = 1000;
+constexpr std::size_t kLongestQuotation = 60;
+
+std::u16string_view trimmed(std::u16string_view text) {
+  const auto start = std::min(text.find_first_not_of(kBlanks), text.size());
+  text.remove_prefix(start);
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+bool isBlank(std::u16string_view text) {
+  return text.find_first_not_of(kBlanks) == std::u16string_view::npos;
+}
+
+// Short enough to be read in a message.
+std::u16string quotation(std::u16string_view text) {
+  if (text.size() <= kLongestQuotation) return std::u16string(text);
+  const bool splitsPair = (text[kLongestQuotation - 1] & 0xFC00) == 0xD800;
+  return std::u16string(text.substr(0, kLongestQuotation - (splitsPair ? 1 : 0))) + u'\u2026';
+}
+
+AttributedString textOf(const ImportedSnippet& record) {
+  if (record.text.string().find(u'\r') == std::u16string::npos) return record.text;
+  return withLineFeeds(record.text);
+}
+
+std::u16string nothingWasImported(const Error& error) {
+  return localized(u"Nothing was imported.") + u' ' + toUtf16(error.message);
+}
+
+}  // namespace
+
+ImportTransaction::ImportTransaction(const ImportOptions& options, ManagedObjectContext& context,
+                                     WorkProgress& progress)
+    : options_(options), context_(context), progress_(progress), now_(context.now()) {
+  report_.isDryRun = options.isDryRun;
+}
+
+ImportTransaction::~ImportTransaction() {
+  for (const auto& each : std::views::reverse(inserted_)) context_.deleteObject(*each);
+}
+
+Status ImportTransaction::begin() {
+  readFolders();
+  if (const auto* titled = std::get_if<ImportIntoTitled>(&options_.destination)) {
+    if (isBlank(titled->title)) return Error{toUtf8(localized(u"The new folder has no name. Give it one."))};
+    destination_ = folderOfTitle(titled->title);
+  } else if (const auto* chosen = std::get_if<ImportIntoFolder>(&options_.destination)) {
+    destination_ = folderOfUuid(chosen->uuid);
+    if (destination_ == nullptr) {
+      return Error{toUtf8(
+          localized(u"The folder to import into is not in the library any more. Choose another one."))};
+    }
+  }
+  return {};
+}
+
+Status ImportTransaction::add(const ImportData& data, WorkProgress& progress) {
+  if (options_.skipDuplicates && !duplicates_) duplicates_.emplace(context_);
+  report_.notices.insert(report_.notices.end(), data.notices.begin(), data.notices.end());
+  for (std::size_t i = 0; i < data.snippets.size(); ++i) {
+    if (i % kRecordsPerStep == 0) {
+      progress.setFraction(static_cast<double>(i) / static_cast<double>(data.snippets.size()));
+      if (auto status = mayGoOn(); !status) return status;
+    }
+    addSnippet(data.snippets[i], data);
+  }
+  progress.setFraction(1);
+  return mayGoOn();
+}
+
+void ImportTransaction::addSnippet(const ImportedSnippet& record, const ImportData& data) {
+  if (isBlank(record.title) && isBlank(record.abbreviation) && isBlank(record.text.string())) {
+    ++report_.emptyRecords;
+    return;
+  }
+  auto text = textOf(record);
+  const bool hasTitle = !isBlank(record.title);
+  auto title = hasTitle ? record.title : titleFromText(text.string());
+  if (skipsDuplicate(record, title, text)) return;
+
+  const auto snippet = std::make_shared<QLSnippet>();
+  snippet->setUuid(randomUuid());
+  snippet->setTitle(std::move(title));
+  snippet->setTitleIsCustom(hasTitle);
+  snippet->setText(std::move(text));
+  snippet->setFormatted(static_cast<std::int64_t>(record.type));
+  snippet->setCreationDate(now_);
+  snippet->setModifiedDate(now_);
+  setAbbreviation(*snippet, trimmed(record.abbreviation));
+  insert(snippet);
+  auto* const folder = folderFor(record, data);
+  snippet->setCategory(folder);
+  noteAdded(*snippet, folder);
+  if (duplicates_) duplicates_->add(*snippet);
+}
+
+bool ImportTransaction::skipsDuplicate(const ImportedSnippet& record, std::u16string_view title,
+                                       const AttributedString& text) {
+  const auto* const same = duplicates_ ? duplicates_->find(title, text) : nullptr;
+  if (same == nullptr) return false;
+  ++report_.duplicates;
+  const auto abbreviation = trimmed(record.abbreviation);
+  if (!abbreviation.empty() && abbreviation != same->abbreviation()) {
+    report_.notices.push_back(
+        {quotation(title),
+         localizedFormat(u"The abbreviation “%@” was skipped with a duplicate.", quotation(abbreviation))});
+  }
+  return true;
+}
+
+// Before the snippet is inserted, so that it does not find itself.
+void ImportTransaction::setAbbreviation(QLSnippet& snippet, std::u16string_view abbreviation) {
+  if (abbreviation.empty()) return;
+  const auto quoted = quotation(abbreviation);
+  if (const auto fault = faultOfAbbreviation(abbreviation)) {
+    return noteRefusal(snippet,
+                       *fault == AbbreviationFault::tooLong
+                           ? localizedFormat(u"The abbreviation “%@” is longer than 30 characters; the "
+                                             u"snippet was kept without it.",
+                                             quoted)
+                           : localizedFormat(u"The abbreviation “%@” contains a space; the snippet was kept "
+                                             u"without it.",
+                                             quoted));
+  }
+  if (const auto holder = context_.liveSnippet(abbreviation); holder && holder.value()) {
+    return noteRefusal(snippet,
+                       localizedFormat(u"The abbreviation “%@” is already in use by “%@”; the snippet was "
+                                       u"kept without it.",
+                                       quoted, quotation(holder.value()->displayTitle())));
+  }
+  snippet.setAbbreviation(std::u16string(abbreviation));
+}
+
+void ImportTransaction::noteRefusal(const QLSnippet& snippet, std::u16string message) {
+  ++report_.refusedAbbreviations;
+  report_.notices.push_back({quotation(snippet.displayTitle()), std::move(message)});
+}
+
+void ImportTransaction::noteAdded(const QLSnippet& snippet, const QLCategory* folder) {
+  ++report_.addedSnippets;
+  const auto [place, isNew] = places_.try_emplace(folder, report_.imported.size());
+  if (isNew) report_.imported.push_back({folder == nullptr ? std::string() : folder->uuid(), {}});
+  report_.imported[place->second].snippets.push_back(snippet.uuid());
+}
+
+QLCategory* ImportTransaction::folderFor(const ImportedSnippet& record, const ImportData& data) {
+  if (destination_ != nullptr || !record.folder || *record.folder >= data.folders.size()) return destination_;
+  const auto& title = data.folders[*record.folder];
+  return isBlank(title) ? nullptr : folderOfTitle(title);
+}
+
+QLCategory* ImportTransaction::folderOfTitle(const std::u16string& title) {
+  auto& folder = userFolders_[title];
+  if (folder != nullptr) return folder;
+  const auto made = std::make_shared<QLCategory>();
+  made->setUuid(randomUuid());
+  made->setTitle(title);
+  made->setSort(++lastSort_);
+  made->setCreationDate(now_);
+  made->setModifiedDate(now_);
+  insert(made);
+  report_.addedFolders.push_back(made->uuid());
+  return folder = made.get();
+}
+
+QLCategory* ImportTransaction::folderOfUuid(const std::string& uuid) const {
+  const auto found =
+      context_.fetch<QLCategory>({.predicate = QLCategory::kUuid.equals(uuid), .fetchLimit = 1});
+  if (!found || found.value().empty() || !takesSnippets(*found.value().front())) return nullptr;
+  return found.value().front().get();
+}
+
+// Of folders with the same title the first one in the sidebar counts.
+void ImportTransaction::readFolders() {
+  const auto folders = context_.fetch<QLCategory>({.sortDescriptors = QLCategory::sortDescriptors()});
+  if (!folders) return;  // only a predicate of other records fails
+  for (const auto& each : folders.value()) {
+    lastSort_ = std::max(lastSort_, each->sort());
+    if (takesSnippets(*each)) userFolders_.emplace(each->title(), each.get());
+  }
+}
+
+Status ImportTransaction::addLibrary(std::string_view json, const std::filesystem::path& file) {
+  auto read = readLibrary(json, file.string(), context_, destination_);
+  if (!read) return read.error();
+  auto& came = read.value();
+  inserted_.insert(inserted_.end(), came.added.begin(), came.added.end());
+  report_.presentSnippets += came.presentSnippets;
+  for (const auto& each : came.addedFolders) report_.addedFolders.push_back(each->uuid());
+  for (const auto& each : came.addedSnippets) noteAdded(*each, each->category().get());
+  for (const auto& each : came.warnings) noteRefusal(*each.snippet, toUtf16(each.message));
+  for (const auto& each : came.added) {
+    if (each->entity() != Entity::app) continue;
+    const auto& app = static_cast<const QLApp&>(*each);
+    if (app.type() == static_cast<std::int64_t>(AppType::Excluded)) {
+      report_.excludedApplications.push_back(app.bundleID());
+    }
+  }
+  return mayGoOn();
+}
+
+Result<ImportReport> ImportTransaction::commit() {
+  forgetUnusedFolder();
+  if (options_.isDryRun) return std::move(report_);
+  const auto goesOn = [this](double fraction) {
+    progress_.setFraction(fraction);
+    return !progress_.isCancelled();
+  };
+  if (const auto saved = context_.save(goesOn); !saved) {
+    return progress_.isCancelled() ? importWasCancelled() : Error{toUtf8(nothingWasImported(saved.error()))};
+  }
+  inserted_.clear();
+  return std::move(report_);
+}
+
+// The destination was made before it was known whether anything comes.
+void ImportTransaction::forgetUnusedFolder() {
+  if (destination_ == nullptr || !destination_->snippets().empty()) return;
+  if (std::erase(report_.addedFolders, destination_->uuid()) == 0) return;
+  std::erase_if(inserted_, [this](const auto& each) { return each.get() == destination_; });
+  context_.deleteObject(*std::exchange(destination_, nullptr));
+}
+
+void ImportTransaction::insert(const std::shared_ptr<ManagedObject>& record) {
+  context_.insert(record);
+  inserted_.push_back(record);
+}
+
+Status ImportTransaction::mayGoOn() const {
+  return progress_.isCancelled() ? Status(importWasCancelled()) : Status();
+}
+
+}  // namespace quorlo
