@@ -50,6 +50,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <vector>
 
 namespace quorlo {
 
@@ -73,6 +74,7 @@ struct Program::Parts {
   ~Parts();
 
   AppDelegate::Dependencies delegateDependencies();
+  void openFiles(const std::vector<std::filesystem::path>& files);
   ApplicationRequests requests();
   void openFiles(const std::vector<std::filesystem::path>& files);
   void setWindowMakers();
