@@ -50,7 +50,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-#include <vector>
 
 namespace quorlo {
 
@@ -74,7 +73,6 @@ struct Program::Parts {
   ~Parts();
 
   AppDelegate::Dependencies delegateDependencies();
-  void openFiles(const std::vector<std::filesystem::path>& files);
   ApplicationRequests requests();
   void openFiles(const std::vector<std::filesystem::path>& files);
   void setWindowMakers();
