@@ -74,7 +74,7 @@ TEST_F(FileUserDefaultsTest, SeeWhatAnotherProcessWritesAndSayNothingOfTheirOwnW
   EXPECT_TRUE(runEventLoopUntil([&] { return content().find("own") != std::string::npos; }));
   FileUserDefaults other(directory_);
   other.setValue(kStandard, "theirs", true);
-  other.synchronize();
+  EXPECT_TRUE(other.synchronize().ok());
   EXPECT_TRUE(runEventLoopUntil([&] { return !changes_.empty(); }));
   EXPECT_THAT(changes_, ElementsAre("theirs"));
   EXPECT_EQ(*defaults_->value(kStandard, "theirs"), DefaultsValue(true));
@@ -86,8 +86,8 @@ TEST_F(FileUserDefaultsTest, LoseNothingWhenTwoProcessesWriteAtOnce) {
   defaults_->setValue(kStandard, "both", "own");
   other.setValue(kStandard, "theirs", true);
   other.setValue(kStandard, "both", "theirs");
-  other.synchronize();
-  defaults_->synchronize();
+  EXPECT_TRUE(other.synchronize().ok());
+  EXPECT_TRUE(defaults_->synchronize().ok());
   EXPECT_TRUE(runEventLoopUntil([&] { return defaults_->value(kStandard, "theirs") != nullptr; }));
   EXPECT_THAT(changes_, ElementsAre("theirs"));
   EXPECT_TRUE(runEventLoopUntil([&] { return *other.value(kStandard, "both") == DefaultsValue("own"); }));
@@ -103,7 +103,7 @@ TEST_F(FileUserDefaultsTest, FollowEditsInPlaceAndKeepWhatTheyDoNotUnderstand) {
       runEventLoopUntil([&] { return defaults_->value(kStandard, "AbbreviationsEnabled") != nullptr; }));
   EXPECT_EQ(defaults_->value(kStandard, "real"), nullptr);
   defaults_->setValue(kStandard, "own", true);
-  defaults_->synchronize();
+  EXPECT_TRUE(defaults_->synchronize().ok());
   EXPECT_THAT(content(), HasSubstr("list"));
 }
 
@@ -128,7 +128,7 @@ TEST_F(FileUserDefaultsTest, PutADamagedFileAsideWhereverItIsCut) {
 
 TEST_F(FileUserDefaultsTest, KeepTheSettingsWhenTheFileIsDamagedWhileTheyRun) {
   open().setValue(kStandard, "key", "text");
-  defaults_->synchronize();
+  EXPECT_TRUE(defaults_->synchronize().ok());
   edit("{\"key\": tex");
   EXPECT_TRUE(runEventLoopUntil([&] { return !log_.empty(); }));
   EXPECT_EQ(*defaults_->value(kStandard, "key"), DefaultsValue("text"));
@@ -141,8 +141,9 @@ TEST_F(FileUserDefaultsTest, HoldTheirValuesWhereNothingCanBeWritten) {
   fs::create_directories(directory_.parent_path());
   std::ofstream(directory_) << "a file in the directory's place";
   open().setValue(kStandard, "key", true);
-  defaults_->synchronize();
+  EXPECT_FALSE(defaults_->synchronize().ok());
   EXPECT_EQ(*defaults_->value(kStandard, "key"), DefaultsValue(true));
+  defaults_.reset();
   EXPECT_THAT(log_, testing::Contains(HasSubstr("could not be written")));
 }
 

@@ -1,19 +1,23 @@
-#include "ui/defaults_file.h"
+#include "app/settings/defaults_file.h"
 
+#include "base/iso_date.h"
 #include "base/log.h"
-
-#include <QDateTime>
-#include <QFile>
-#include <QLockFile>
-#include <QSaveFile>
-#include <QString>
+#include "base/whole_file.h"
 
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace quorlo {
@@ -23,18 +27,12 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 constexpr auto kDateMember = "date";
-constexpr int kLockTimeoutMs = 1000;
-
-QString toQt(const fs::path& path) {
-  return QString::fromStdString(path.string());
-}
+constexpr mode_t kForTheUserAlone = 0600;
+constexpr std::chrono::milliseconds kLockPatience{1000};
+constexpr std::chrono::milliseconds kLockInterval{5};
 
 Json toJson(const DefaultsValue& value) {
-  if (const auto* date = std::get_if<Date>(&value)) {
-    const auto sinceEpoch = std::chrono::floor<std::chrono::milliseconds>(date->time_since_epoch());
-    const auto moment = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count(), Qt::UTC);
-    return {{kDateMember, moment.toString(Qt::ISODateWithMs).toStdString()}};
-  }
+  if (const auto* date = std::get_if<Date>(&value)) return {{kDateMember, isoDate(*date)}};
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
   if (const auto* real = std::get_if<double>(&value)) return std::isfinite(*real) ? Json(*real) : Json();
@@ -52,12 +50,8 @@ std::optional<DefaultsValue> fromJson(const Json& json) {
   if (!json.is_object() || json.size() != 1 || !json.contains(kDateMember)) return std::nullopt;
   const auto& text = json[kDateMember];
   if (!text.is_string()) return std::nullopt;
-  const auto moment =
-      QDateTime::fromString(QString::fromStdString(text.get<std::string>()), Qt::ISODateWithMs);
-  const auto milliseconds = std::chrono::milliseconds(moment.toMSecsSinceEpoch());
-  const auto isHeld =
-      milliseconds > Date::min().time_since_epoch() && milliseconds < Date::max().time_since_epoch();
-  return moment.isValid() && isHeld ? std::optional<DefaultsValue>(Date(milliseconds)) : std::nullopt;
+  const auto date = readIsoDate(text.get_ref<const std::string&>());
+  return date ? std::optional<DefaultsValue>(*date) : std::nullopt;
 }
 
 // Ill-formed UTF-8 is replaced.
@@ -75,13 +69,13 @@ DefaultsValues valuesOf(const Json& document) {
 
 // An empty object when there is no file.
 Result<Json> readDocument(const fs::path& path) {
-  QFile file(toQt(path));
   std::error_code failure;
   if (!fs::exists(path, failure) && !failure) return Json::object();
-  if (!file.open(QIODevice::ReadOnly)) return Error{path.string() + ": " + file.errorString().toStdString()};
-  const auto bytes = file.readAll();
+  std::ifstream file(path, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  if (!file) return Error{path.string() + " cannot be read: " + std::generic_category().message(errno)};
   try {
-    auto document = Json::parse(bytes.begin(), bytes.end());
+    auto document = Json::parse(bytes);
     if (document.is_object()) return document;
     return Error{path.string() + " holds no JSON object."};
   } catch (const Json::exception& error) {
@@ -103,15 +97,34 @@ Status setAside(const fs::path& path) {
   return {};
 }
 
-Status save(const fs::path& path, const Json& document) {
-  QSaveFile file(toQt(path));
-  const auto text = textOf(document) + "\n";
-  const auto saved = file.open(QIODevice::WriteOnly) &&
-                     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-                     file.write(text.data(), static_cast<qint64>(text.size())) >= 0 && file.commit();
-  if (!saved) return Error{path.string() + ": " + file.errorString().toStdString()};
-  return {};
-}
+// Held while a file of the folder is changed, so that no other process changes it meanwhile. Where a folder
+// cannot be locked, as on some network disks, the file is changed unguarded.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder)
+      : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    const auto end = std::chrono::steady_clock::now() + kLockPatience;
+    while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+      if (errno != EWOULDBLOCK && errno != EINTR) return;
+      if (std::chrono::steady_clock::now() > end) {
+        isHeldByAnother_ = true;
+        return;
+      }
+      std::this_thread::sleep_for(kLockInterval);
+    }
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+  ~FolderLock() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  bool isHeldByAnother() const { return isHeldByAnother_; }
+
+ private:
+  int descriptor_;
+  bool isHeldByAnother_ = false;
+};
 
 }  // namespace
 
@@ -124,8 +137,8 @@ Result<DefaultsValues> DefaultsFile::read() const {
 }
 
 Status DefaultsFile::write(const DefaultsValues& known, const DefaultsChanges& changes) const {
-  QLockFile lock(toQt(path_) + QStringLiteral(".lock"));
-  if (!lock.tryLock(kLockTimeoutMs)) return Error{path_.string() + " cannot be locked."};
+  const FolderLock lock(path_.parent_path());
+  if (lock.isHeldByAnother()) return Error{path_.string() + " is being written by another program."};
   auto document = readDocument(path_);
   if (!document) {
     if (const auto kept = setAside(path_); !kept) return kept;
@@ -139,7 +152,7 @@ Status DefaultsFile::write(const DefaultsValues& known, const DefaultsChanges& c
       document.value().erase(key);
     }
   }
-  return save(path_, document.value());
+  return writeWholeFile(path_, textOf(document.value()) + "\n", kForTheUserAlone);
 }
 
 std::optional<DefaultsValue> storableValue(const DefaultsValue& value) {
