@@ -1,5 +1,9 @@
 #include "import/formats/binary_objects.h"
 
+#include "base/localized.h"
+#include "store/localized_format.h"
+#include "text/utf.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -81,9 +85,9 @@ std::optional<std::size_t> fixedSize(unsigned kind, unsigned half) {
 }  // namespace
 
 Result<BinaryObjects> BinaryObjects::open(std::string_view bytes) {
-  const Error cutOff{
-      "The file is cut off or damaged: the table at the end of a binary property list is not as it should be. Copy or "
-      "export the file again."};
+  const Error cutOff{toUtf8(localized(
+      u"The file is cut off or damaged: the table at the end of a binary property list is not as it should be. Copy or "
+      u"export the file again."))};
   if (bytes.size() < kHeaderSize + kTrailerSize) return cutOff;
   const auto trailer = bytes.size() - kTrailerSize;
   BinaryObjects objects(bytes);
@@ -98,7 +102,8 @@ Result<BinaryObjects> BinaryObjects::open(std::string_view bytes) {
   if (objects.count_ > (trailer - table) / objects.placeSize_) return cutOff;
   for (std::size_t object = 0; object < objects.count_; ++object) {
     const auto place = objects.place(object);
-    if (place < kHeaderSize || place >= table) return objects.failure(object, "lies outside of the file");
+    if (place < kHeaderSize || place >= table)
+      return objects.failure(object, localized(u"lies outside of the file"));
   }
   return objects;
 }
@@ -110,21 +115,22 @@ Result<BinaryObject> BinaryObjects::read(std::size_t object) const {
   const auto half = marker & 0xFU;
   if (const auto unit = unitSize(read.kind, referenceSize_); unit > 0) {
     const auto length = readLength(read, half);
-    if (!length || *length > (table_ - read.content) / unit) return failure(object, "is cut off");
+    if (!length || *length > (table_ - read.content) / unit) return failure(object, localized(u"is cut off"));
     read.length = *length * unit;
     if (read.isContainer()) read.references = read.length / referenceSize_;
   } else {
     const auto size = fixedSize(read.kind, half);
-    if (!size) return failure(object, "is of a kind that no file of snippets has");
-    if (*size > table_ - read.content) return failure(object, "is cut off");
+    if (!size) return failure(object, localized(u"is of a kind that no file of snippets has"));
+    if (*size > table_ - read.content) return failure(object, localized(u"is cut off"));
     read.length = *size;
   }
   const auto content = bytes_.substr(read.content, read.length);
-  if (read.kind == BinaryObject::asciiText && !isAscii(content)) return failure(object, "is no ASCII text");
+  if (read.kind == BinaryObject::asciiText && !isAscii(content))
+    return failure(object, localized(u"is no ASCII text"));
   if (read.kind == BinaryObject::utf16Text && !isWellFormedUtf16(content))
-    return failure(object, "is no well-formed UTF-16 text");
+    return failure(object, localized(u"is no well-formed UTF-16 text"));
   if (isText(object) && hasNul(content, read.kind == BinaryObject::utf16Text ? 2 : 1))
-    return failure(object, "is a text with a NUL character in it");
+    return failure(object, localized(u"is a text with a NUL character in it"));
   return read;
 }
 
@@ -137,9 +143,9 @@ std::size_t BinaryObjects::reference(const BinaryObject& container, std::size_t 
   return number(container.content + index * referenceSize_, referenceSize_);
 }
 
-Error BinaryObjects::failure(std::size_t object, std::string_view what) const {
-  return {fmt::format("Object {} of the file, at byte {}, {}. Copy or export the file again.", object,
-                      place(object), what)};
+Error BinaryObjects::failure(std::size_t object, std::u16string_view what) const {
+  const auto name = toUtf16(fmt::format("{} (byte {})", object, place(object)));
+  return {toUtf8(localizedFormat(u"Object %@ of the file %@. Copy or export the file again.", name, what))};
 }
 
 // Big endian, as all numbers of the format.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace quorlo {
@@ -51,8 +52,8 @@ class BinaryObjects {
   // Reference number `index` of a container that was read; may be no object.
   std::size_t reference(const BinaryObject& container, std::size_t index) const;
 
-  // An error that names the object.
-  Error failure(std::size_t object, std::string_view what) const;
+  // An error that names the object; `what` is localised.
+  Error failure(std::size_t object, std::u16string_view what) const;
 
  private:
   explicit BinaryObjects(std::string_view bytes) : bytes_(bytes) {}

@@ -1,9 +1,10 @@
 #include "import/formats/check_binary_property_list.h"
 
+#include "base/localized.h"
 #include "import/formats/binary_objects.h"
 #include "import/formats/property_list.h"
-
-#include <fmt/format.h>
+#include "store/localized_format.h"
+#include "text/utf.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -51,7 +52,8 @@ class BinaryCheck {
     if (!read) return read.error();
     const auto& object = read.value();
     if (object.kind == BinaryObject::dictionary && object.references / 2 > kMostPropertyListKeys)
-      return objects_.failure(number, fmt::format("has more than {} keys", kMostPropertyListKeys));
+      return objects_.failure(number,
+                              localizedFormat(u"has more than %d keys", std::int64_t{kMostPropertyListKeys}));
     const std::size_t depth = object.isContainer() ? 1 : 0;
     if (way_.size() + depth > kDeepestPropertyList) return tooDeep(number);
     extents_[number] = {1, object.isContainer() ? 0 : object.length, depth};
@@ -65,10 +67,10 @@ class BinaryCheck {
     const bool isKey = here.object.kind == BinaryObject::dictionary && here.next < here.object.references / 2;
     const auto child = objects_.reference(here.object, here.next++);
     if (child >= objects_.count())
-      return objects_.failure(here.number, "refers to an object that is not there");
+      return objects_.failure(here.number, localized(u"refers to an object that is not there"));
     if (isKey && !objects_.isText(child))
-      return objects_.failure(child, "is the key of a dictionary, but no text");
-    if (isOpen_[child]) return objects_.failure(child, "contains itself");
+      return objects_.failure(child, localized(u"is the key of a dictionary, but no text"));
+    if (isOpen_[child]) return objects_.failure(child, localized(u"contains itself"));
     return extents_[child].values == 0 ? open(child) : addToHere(child);
   }
 
@@ -91,14 +93,13 @@ class BinaryCheck {
   }
 
   Error tooDeep(std::size_t object) const {
-    return objects_.failure(object,
-                            fmt::format("is nested too deeply (more than {} levels)", kDeepestPropertyList));
+    return objects_.failure(object, localized(u"is nested too deeply"));
   }
 
   static Error tooMuch() {
-    return {fmt::format(
-        "The file stands for too much: more than {} values or {} MiB. Export fewer snippets at a time.",
-        kMostPropertyListValues, kLargestPropertyList >> 20)};
+    return {toUtf8(
+        localized(u"The file stands for too much: more than four million values or 256 MiB. Export fewer "
+                  u"snippets at a time."))};
   }
 
   BinaryObjects objects_;

@@ -2,9 +2,8 @@
 
 #include "import/formats/property_list.h"
 #include "import/formats/xml_leaf_values.h"
+#include "store/localized_format.h"
 #include "text/utf.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -36,8 +35,8 @@ class XmlPreparation {
       if (auto read = readMarkup(); !read) return read.error();
     }
     if (open_.empty() && isClosed_) return std::move(prepared_);
-    if (open_.empty()) return Error{"The file is empty: it has no <plist> element. Copy or export it again."};
-    return failure(fmt::format("the file is cut off within <{}>", open_.back().name));
+    if (open_.empty()) return failure(u"the file has no <plist> element");
+    return cutOff(open_.back().name);
   }
 
  private:
@@ -47,12 +46,12 @@ class XmlPreparation {
   };
 
   Status readMarkup() {
-    if (take("<!--")) return skipBehind("-->", "comment");
+    if (take("<!--")) return skipBehind("-->", "!--");
     if (take("<?")) return readInstruction();
     if (take("<!DOCTYPE")) return skipDocumentType();
     if (take("</")) return readEndTag();
     if (take("<")) return readStartTag();
-    return failure("there is text where an element belongs");
+    return failure(u"there is text where an element belongs");
   }
 
   bool take(std::string_view mark) {
@@ -63,14 +62,14 @@ class XmlPreparation {
 
   Status skipBehind(std::string_view mark, std::string_view what) {
     const auto end = bytes_.find(mark, position_);
-    if (end == kNowhere) return failure(fmt::format("the file is cut off within a {}", what));
+    if (end == kNowhere) return cutOff(what);
     position_ = end + mark.size();
     return {};
   }
 
   Status readInstruction() {
     const auto start = position_;
-    if (auto skipped = skipBehind("?>", "processing instruction"); !skipped) return skipped;
+    if (auto skipped = skipBehind("?>", "?"); !skipped) return skipped;
     const auto text = bytes_.substr(start, position_ - start);
     const auto encoding = text.find("encoding=");
     if (!text.starts_with("xml ") || encoding == kNowhere) return {};
@@ -78,22 +77,22 @@ class XmlPreparation {
     std::ranges::transform(name, name.begin(),
                            [](char each) { return each >= 'A' && each <= 'Z' ? each + 32 : each; });
     if (name == "utf-8" || name == "us-ascii") return {};
-    return failure(fmt::format("the file is in the encoding {}; save it in UTF-8", name));
+    return failure(u"the file is in the encoding %@; save it in UTF-8", name);
   }
 
   Status skipDocumentType() {
     const auto end = bytes_.find_first_of("[>", position_);
     if (end != kNowhere && bytes_[end] == '[')
-      return failure("the file declares entities or elements of its own, which no file of snippets does");
-    return skipBehind(">", "document type");
+      return failure(u"the file declares entities or elements of its own, which no file of snippets does");
+    return skipBehind(">", "!DOCTYPE");
   }
 
   Status readEndTag() {
     const auto name = readName();
     position_ = std::min(bytes_.find_first_not_of(kSpace, position_), bytes_.size());
     if (open_.empty() || open_.back().name != name || !take(">")) return unexpected("</", name);
-    if (name == "dict" && open_.back().children % 2 == 1) return failure("a <key> has no value");
-    if (name == "plist" && open_.back().children == 0) return failure("<plist> is empty");
+    if (name == "dict" && open_.back().children % 2 == 1) return failure(u"a <key> has no value");
+    if (name == "plist" && open_.back().children == 0) return failure(u"<plist> is empty");
     open_.pop_back();
     isClosed_ = open_.empty();
     writeTag("</", name, ">");
@@ -108,16 +107,15 @@ class XmlPreparation {
     if (isRoot != open_.empty() || isClosed_) return unexpected("<", name);
     if (auto counted = isRoot ? Status() : countChild(name); !counted) return counted;
     const auto end = bytes_.find('>', position_);
-    if (end == kNowhere) return failure(fmt::format("the file is cut off within <{}>", name));
+    if (end == kNowhere) return cutOff(name);
     const bool isEmpty = bytes_[end - 1] == '/';
     position_ = end + 1;
     if (!isContainer) return readLeaf(name, isEmpty);
     if (open_.size() > kDeepestPropertyList)
-      return failure(
-          fmt::format("the file is nested too deeply (more than {} levels)", kDeepestPropertyList));
+      return failure(u"the file is nested too deeply, more than 64 levels");
     writeTag("<", name, isEmpty ? "/>" : ">");
     if (!isEmpty) open_.push_back({name});
-    return isRoot && isEmpty ? failure("<plist> is empty") : Status();
+    return isRoot && isEmpty ? failure(u"<plist> is empty") : Status();
   }
 
   // Whether the element may stand here.
@@ -125,29 +123,26 @@ class XmlPreparation {
     auto& parent = open_.back();
     const bool isKey = name == "key";
     const bool expectsKey = parent.name == "dict" && parent.children % 2 == 0;
-    if (isKey && !expectsKey) return failure("a <key> stands where a value belongs");
-    if (!isKey && expectsKey) return failure(fmt::format("<{}> has no <key> before it", name));
-    if (parent.name == "plist" && parent.children > 0) return failure("<plist> holds more than one value");
+    if (isKey && !expectsKey) return failure(u"a <key> stands where a value belongs");
+    if (!isKey && expectsKey) return failure(u"<%@> has no <key> before it", name);
+    if (parent.name == "plist" && parent.children > 0) return failure(u"<plist> holds more than one value");
     ++parent.children;
     if (parent.name == "dict" && parent.children > 2 * kMostPropertyListKeys)
-      return failure(fmt::format("a dictionary has more than {} keys; export fewer snippets at a time",
-                                 kMostPropertyListKeys));
-    if (++values_ > kMostPropertyListValues)
-      return failure(fmt::format("the file holds more than {} values; export fewer snippets at a time",
-                                 kMostPropertyListValues));
+      return failure(u"a dictionary has more than 100,000 keys");
+    if (++values_ > kMostPropertyListValues) return failure(u"the file holds more than four million values");
     return {};
   }
 
   Status readLeaf(std::string_view name, bool isEmpty) {
     std::string text;
-    const auto line = position_;
+    const auto start = position_;
     if (!isEmpty) {
       if (auto read = readText(name, text); !read) return read;
     }
-    if (text.find('\0') != kNowhere) return failure("a text has a NUL character in it", line);
+    if (text.find('\0') != kNowhere) return failureAt(start, u"a text has a NUL character in it", name);
     if ((name == "key" || name == "string") && !toUtf16Strict(text))
-      return failure("a text is not in UTF-8", line);
-    if (!isContentOf(name, text)) return failure(fmt::format("what stands in <{0}> is no {0}", name), line);
+      return failureAt(start, u"a text is not in UTF-8", name);
+    if (!isContentOf(name, text)) return failureAt(start, u"what stands in <%@> is no such value", name);
     writeLeaf(name, text);
     return {};
   }
@@ -156,17 +151,17 @@ class XmlPreparation {
   Status readText(std::string_view name, std::string& text) {
     for (;;) {
       const auto next = bytes_.find_first_of("<&", position_);
-      if (next == kNowhere) return failure(fmt::format("the file is cut off within <{}>", name));
+      if (next == kNowhere) return cutOff(name);
       text += bytes_.substr(position_, next - position_);
       position_ = next;
       if (take("&")) {
         if (auto read = readReference(text); !read) return read;
       } else if (take("<![CDATA[")) {
         const auto start = position_;
-        if (auto skipped = skipBehind("]]>", "CDATA section"); !skipped) return skipped;
+        if (auto skipped = skipBehind("]]>", "![CDATA["); !skipped) return skipped;
         text += bytes_.substr(start, position_ - 3 - start);
       } else if (take("<!--")) {
-        if (auto skipped = skipBehind("-->", "comment"); !skipped) return skipped;
+        if (auto skipped = skipBehind("-->", "!--"); !skipped) return skipped;
       } else {
         return readLeafEnd(name);
       }
@@ -178,14 +173,14 @@ class XmlPreparation {
     const auto end = name.find(';');
     const auto character = end == kNowhere ? std::nullopt : referencedCharacter(name.substr(0, end));
     if (!character)
-      return failure("\"&\" begins no reference that is known here; as a character it is \"&amp;\"");
+      return failure(u"“&” begins no reference that is known here; as a character it is “&amp;”");
     text += *character;
     position_ += end + 1;
     return {};
   }
 
   Status readLeafEnd(std::string_view name) {
-    if (!take("</")) return failure(fmt::format("<{}> has another element in it", name));
+    if (!take("</")) return failure(u"<%@> has another element in it", name);
     const auto found = readName();
     position_ = std::min(bytes_.find_first_not_of(kSpace, position_), bytes_.size());
     return found == name && take(">") ? Status() : unexpected("</", found);
@@ -220,15 +215,22 @@ class XmlPreparation {
   }
 
   Error unexpected(std::string_view opening, std::string_view name) const {
-    if (position_ == bytes_.size()) return failure("the file is cut off");
-    return failure(fmt::format("{}{}…> does not belong here", opening, name));
+    if (position_ == bytes_.size()) return failure(u"the file is cut off");
+    return failure(u"%@…> does not belong here", std::string(opening).append(name));
   }
 
-  Error failure(std::string_view what) const { return failure(what, position_); }
+  Error cutOff(std::string_view element) const {
+    return failure(u"the file is cut off within <%@>", element);
+  }
 
-  Error failure(std::string_view what, std::size_t position) const {
+  Error failure(std::u16string_view what, std::string_view name = {}) const {
+    return failureAt(position_, what, name);
+  }
+
+  Error failureAt(std::size_t position, std::u16string_view what, std::string_view name) const {
     const auto line = std::ranges::count(bytes_.substr(0, position), '\n') + 1;
-    return {fmt::format("Line {}: {}. Correct the file there, or export it again.", line, what)};
+    return {toUtf8(localizedFormat(u"Line %@: %@. Correct the file there, or export it again.",
+                                   toUtf16(std::to_string(line)), localizedFormat(what, toUtf16(name))))};
   }
 
   std::string_view bytes_;

@@ -1,5 +1,7 @@
 #include "import/formats/property_list.h"
 
+#include "base/localized.h"
+
 #include <algorithm>
 #include <array>
 
@@ -12,10 +14,11 @@ const PropertyList* PropertyList::find(std::string_view key) const {
   return entry == dictionary->end() ? nullptr : &entry->second;
 }
 
-std::string_view kindName(const PropertyList& list) {
-  static constexpr std::array<std::string_view, 8> kNames{
-      "a yes or no", "a whole number", "a number", "a text", "data", "a list", "a dictionary", "a date"};
-  return kNames[list.value.index()];
+std::u16string kindName(const PropertyList& list) {
+  static constexpr std::array<std::u16string_view, 8> kNames{u"yes or no",    u"a whole number", u"a number",
+                                                             u"a text",       u"data",           u"a list",
+                                                             u"a dictionary", u"a date"};
+  return localized(kNames[list.value.index()]);
 }
 
 }  // namespace quorlo

@@ -14,7 +14,7 @@ namespace quorlo {
 // The document type of the XML form names the kinds: http://www.apple.com/DTDs/PropertyList-1.0.dtd
 struct PropertyList {
   using Array = std::vector<PropertyList>;
-  using Dictionary = std::vector<std::pair<std::string, PropertyList>>;  // keys in UTF-8, each once
+  using Dictionary = std::vector<std::pair<std::string, PropertyList>>;  // keys in UTF-8
   using Data = std::vector<std::uint8_t>;
 
   // A value of which only the kind is known; no file of snippets says anything by it.
@@ -27,13 +27,13 @@ struct PropertyList {
     return std::get_if<Kind>(&value);
   }
 
-  // Of a dictionary; null where the key is not there, or where this is no dictionary. Takes time by the
-  // number of keys.
+  // Of a dictionary, the first one; null where the key is not there, or where this is no dictionary. Takes
+  // time by the number of keys.
   const PropertyList* find(std::string_view key) const;
 };
 
-// "a text", "a dictionary" and so on, for messages.
-std::string_view kindName(const PropertyList& list);
+// "a text", "a dictionary" and so on, localised.
+std::u16string kindName(const PropertyList& list);
 
 // What a property list may hold. More than any library of snippets has, and little enough for the memory of
 // a small computer.

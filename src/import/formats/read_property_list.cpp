@@ -1,10 +1,10 @@
 #include "import/formats/read_property_list.h"
 
+#include "base/localized.h"
 #include "import/formats/check_binary_property_list.h"
 #include "import/formats/prepare_xml_property_list.h"
 #include "text/utf.h"
 
-#include <fmt/format.h>
 #include <plist/plist.h>
 
 #include <cstdlib>
@@ -135,18 +135,18 @@ bool isUtf16(std::string_view bytes) {
 }  // namespace
 
 Result<PropertyList> readPropertyList(std::string_view bytes) {
+  const auto failure = [](std::u16string_view what) { return Error{toUtf8(localized(what))}; };
   if (bytes.size() > kLargestPropertyList)
-    return Error{fmt::format("The file is larger than {} MiB. Export fewer snippets at a time.",
-                             kLargestPropertyList >> 20)};
-  if (bytes.empty()) return Error{"The file is empty. Copy or export it again."};
+    return failure(u"The file is larger than 256 MiB. Export fewer snippets at a time.");
+  if (bytes.empty()) return failure(u"The file is empty. Copy or export it again.");
   if (bytes.starts_with("bplist00")) return readBinary(bytes);
   if (isUtf16(bytes))
-    return Error{"The file is in UTF-16. Save it in UTF-8 with a text editor, and import that."};
+    return failure(u"The file is in UTF-16. Save it in UTF-8 with a text editor, and import that.");
   const auto start = bytes.find_first_not_of("\xEF\xBB\xBF \t\r\n");
   if (start != std::string_view::npos && bytes[start] == '<') return readXml(bytes);
-  return Error{
-      "The file is no property list: it begins neither with \"<\" (XML) nor with \"bplist00\" (binary). Export "
-      "it again from the program it comes from."};
+  return failure(
+      u"The file is no property list: it begins neither with “<” (XML) nor with “bplist00” (binary). Export "
+      u"it again from the program it comes from.");
 }
 
 }  // namespace quorlo
