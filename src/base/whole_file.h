@@ -9,9 +9,7 @@
 
 namespace quorlo {
 
-// Gives the file this content, whole or not at all, also after a power cut: others see the former content or
-// the new one. Where the path is a link, the file that it leads to is replaced. `mode` is that of a newly
-// made file, narrowed by the process's umask. Errors name the file and give the system's reason. Any thread.
+// Gives a file a content that is at hand as a whole, in the way and with the errors of a FileDraft.
 Status writeWholeFile(const std::filesystem::path& path, std::string_view content, mode_t mode);
 
 }  // namespace quorlo

@@ -36,8 +36,8 @@ class DefaultsFile {
   Result<DefaultsValues> read() const;
 
   // Applies the changes to what the file holds now, in one step for every other process. A file that
-  // cannot be read is logged and kept under another name; `known` then takes its place. The file is the
-  // user's alone (mode 0600).
+  // cannot be read is logged and kept under another name; `known` then takes its place. A new
+  // file is the user's alone (mode 0600).
   Status write(const DefaultsValues& known, const DefaultsChanges& changes) const;
 
  private:
