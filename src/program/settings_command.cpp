@@ -2,9 +2,9 @@
 
 #include "app/settings/settings_controller.h"
 #include "platform/accessibility_trust.h"
+#include "platform/system_environment.h"
 #include "ui/file_user_defaults.h"
 #include "ui/qt_main_queue.h"
-#include "ui/system_environment.h"
 #include "x11/x11_desktop.h"
 
 #include <QCoreApplication>

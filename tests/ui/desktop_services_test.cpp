@@ -9,7 +9,6 @@
 #include "ui/qt_alerts.h"
 #include "ui/qt_own_application.h"
 #include "ui/screen_lock.h"
-#include "ui/system_environment.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,17 +35,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-
-TEST(SystemEnvironment, ListsTheLanguagesOfTheSession) {
-  const SystemEnvironment environment("/usr/bin");
-  for (const auto& [name, value] :
-       {std::pair("LANGUAGE", "pt_BR"), {"LC_ALL", ""}, {"LC_TIME", "de_DE.UTF-8"}, {"LANG", "en_GB.UTF-8"}})
-    setenv(name, value, 1);
-  unsetenv("LC_MESSAGES");
-  EXPECT_THAT(environment.preferredLanguages(), ElementsAre("pt_BR", "de_DE", "en_GB"));
-  setenv("LANGUAGE", "", 1);
-  EXPECT_THAT(environment.textLanguages(), ElementsAre("en_GB"));
-}
 
 TEST(PulseAudioPlayer, MeasuresSoundsAndIsSilentWithoutAServer) {
   PulseAudioPlayer player;

@@ -1,10 +1,15 @@
-#include "ui/system_environment.h"
+#include "platform/system_environment.h"
 
 #include "platform/preferred_languages.h"
+#include "text/utf.h"
 
-#include <QStandardPaths>
-#include <QTimeZone>
+#include <unicode/ucal.h>
+#include <unicode/utypes.h>
 
+#include <pwd.h>
+#include <unistd.h>
+
+#include <array>
 #include <cstdlib>
 #include <initializer_list>
 #include <string_view>
@@ -25,8 +30,17 @@ std::vector<std::string> languagesOf(std::initializer_list<const char*> variable
   return quorlo::preferredLanguages(values);
 }
 
-fs::path standardFolder(QStandardPaths::StandardLocation location) {
-  return QStandardPaths::writableLocation(location).toStdString();
+fs::path homeFolder() {
+  if (const auto* const home = std::getenv("HOME"); home && *home) return home;
+  const auto* const user = getpwuid(getuid());
+  return user && user->pw_dir ? user->pw_dir : "/";
+}
+
+// A folder of the user's as the XDG Base Directory standard names it; a relative path there is void.
+fs::path userFolder(const char* variable, const char* belowHome) {
+  const auto* const value = std::getenv(variable);
+  const fs::path folder = value ? value : "";
+  return folder.is_absolute() ? folder : homeFolder() / belowHome;
 }
 
 }  // namespace
@@ -47,16 +61,20 @@ std::vector<std::string> SystemEnvironment::textLanguages() const {
 }
 
 std::string SystemEnvironment::timeZone() const {
-  const auto zone = QTimeZone::systemTimeZoneId();
-  return zone.isEmpty() ? "UTC" : zone.toStdString();
+  std::array<char16_t, 128> name;
+  UErrorCode failure = U_ZERO_ERROR;
+  const auto length = ucal_getHostTimeZone(name.data(), static_cast<std::int32_t>(name.size()), &failure);
+  const auto zone =
+      U_FAILURE(failure) ? std::string() : toUtf8({name.data(), static_cast<std::size_t>(length)});
+  return zone.empty() || zone == "Etc/Unknown" ? "UTC" : zone;
 }
 
 fs::path SystemEnvironment::dataDirectory() const {
-  return standardFolder(QStandardPaths::GenericDataLocation) / "org.quorlo.Quorlo";
+  return userFolder("XDG_DATA_HOME", ".local/share") / "org.quorlo.Quorlo";
 }
 
 fs::path SystemEnvironment::configDirectory() const {
-  return standardFolder(QStandardPaths::GenericConfigLocation) / "quorlo";
+  return userFolder("XDG_CONFIG_HOME", ".config") / "quorlo";
 }
 
 fs::path SystemEnvironment::resourcesDirectory() const {
