@@ -2,13 +2,17 @@
 
 #include "platform/user_defaults.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorlo {
 
-// Every preference of the user, in the order of kSettingKeys.
+// Every preference of the user, in the order of their table.
 enum class Setting {
   abbreviationsEnabled,
   searchScopes,
@@ -50,58 +54,47 @@ enum class Setting {
   showNotificationForExpension,
   showFormatInspector,
 };
+inline constexpr std::size_t kSettingCount = static_cast<std::size_t>(Setting::showFormatInspector) + 1;
 
-struct SettingKey {
-  DefaultsDomain domain;
-  std::string_view key;
+// What the values of a setting are, and with it how they are stored.
+enum class SettingKind {
+  boolean,
+  count,    // a whole number from 0 on
+  seconds,  // a number from 0 to kMaxPasteDelay; whole ones are understood too
+  date,
+  text,
+  list,    // of texts, stored as the JSON text of an array
+  choice,  // one of the choices, stored as its number
+  word,    // one of the choices, stored as its name
+  set,     // any of the choices, stored as the sum of their numbers
 };
 
-// Where each setting is stored. The misspellings are part of the stored format.
-inline constexpr std::array<SettingKey, 39> kSettingKeys{{
-    {DefaultsDomain::appGroup, "AbbreviationsEnabled"},
-    {DefaultsDomain::appGroup, "SearchScopes"},
-    {DefaultsDomain::standard, "firstLaunch"},
-    {DefaultsDomain::standard, "WelcomeViewHasBeenShown"},
-    {DefaultsDomain::standard, "numberOfLaunches"},
-    {DefaultsDomain::standard, "numberOfLaunches"},  // shared with numberOfLaunches on purpose
-    {DefaultsDomain::standard, "QLDebugEnabledDate"},
-    {DefaultsDomain::standard, "SelectedCategoryUUID"},
-    {DefaultsDomain::standard, "SelectedSnippetUUIDs"},
-    {DefaultsDomain::standard, "ShowMacroReplacementPreviewInReplacementView"},
-    {DefaultsDomain::standard, "ShowClipboardContentInReplacementView"},
-    {DefaultsDomain::standard, "ShowAllMacrosInPreview"},
-    {DefaultsDomain::standard, "ShowPreviewNextToEditorText"},
-    {DefaultsDomain::standard, "ShowMacroReplacementPreviewInSnippetEditor"},
-    {DefaultsDomain::standard, "PreviewWindowPosition"},
-    {DefaultsDomain::standard, "ShowSymbolNextToMacro"},
-    {DefaultsDomain::standard, "SnippetFormat"},
-    {DefaultsDomain::standard, "SnippetsSortOption"},
-    {DefaultsDomain::standard, "AscendingSnippetSortation"},
-    {DefaultsDomain::standard, "ShowSnippetUseCount"},
-    {DefaultsDomain::standard, "HideAbbreviationAddButton"},
-    {DefaultsDomain::standard, "QLDebugModeEnabled"},
-    {DefaultsDomain::standard, "OpenMacroSettingsAfterInsert"},
-    {DefaultsDomain::standard, "AutoPasteEnabled"},
-    {DefaultsDomain::standard, "ExpandAbbreviationWithinWord"},
-    {DefaultsDomain::standard, "RemoveTriggerKey"},
-    {DefaultsDomain::standard, "PasteBetweenSnippetPartsDelay"},
-    {DefaultsDomain::standard, "UseTransparentBacgroundForPreview"},
-    {DefaultsDomain::standard, "RestorePateboardItemsDelay"},
-    {DefaultsDomain::standard, "RestorePateboardItems"},
-    {DefaultsDomain::standard, "AbbreviationsTriggerType"},
-    {DefaultsDomain::standard, "AbbreviationDelimiterKey"},
-    {DefaultsDomain::standard, "OldDefaultsHaveBeenCopied"},
-    {DefaultsDomain::standard, "SnippetSound"},
-    {DefaultsDomain::standard, "CustomSnippetSound"},
-    {DefaultsDomain::standard, "ShowQOInMenuBar"},
-    {DefaultsDomain::standard, "PlaySound"},
-    {DefaultsDomain::standard, "ShowNotificationForExpension"},
-    {DefaultsDomain::standard, "ShowFormatInspector"},
-}};
-static_assert(kSettingKeys.size() == static_cast<std::size_t>(Setting::showFormatInspector) + 1);
+struct SettingChoice {
+  std::int64_t rawValue;
+  std::string name;  // how people call it who do not see the settings window
+};
 
-constexpr const SettingKey& settingKey(Setting setting) {
-  return kSettingKeys[static_cast<std::size_t>(setting)];
+// Others may read every setting; those that Quorlo keeps for itself are changed by it alone.
+enum class SettingOwner { user, program };
+
+struct SettingDescription {
+  std::string_view key;
+  DefaultsDomain domain;
+  SettingKind kind;
+  std::optional<DefaultsValue> defaultValue;  // absent where there is none
+  std::vector<SettingChoice> choices;
+  SettingOwner owner;
+  std::string_view meaning;
+};
+
+// All of them, in the order of `Setting`. The misspellings are part of the stored format.
+std::span<const SettingDescription, kSettingCount> settingDescriptions();
+
+inline const SettingDescription& describe(Setting setting) {
+  return settingDescriptions()[static_cast<std::size_t>(setting)];
 }
+
+// Whether a stored value is one that the setting can have; any other reads as the default.
+bool allows(const SettingDescription& setting, const DefaultsValue& value);
 
 }  // namespace quorlo

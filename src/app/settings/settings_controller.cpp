@@ -6,15 +6,12 @@
 #include "store/ql_snippet.h"
 #include "store/snippet_type.h"
 
-#include <cmath>
-#include <limits>
 #include <utility>
 #include <variant>
 
 namespace quorlo {
 namespace {
 
-constexpr Seconds kDefaultPasteDelay{0.2};
 constexpr Seconds kFormatBarDelay{0.25};
 
 const Property& sortKey(SnippetSortOption option) {
@@ -72,9 +69,7 @@ void SettingsController::setAbbreviationsEnabled(bool on) {
 }
 
 AbbreviationTriggerType SettingsController::abbreviationsTriggerType() const {
-  const auto* value = stored<std::int64_t>(Setting::abbreviationsTriggerType);
-  const auto known = value ? enumCase(*value, kAbbreviationTriggerTypes) : std::nullopt;
-  return known.value_or(AbbreviationTriggerType::delimiterKey);
+  return static_cast<AbbreviationTriggerType>(integer(Setting::abbreviationsTriggerType));
 }
 
 void SettingsController::setAbbreviationsTriggerType(AbbreviationTriggerType type) {
@@ -82,16 +77,14 @@ void SettingsController::setAbbreviationsTriggerType(AbbreviationTriggerType typ
 }
 
 DelimiterKeys SettingsController::abbreviationDelimiterKey() const {
-  constexpr auto kAllBits = (DelimiterKeys::RawValue{1} << DelimiterKeys::kMemberCount) - 1;
-  return DelimiterKeys(integer(Setting::abbreviationDelimiterKey, kAllBits, kSpaceDelimiter.rawValue()));
+  return DelimiterKeys(integer(Setting::abbreviationDelimiterKey));
 }
 
 void SettingsController::setAbbreviationDelimiterKey(DelimiterKeys keys) {
   store(Setting::abbreviationDelimiterKey, keys.rawValue());
   activeAbbreviationKeyStrings_.clear();
   if (keys.empty()) store(Setting::abbreviationDelimiterKey, kSpaceDelimiter.rawValue());
-  const auto& [domain, key] = settingKey(Setting::abbreviationDelimiterKey);
-  notifyChange(domain, key);
+  notifyChange(Setting::abbreviationDelimiterKey);
 }
 
 const std::set<std::u16string, std::less<>>& SettingsController::activeAbbreviationKeyStrings() const {
@@ -107,8 +100,7 @@ const std::set<std::u16string, std::less<>>& SettingsController::activeAbbreviat
 void SettingsController::setAutoPasteIsEnabled(bool on) {
   store(Setting::autoPasteIsEnabled, on);
   validateAutoPaste();
-  const auto& [domain, key] = settingKey(Setting::autoPasteIsEnabled);
-  notifyChange(domain, key);
+  notifyChange(Setting::autoPasteIsEnabled);
 }
 
 void SettingsController::validateAutoPaste() {
@@ -127,9 +119,7 @@ void SettingsController::setRestorePateboardItemsDelay(Seconds wait) {
 }
 
 SnippetExpansionSound SettingsController::snippetExpansionSound() const {
-  const auto* name = stored<std::string>(Setting::snippetExpansionSound);
-  const auto known = name ? quorlo::snippetExpansionSound(*name) : std::nullopt;
-  return known.value_or(SnippetExpansionSound::magnet);
+  return *quorlo::snippetExpansionSound(text(Setting::snippetExpansionSound));
 }
 
 void SettingsController::setSnippetExpansionSound(SnippetExpansionSound sound) {
@@ -137,8 +127,7 @@ void SettingsController::setSnippetExpansionSound(SnippetExpansionSound sound) {
 }
 
 SearchScopes SettingsController::searchScopes() const {
-  constexpr auto kAll = SearchScopes::all().rawValue();
-  return SearchScopes(integer(Setting::searchScopes, kAll, kAll));
+  return SearchScopes(integer(Setting::searchScopes));
 }
 
 void SettingsController::setSearchScopes(SearchScopes scopes) {
@@ -146,9 +135,7 @@ void SettingsController::setSearchScopes(SearchScopes scopes) {
 }
 
 SnippetSortOption SettingsController::snippetsSortOption() const {
-  const auto* value = stored<std::int64_t>(Setting::snippetsSortOption);
-  const auto known = value ? enumCase(*value, kSnippetSortOptions) : std::nullopt;
-  return known.value_or(SnippetSortOption::creationDate);
+  return static_cast<SnippetSortOption>(integer(Setting::snippetsSortOption));
 }
 
 void SettingsController::setSnippetsSortOption(SnippetSortOption option) {
@@ -164,15 +151,23 @@ void SettingsController::setSelectedCategoryUUID(std::optional<std::string> uuid
     write(Setting::selectedCategoryUUID, std::move(*uuid));
     return;
   }
-  const auto& [domain, key] = settingKey(Setting::selectedCategoryUUID);
-  defaults_.removeValue(domain, key);
-  notifyChange(domain, key);
+  const auto& setting = describe(Setting::selectedCategoryUUID);
+  defaults_.removeValue(setting.domain, setting.key);
+  notifyChange(Setting::selectedCategoryUUID);
+}
+
+Date SettingsController::firstLaunch() const {
+  const auto* const stored = value(Setting::firstLaunch);
+  return stored ? std::get<Date>(*stored) : firstLaunchDefault_;
+}
+
+std::optional<std::string> SettingsController::selectedCategoryUUID() const {
+  const auto* const uuid = value(Setting::selectedCategoryUUID);
+  return uuid ? std::optional(std::get<std::string>(*uuid)) : std::nullopt;
 }
 
 std::vector<std::string> SettingsController::selectedSnippetUUIDs() const {
-  const auto* json = stored<std::string>(Setting::selectedSnippetUUIDs);
-  if (!json) return {};
-  auto list = decodeJsonList(*json);
+  auto list = decodeJsonList(text(Setting::selectedSnippetUUIDs));
   if (list) return std::move(list).value();
   logError("ERROR #4JF47guff: " + list.error().message);
   return {};
@@ -183,9 +178,7 @@ void SettingsController::setSelectedSnippetUUIDs(const std::vector<std::string>&
 }
 
 PreviewWindowPosition SettingsController::previewWindowPosition() const {
-  const auto* value = stored<std::int64_t>(Setting::previewWindowPosition);
-  const auto known = value ? enumCase(*value, kPreviewWindowPositions) : std::nullopt;
-  return known.value_or(PreviewWindowPosition::centerOfScreen);
+  return static_cast<PreviewWindowPosition>(integer(Setting::previewWindowPosition));
 }
 
 void SettingsController::setPreviewWindowPosition(PreviewWindowPosition position) {
@@ -193,9 +186,7 @@ void SettingsController::setPreviewWindowPosition(PreviewWindowPosition position
 }
 
 SnippetType SettingsController::defaultSnippetFormat() const {
-  const auto* value = stored<std::int64_t>(Setting::defaultSnippetFormat);
-  const auto known = value ? snippetType(*value) : std::nullopt;
-  return known.value_or(SnippetType::plainText);
+  return static_cast<SnippetType>(integer(Setting::defaultSnippetFormat));
 }
 
 void SettingsController::setDefaultSnippetFormat(SnippetType format) {
@@ -207,64 +198,53 @@ void SettingsController::setShowFormatInspector(bool on) {
   queue_.runAfter(kFormatBarDelay, life_.guard([this, on] {
     if (formatBarHandler_) formatBarHandler_(on);
   }));
-  const auto& [domain, key] = settingKey(Setting::showFormatInspector);
-  notifyChange(domain, key);
+  notifyChange(Setting::showFormatInspector);
 }
 
-template <class T>
-const T* SettingsController::stored(Setting setting) const {
-  const auto& [domain, key] = settingKey(setting);
-  const auto* value = defaults_.value(domain, key);
-  return value ? std::get_if<T>(value) : nullptr;
+const DefaultsValue* SettingsController::value(Setting setting) const {
+  const auto& description = describe(setting);
+  const auto* const stored = defaults_.value(description.domain, description.key);
+  if (stored && allows(description, *stored)) return stored;
+  return description.defaultValue ? &*description.defaultValue : nullptr;
 }
 
-bool SettingsController::boolean(Setting setting, bool defaultValue) const {
-  const auto* value = stored<bool>(setting);
-  return value ? *value : defaultValue;
+bool SettingsController::boolean(Setting setting) const {
+  return std::get<bool>(*value(setting));
 }
 
-std::int64_t SettingsController::integer(Setting setting, std::int64_t highest,
-                                         std::int64_t defaultValue) const {
-  const auto* value = stored<std::int64_t>(setting);
-  return value && *value >= 0 && *value <= highest ? *value : defaultValue;
-}
-
-std::int64_t SettingsController::count(Setting setting) const {
-  return integer(setting, std::numeric_limits<std::int64_t>::max(), 0);
+std::int64_t SettingsController::integer(Setting setting) const {
+  return std::get<std::int64_t>(*value(setting));
 }
 
 Seconds SettingsController::delay(Setting setting) const {
-  auto seconds = std::numeric_limits<double>::quiet_NaN();
-  if (const auto* real = stored<double>(setting)) seconds = *real;
-  // A whole number, as somebody may type it into the file.
-  if (const auto* whole = stored<std::int64_t>(setting)) seconds = static_cast<double>(*whole);
-  return seconds >= 0 && seconds <= kMaxPasteDelay.count() ? Seconds(seconds) : kDefaultPasteDelay;
+  const auto& seconds = *value(setting);
+  if (const auto* whole = std::get_if<std::int64_t>(&seconds)) return Seconds(static_cast<double>(*whole));
+  return Seconds(std::get<double>(seconds));
 }
 
-Date SettingsController::date(Setting setting, Date defaultValue) const {
-  const auto* value = stored<Date>(setting);
-  return value ? *value : defaultValue;
+std::string SettingsController::text(Setting setting) const {
+  return std::get<std::string>(*value(setting));
 }
 
-std::optional<std::string> SettingsController::text(Setting setting) const {
-  const auto* value = stored<std::string>(setting);
-  return value ? std::optional(*value) : std::nullopt;
+void SettingsController::store(Setting setting, DefaultsValue newValue) {
+  const auto& description = describe(setting);
+  defaults_.setValue(description.domain, description.key, std::move(newValue));
 }
 
-void SettingsController::store(Setting setting, DefaultsValue value) {
-  const auto& [domain, key] = settingKey(setting);
-  defaults_.setValue(domain, key, std::move(value));
+void SettingsController::write(Setting setting, DefaultsValue newValue) {
+  store(setting, std::move(newValue));
+  notifyChange(setting);
 }
 
-void SettingsController::write(Setting setting, DefaultsValue value) {
-  store(setting, std::move(value));
-  const auto& [domain, key] = settingKey(setting);
-  notifyChange(domain, key);
+void SettingsController::notifyChange(Setting setting) {
+  const auto& description = describe(setting);
+  notifyChange(description.domain, description.key);
 }
 
 void SettingsController::notifyChange(DefaultsDomain domain, std::string_view key) {
-  for (std::size_t index = 0; index < kSettingKeys.size(); ++index) {
-    if (kSettingKeys[index].domain != domain || kSettingKeys[index].key != key) continue;
+  const auto descriptions = settingDescriptions();
+  for (std::size_t index = 0; index < descriptions.size(); ++index) {
+    if (descriptions[index].domain != domain || descriptions[index].key != key) continue;
     const auto setting = static_cast<Setting>(index);
     if (setting == Setting::abbreviationDelimiterKey) activeAbbreviationKeyStrings_.clear();
     observers_.notify(setting);

@@ -17,6 +17,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace quorlo {
@@ -30,11 +31,11 @@ inline constexpr Date kDistantPast{std::chrono::seconds(-2'208'988'800)};  // 19
 // Longer pauses than this within one expansion are taken for a mistake.
 inline constexpr Seconds kMaxPasteDelay{60};
 
-// Every preference of the user. A read gives what is stored now, or the default when nothing is stored,
-// when the value is of another type or when it is none that the setting can have (an unknown raw value,
-// a negative or absurd delay). A write stores first, then the setting's own rule runs, then observers
-// are told. Reads touch no file and allocate nothing but the texts and lists they return. One instance;
-// main thread.
+// Every preference of the user (setting.h has their table). A read gives what is stored now, or the default
+// when nothing is stored, when the value is of another type or when it is none that the setting can have (an
+// unknown raw value, a negative or absurd delay). A write stores first, then the setting's own rule runs,
+// then observers are told. Reads touch no file and allocate nothing but the texts and lists they return. One
+// instance; main thread.
 class SettingsController {
  public:
   using Observer = std::function<void(Setting)>;
@@ -58,11 +59,15 @@ class SettingsController {
   // Settings that share a key are named both.
   Subscription observe(Observer observer);
 
+  // What a setting is now: the stored value, or the default where none is stored or one that the setting
+  // cannot have; null where there is none. Holds until a setting changes next.
+  const DefaultsValue* value(Setting setting) const;
+
   // Abbreviations.
 
   // The master switch. The observers start or stop the monitor; if the switch is still on after that,
   // Auto-Paste is switched on too. Switching off leaves Auto-Paste as it is.
-  bool abbreviationsEnabled() const { return boolean(Setting::abbreviationsEnabled, false); }
+  bool abbreviationsEnabled() const { return boolean(Setting::abbreviationsEnabled); }
   void setAbbreviationsEnabled(bool on);
 
   AbbreviationTriggerType abbreviationsTriggerType() const;
@@ -76,20 +81,20 @@ class SettingsController {
   // changes.
   const std::set<std::u16string, std::less<>>& activeAbbreviationKeyStrings() const;
 
-  bool expandAbbreviationWithinWord() const { return boolean(Setting::expandAbbreviationWithinWord, true); }
+  bool expandAbbreviationWithinWord() const { return boolean(Setting::expandAbbreviationWithinWord); }
   void setExpandAbbreviationWithinWord(bool on) { write(Setting::expandAbbreviationWithinWord, on); }
 
-  bool removeTriggerKey() const { return boolean(Setting::removeTriggerKey, false); }
+  bool removeTriggerKey() const { return boolean(Setting::removeTriggerKey); }
   void setRemoveTriggerKey(bool on) { write(Setting::removeTriggerKey, on); }
 
   // Set once the delimiter keys of earlier versions have been converted.
-  bool oldDefaultsHaveBeenCopied() const { return boolean(Setting::oldDefaultsHaveBeenCopied, false); }
+  bool oldDefaultsHaveBeenCopied() const { return boolean(Setting::oldDefaultsHaveBeenCopied); }
   void setOldDefaultsHaveBeenCopied(bool done) { write(Setting::oldDefaultsHaveBeenCopied, done); }
 
   // Pasting.
 
   // Only on while the permission to post keys is granted: switching it on without leaves it off.
-  bool autoPasteIsEnabled() const { return boolean(Setting::autoPasteIsEnabled, false); }
+  bool autoPasteIsEnabled() const { return boolean(Setting::autoPasteIsEnabled); }
   void setAutoPasteIsEnabled(bool on);
   // Switches Auto-Paste off if it is on without permission.
   void validateAutoPaste();
@@ -102,22 +107,22 @@ class SettingsController {
   Seconds restorePateboardItemsDelay() const { return delay(Setting::restorePateboardItemsDelay); }
   void setRestorePateboardItemsDelay(Seconds wait);
 
-  bool restorePateboardItems() const { return boolean(Setting::restorePateboardItems, true); }
+  bool restorePateboardItems() const { return boolean(Setting::restorePateboardItems); }
   void setRestorePateboardItems(bool on) { write(Setting::restorePateboardItems, on); }
 
-  bool showNotificationForExpension() const { return boolean(Setting::showNotificationForExpension, true); }
+  bool showNotificationForExpension() const { return boolean(Setting::showNotificationForExpension); }
   void setShowNotificationForExpension(bool on) { write(Setting::showNotificationForExpension, on); }
 
   // Sound.
 
-  bool playSound() const { return boolean(Setting::playSound, true); }
+  bool playSound() const { return boolean(Setting::playSound); }
   void setPlaySound(bool on) { write(Setting::playSound, on); }
 
   SnippetExpansionSound snippetExpansionSound() const;
   void setSnippetExpansionSound(SnippetExpansionSound sound);
 
   // File name of the user's own sound in the custom-sounds folder.
-  std::string customSnippetSound() const { return text(Setting::customSnippetSound).value_or(""); }
+  std::string customSnippetSound() const { return text(Setting::customSnippetSound); }
   void setCustomSnippetSound(std::string fileName) {
     write(Setting::customSnippetSound, std::move(fileName));
   }
@@ -130,68 +135,69 @@ class SettingsController {
   SnippetSortOption snippetsSortOption() const;
   void setSnippetsSortOption(SnippetSortOption option);
 
-  bool ascendingSnippetSortation() const { return boolean(Setting::ascendingSnippetSortation, false); }
+  bool ascendingSnippetSortation() const { return boolean(Setting::ascendingSnippetSortation); }
   void setAscendingSnippetSortation(bool on) { write(Setting::ascendingSnippetSortation, on); }
 
   // The order of snippet lists: one descriptor, in the direction of ascendingSnippetSortation.
   std::vector<SortDescriptor> sortDescriptorsFor(SnippetSortOption option) const;
 
-  bool showSnippetUseCount() const { return boolean(Setting::showSnippetUseCount, true); }
+  bool showSnippetUseCount() const { return boolean(Setting::showSnippetUseCount); }
   void setShowSnippetUseCount(bool on) { write(Setting::showSnippetUseCount, on); }
 
-  bool showAppInMenuBar() const { return boolean(Setting::showAppInMenuBar, true); }
+  bool showAppInMenuBar() const { return boolean(Setting::showAppInMenuBar); }
   void setShowAppInMenuBar(bool on) { write(Setting::showAppInMenuBar, on); }
 
   // The life of the program.
 
-  Date firstLaunch() const { return date(Setting::firstLaunch, firstLaunchDefault_); }
+  // When nothing is stored, when the user's record was made, else when this controller was.
+  Date firstLaunch() const;
   void setFirstLaunch(Date moment) { write(Setting::firstLaunch, moment); }
 
-  bool welcomeViewHasBeenShown() const { return boolean(Setting::welcomeViewHasBeenShown, false); }
+  bool welcomeViewHasBeenShown() const { return boolean(Setting::welcomeViewHasBeenShown); }
   void setWelcomeViewHasBeenShown(bool shown) { write(Setting::welcomeViewHasBeenShown, shown); }
 
   // Launches and closings of the editor are one number, stored once.
-  std::int64_t numberOfLaunches() const { return count(Setting::numberOfLaunches); }
+  std::int64_t numberOfLaunches() const { return integer(Setting::numberOfLaunches); }
   void setNumberOfLaunches(std::int64_t number) { write(Setting::numberOfLaunches, number); }
-  std::int64_t numberOfEditorCloses() const { return count(Setting::numberOfEditorCloses); }
+  std::int64_t numberOfEditorCloses() const { return integer(Setting::numberOfEditorCloses); }
   void setNumberOfEditorCloses(std::int64_t number) { write(Setting::numberOfEditorCloses, number); }
 
-  bool debugModeEnabled() const { return boolean(Setting::debugModeEnabled, false); }
+  bool debugModeEnabled() const { return boolean(Setting::debugModeEnabled); }
   void setDebugModeEnabled(bool on) { write(Setting::debugModeEnabled, on); }
   // When debug mode was last switched on.
-  Date debugEnabledDate() const { return date(Setting::debugEnabledDate, kDistantPast); }
+  Date debugEnabledDate() const { return std::get<Date>(*value(Setting::debugEnabledDate)); }
   void setDebugEnabledDate(Date moment) { write(Setting::debugEnabledDate, moment); }
 
   // Editor and fill-in window.
 
-  std::optional<std::string> selectedCategoryUUID() const { return text(Setting::selectedCategoryUUID); }
+  std::optional<std::string> selectedCategoryUUID() const;
   void setSelectedCategoryUUID(std::optional<std::string> uuid);
 
   std::vector<std::string> selectedSnippetUUIDs() const;
   void setSelectedSnippetUUIDs(const std::vector<std::string>& uuids);
 
   bool showMacroReplacementPreviewInReplacementView() const {
-    return boolean(Setting::showMacroReplacementPreviewInReplacementView, true);
+    return boolean(Setting::showMacroReplacementPreviewInReplacementView);
   }
   void setShowMacroReplacementPreviewInReplacementView(bool on) {
     write(Setting::showMacroReplacementPreviewInReplacementView, on);
   }
 
   bool showClipboardContentInReplacementView() const {
-    return boolean(Setting::showClipboardContentInReplacementView, false);
+    return boolean(Setting::showClipboardContentInReplacementView);
   }
   void setShowClipboardContentInReplacementView(bool on) {
     write(Setting::showClipboardContentInReplacementView, on);
   }
 
-  bool showAllMacrosInPreview() const { return boolean(Setting::showAllMacrosInPreview, false); }
+  bool showAllMacrosInPreview() const { return boolean(Setting::showAllMacrosInPreview); }
   void setShowAllMacrosInPreview(bool on) { write(Setting::showAllMacrosInPreview, on); }
 
-  bool showPreviewNextToEditorText() const { return boolean(Setting::showPreviewNextToEditorText, true); }
+  bool showPreviewNextToEditorText() const { return boolean(Setting::showPreviewNextToEditorText); }
   void setShowPreviewNextToEditorText(bool on) { write(Setting::showPreviewNextToEditorText, on); }
 
   bool showMacroReplacementPreviewInSnippetEditor() const {
-    return boolean(Setting::showMacroReplacementPreviewInSnippetEditor, false);
+    return boolean(Setting::showMacroReplacementPreviewInSnippetEditor);
   }
   void setShowMacroReplacementPreviewInSnippetEditor(bool on) {
     write(Setting::showMacroReplacementPreviewInSnippetEditor, on);
@@ -201,41 +207,38 @@ class SettingsController {
   void setPreviewWindowPosition(PreviewWindowPosition position);
 
   bool useTransparentBacgroundForPreview() const {
-    return boolean(Setting::useTransparentBacgroundForPreview, true);
+    return boolean(Setting::useTransparentBacgroundForPreview);
   }
   void setUseTransparentBacgroundForPreview(bool on) {
     write(Setting::useTransparentBacgroundForPreview, on);
   }
 
-  bool showSymbolNextToMacro() const { return boolean(Setting::showSymbolNextToMacro, true); }
+  bool showSymbolNextToMacro() const { return boolean(Setting::showSymbolNextToMacro); }
   void setShowSymbolNextToMacro(bool on) { write(Setting::showSymbolNextToMacro, on); }
 
-  bool openMacroSettingsAfterInsert() const { return boolean(Setting::openMacroSettingsAfterInsert, true); }
+  bool openMacroSettingsAfterInsert() const { return boolean(Setting::openMacroSettingsAfterInsert); }
   void setOpenMacroSettingsAfterInsert(bool on) { write(Setting::openMacroSettingsAfterInsert, on); }
 
   // Of new snippets.
   SnippetType defaultSnippetFormat() const;
   void setDefaultSnippetFormat(SnippetType format);
 
-  bool hideAbbreviationAddButton() const { return boolean(Setting::hideAbbreviationAddButton, true); }
+  bool hideAbbreviationAddButton() const { return boolean(Setting::hideAbbreviationAddButton); }
   void setHideAbbreviationAddButton(bool on) { write(Setting::hideAbbreviationAddButton, on); }
 
   // A write reaches the format bar handler 0.25 s later.
-  bool showFormatInspector() const { return boolean(Setting::showFormatInspector, true); }
+  bool showFormatInspector() const { return boolean(Setting::showFormatInspector); }
   void setShowFormatInspector(bool on);
 
  private:
-  template <class T>
-  const T* stored(Setting setting) const;
-  bool boolean(Setting setting, bool defaultValue) const;
-  std::int64_t integer(Setting setting, std::int64_t highest, std::int64_t defaultValue) const;
-  std::int64_t count(Setting setting) const;
+  bool boolean(Setting setting) const;
+  std::int64_t integer(Setting setting) const;
   Seconds delay(Setting setting) const;
-  Date date(Setting setting, Date defaultValue) const;
-  std::optional<std::string> text(Setting setting) const;
+  std::string text(Setting setting) const;
 
-  void store(Setting setting, DefaultsValue value);
-  void write(Setting setting, DefaultsValue value);
+  void store(Setting setting, DefaultsValue newValue);
+  void write(Setting setting, DefaultsValue newValue);
+  void notifyChange(Setting setting);
   void notifyChange(DefaultsDomain domain, std::string_view key);
   void convertOldDefaults();
 

@@ -3,6 +3,8 @@
 #include "base/localized.h"
 #include "text/utf.h"
 
+#include <algorithm>
+
 namespace quorlo {
 
 std::u16string displayString(AbbreviationTriggerType type) {

@@ -2,10 +2,7 @@
 
 #include "store/abbreviation_trigger_type.h"
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -48,13 +45,5 @@ inline constexpr std::array kSnippetExpansionSounds{
 std::string_view rawValue(SnippetExpansionSound sound);
 std::u16string displayString(SnippetExpansionSound sound);
 std::optional<SnippetExpansionSound> snippetExpansionSound(std::string_view rawValue);
-
-// The case with this raw value, if it is one of `cases`.
-template <class Enum, std::size_t count>
-constexpr std::optional<Enum> enumCase(std::int64_t rawValue, const std::array<Enum, count>& cases) {
-  const auto found =
-      std::ranges::find(cases, rawValue, [](Enum each) { return static_cast<std::int64_t>(each); });
-  return found == cases.end() ? std::nullopt : std::optional(*found);
-}
 
 }  // namespace quorlo

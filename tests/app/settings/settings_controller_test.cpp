@@ -70,7 +70,7 @@ TEST_F(SettingsControllerTest, ReadsNonsenseAsTheDefault) {
        {DefaultsValue(std::numeric_limits<std::int64_t>::min()), DefaultsValue(-0.1), DefaultsValue(60.5),
         DefaultsValue(std::numeric_limits<double>::infinity()),
         DefaultsValue(std::numeric_limits<double>::quiet_NaN()), DefaultsValue("Klaxon")}) {
-    for (const auto& [domain, key] : kSettingKeys) defaults_.setValue(domain, key, nonsense);
+    for (const auto& each : settingDescriptions()) defaults_.setValue(each.domain, each.key, nonsense);
     EXPECT_FALSE(settings.abbreviationsEnabled());
     EXPECT_EQ(settings.numberOfLaunches(), 0);
     EXPECT_EQ(settings.firstLaunch(), kNow);
