@@ -1,6 +1,7 @@
 #include "cli/command_session.h"
 
 #include "app/settings/settings_controller.h"
+#include "app/settings/stored_user_defaults.h"
 #include "base/log.h"
 #include "cli/error_text.h"
 #include "cli/library_access.h"
@@ -62,7 +63,7 @@ ExitStatus CommandSession::run(const std::function<Result<ExitStatus>(CommandSes
   return outcome.value();
 }
 
-UserDefaults& CommandSession::defaults() {
+StoredUserDefaults& CommandSession::defaults() {
   if (!defaults_) defaults_ = services_.openDefaults();
   return *defaults_;
 }
@@ -95,6 +96,17 @@ void CommandSession::printJson(const nlohmann::ordered_json& document) {
 
 void CommandSession::note(std::string_view message) {
   complain(message);
+}
+
+bool CommandSession::canAsk() const {
+  return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+}
+
+bool CommandSession::confirm(std::string_view question) {
+  std::cerr << question << " [y/N] ";
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
 }
 
 Result<std::string> CommandSession::readInput() {

@@ -18,7 +18,7 @@ class Environment;
 class MainQueue;
 class ManagedObjectContext;
 class SettingsController;
-class UserDefaults;
+class StoredUserDefaults;
 
 // What one command of the command line runs with. Results go to standard output, everything else that is
 // to be said to standard error. What a command does not ask for is not opened. One thread.
@@ -26,7 +26,7 @@ class CommandSession {
  public:
   struct Services {
     const Environment& environment;
-    std::function<std::unique_ptr<UserDefaults>()> openDefaults;
+    std::function<std::unique_ptr<StoredUserDefaults>()> openDefaults;
   };
 
   CommandSession(Services services, bool json);
@@ -38,7 +38,8 @@ class CommandSession {
   ExitStatus run(const std::function<Result<ExitStatus>(CommandSession&)>& action);
 
   const Environment& environment() const { return services_.environment; }
-  UserDefaults& defaults();
+  // What is written into them stays in memory until it is synchronised.
+  StoredUserDefaults& defaults();
   SettingsController& settings();
 
   // The library as it is. Where there is none, says so, and gives an empty one that is kept nowhere.
@@ -54,6 +55,11 @@ class CommandSession {
   // A line on standard error.
   void note(std::string_view message);
 
+  // Whether somebody is there to answer.
+  bool canAsk() const;
+  // Asks for a "y".
+  bool confirm(std::string_view question);
+
   // Standard input to its end; an error when it cannot be read or is larger than 256 MiB.
   Result<std::string> readInput();
 
@@ -62,7 +68,7 @@ class CommandSession {
   bool json_;
   CommandOutput output_;
   Subscription log_;
-  std::unique_ptr<UserDefaults> defaults_;
+  std::unique_ptr<StoredUserDefaults> defaults_;
   std::unique_ptr<MainQueue> queue_;
   std::unique_ptr<SettingsController> settings_;
 };

@@ -1,8 +1,8 @@
 #include "program/command_run.h"
 
+#include "app/settings/stored_user_defaults.h"
 #include "cli/command_session.h"
-#include "ui/file_user_defaults.h"
-#include "ui/system_environment.h"
+#include "platform/system_environment.h"
 
 #include <filesystem>
 #include <memory>
@@ -21,7 +21,7 @@ std::filesystem::path programDirectory() {
 int runCommand(const CommandRequest& request) {
   const SystemEnvironment environment(programDirectory());
   CommandSession session(
-      {environment, [&] { return std::make_unique<FileUserDefaults>(environment.configDirectory()); }},
+      {environment, [&] { return std::make_unique<StoredUserDefaults>(environment.configDirectory()); }},
       request.json);
   return static_cast<int>(session.run(request.action));
 }
