@@ -22,6 +22,12 @@ std::string digestOfPictures(const AttributedString& text) {
   return bytes.empty() ? bytes : uuidForContent(bytes);
 }
 
+// Pictures that cannot be read are like no others.
+std::string digestOfPictures(const QLSnippet& snippet) {
+  const auto text = snippet.readText();
+  return text ? digestOfPictures(text.value()) : snippet.uuid();
+}
+
 }  // namespace
 
 std::size_t DuplicateSnippets::Hash::operator()(const Entry& entry) const {
@@ -46,8 +52,7 @@ const QLSnippet* DuplicateSnippets::find(std::u16string_view title, const Attrib
 void DuplicateSnippets::add(const QLSnippet& snippet) {
   const auto& text = snippet.plainText();
   const bool hasPictures = text.find(kPicture) != std::u16string::npos;
-  entries_.insert(
-      {snippet.title(), text, hasPictures ? digestOfPictures(snippet.text()) : std::string(), &snippet});
+  entries_.insert({snippet.title(), text, hasPictures ? digestOfPictures(snippet) : std::string(), &snippet});
 }
 
 }  // namespace quorlo

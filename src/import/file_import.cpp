@@ -2,8 +2,10 @@
 
 #include "base/localized.h"
 #include "import/csv/csv_file.h"
-#include "import/csv/csv_mapping.h"
 #include "import/file_bytes.h"
+#include "import/formats/clipping.h"
+#include "import/formats/text_expander.h"
+#include "import/formats/type_it_4_me.h"
 #include "import/import_file_kind.h"
 #include "import/import_transaction.h"
 #include "import/work_progress.h"
@@ -27,7 +29,15 @@ Error ofNoKind(const std::filesystem::path& file) {
           toUtf8(localized(u"Snippets cannot be imported from this file.") + u' ' + importableKinds())};
 }
 
-// A table by its name alone, which may hold something else.
+// It says what it is by its keys alone; each reader refuses what it does not know.
+Result<ImportData> readAnyPropertyList(const std::filesystem::path& file, std::string_view content) {
+  for (const auto read : {readTextExpander, readTypeIt4Me, readClipping}) {
+    if (auto data = read(content, file.filename().string())) return data;
+  }
+  return ofNoKind(file);
+}
+
+// A file that is a table by its name alone.
 bool holdsPropertyList(const std::filesystem::path& file) {
   std::error_code failure;
   if (!std::filesystem::is_regular_file(file, failure)) return false;
@@ -47,6 +57,19 @@ Status takeLibrary(const std::filesystem::path& file, std::string_view content,
   return transaction.addLibrary(content, file);
 }
 
+Result<ImportData> readOther(std::optional<ImportFileKind> kind, const std::filesystem::path& file,
+                             std::string_view content) {
+  const auto name = file.filename().string();
+  const auto named = [&file](Result<ImportData> data) {
+    return data ? data : Error{file.string() + ": " + data.error().message};
+  };
+  if (kind == ImportFileKind::textExpander) return named(readTextExpander(content, name));
+  if (kind == ImportFileKind::typeIt4Me) return named(readTypeIt4Me(content, name));
+  if (kind == ImportFileKind::clipping) return named(readClipping(content, name));
+  if (looksLikePropertyList(content)) return readAnyPropertyList(file, content);
+  return ofNoKind(file);
+}
+
 Status take(const std::filesystem::path& file, const std::optional<CsvMapping>& mapping,
             ImportTransaction& transaction, WorkProgress& progress) {
   WorkProgress reading(progress, 0, kReadEnds);
@@ -54,19 +77,23 @@ Status take(const std::filesystem::path& file, const std::optional<CsvMapping>& 
   const auto add = [&](const Result<ImportData>& data) {
     return data ? transaction.add(data.value(), adding) : Status(data.error());
   };
-  const auto kind = importFileKind(file);
-  if (kind == ImportFileKind::csv && !holdsPropertyList(file)) {
+  if (isTable(file)) {
     return add(readCsvFile(file, mapping.value_or(CsvMapping()), reading));
   }
+  const auto kind = importFileKind(file);
   const auto content = readFileBytes(file, reading);
   if (!content) return content.error();
   const bool isLibrary = kind ? kind == ImportFileKind::library : looksLikeJson(content.value());
   if (isLibrary && !looksLikePropertyList(content.value()))
     return takeLibrary(file, content.value(), transaction);
-  return ofNoKind(file);
+  return add(readOther(kind, file, content.value()));
 }
 
 }  // namespace
+
+bool isTable(const std::filesystem::path& file) {
+  return importFileKind(file) == ImportFileKind::csv && !holdsPropertyList(file);
+}
 
 Result<ImportReport> importFile(const std::filesystem::path& file, const std::optional<CsvMapping>& mapping,
                                 const ImportOptions& options, ManagedObjectContext& context,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "import/csv/csv_mapping.h"
 #include "import/import_options.h"
 #include "import/import_report.h"
 
@@ -12,7 +13,9 @@ namespace quorlo {
 
 class ManagedObjectContext;
 class WorkProgress;
-struct CsvMapping;
+
+// A table, whose columns the user names first. Looks into files that are tables by their names.
+bool isTable(const std::filesystem::path& file);
 
 // Imports a file of any kind of import_file_kind.h; one whose ending says nothing is told by its content. A
 // table needs a mapping; other kinds ignore it. All or nothing, as with importSnippets, and saved.

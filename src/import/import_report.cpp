@@ -1,7 +1,7 @@
 #include "import/import_report.h"
 
+#include "base/file_draft.h"
 #include "base/localized.h"
-#include "base/whole_file.h"
 #include "store/localized_format.h"
 #include "text/utf.h"
 
@@ -11,8 +11,6 @@
 
 namespace quorlo {
 namespace {
-
-constexpr mode_t kReportMode = 0644;
 
 // `one` is whole, `many` has a "%d".
 void addCount(std::u16string& sentences, std::size_t count, std::u16string_view one,
@@ -104,7 +102,10 @@ std::string json(const ImportReport& report) {
 }
 
 Status saveReport(const ImportReport& report, const std::filesystem::path& file) {
-  return writeWholeFile(file, toUtf8(text(report)), kReportMode);
+  FileDraft draft(file);
+  if (auto status = draft.open(); !status) return status;
+  if (auto status = draft.write(toUtf8(text(report))); !status) return status;
+  return draft.takePlace();
 }
 
 }  // namespace quorlo

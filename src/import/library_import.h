@@ -3,11 +3,11 @@
 #include "base/date.h"
 #include "base/life_token.h"
 #include "base/result.h"
+#include "base/subscription.h"
 #include "import/import_data.h"
 #include "import/import_options.h"
 #include "import/import_report.h"
 #include "import/snippet_importer.h"
-#include "import/work_progress.h"
 
 #include <filesystem>
 #include <functional>
@@ -20,49 +20,60 @@ class BackgroundQueue;
 class MainQueue;
 class ManagedObjectContext;
 class PersistenceController;
+class WorkProgress;
 
 // Imports off the main thread into the library's file, in a context of its own and one transaction of the
-// file, so that the program goes on meanwhile. The main context, which is saved before, takes the records in
-// from the history like those of another process. One import at a time. Main thread.
+// file, so that the program goes on meanwhile. The main context takes the records in from the history, like
+// those of another process. One piece of work at a time. Main thread.
 class LibraryImport {
  public:
   struct Dependencies {
     MainQueue& mainQueue;
     BackgroundQueue& backgroundQueue;
     PersistenceController& persistence;
-    std::filesystem::path storeFile;
-    std::function<Date()> now;  // any thread
+    std::filesystem::path storeFile;  // exists
+    std::function<Date()> now;        // any thread
   };
   template <class Outcome>
-  using Completion = std::function<void(Result<Outcome>)>;
+  using Completion = std::function<void(const Result<Outcome>&)>;
 
   // The references outlive the import.
   explicit LibraryImport(Dependencies dependencies);
   LibraryImport(const LibraryImport&) = delete;
   LibraryImport& operator=(const LibraryImport&) = delete;
-  // Cancels what is under way and waits for it; no completion is called.
-  ~LibraryImport();
+  ~LibraryImport();  // stops, and completes nothing any more
 
-  bool isRunning() const;
-
-  // Each calls the completion once, on the main thread and never inside the call; with an error when
-  // something else is running.
+  // What is unsaved in the main context is saved first; where that fails nothing is imported. Each calls its
+  // completion once, in a later turn of the main queue; with an error when something is under way already.
   void importData(std::shared_ptr<const ImportData> data, ImportOptions options,
                   Completion<ImportReport> completion);
   void importFiles(std::vector<std::filesystem::path> files, ImportOptions options,
                    Completion<ImportReport> completion);
-  void undo(ImportReport report, Completion<UndoneImport> completion);
+  void undo(std::shared_ptr<const ImportReport> report, Completion<UndoneImport> completion);
 
-  // Of what is running, or ran last.
-  const WorkProgress& progress() const;
-  // The completion is called with an error and nothing has changed. Too late, it does nothing.
+  bool isRunning() const { return isRunning_; }
+  const WorkProgress& progress() const;  // of what is under way or, until the next, was
+
+  // What is under way comes to nothing and completes with an error. Where it has been saved already it
+  // completes as if nobody had asked.
   void cancel();
+  // The same, and waits until nothing holds the file any more.
+  void stop();
 
  private:
-  struct Work;
+  class Work;
+  template <class Outcome>
+  using Operation = std::function<Result<Outcome>(ManagedObjectContext& context, WorkProgress& progress)>;
 
-  Dependencies its_;
+  template <class Outcome>
+  void start(Operation<Outcome> operation, Completion<Outcome> completion);
+  template <class Outcome>
+  void completeLater(Error error, Completion<Outcome> completion);
+
+  const Dependencies its_;
   std::shared_ptr<Work> work_;
+  bool isRunning_ = false;
+  Subscription deferral_;  // of the main context's saves
   LifeToken life_;
 };
 

@@ -103,6 +103,7 @@ AppDelegate::Dependencies Program::Parts::delegateDependencies() {
               },
           .startCrashReporter = [this] { mentionCrashReport(); },
           .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
+          .stopImport = [] {},
           .quit = [this] { quit(0); }};
 }
 

@@ -114,6 +114,7 @@ AppDelegate::TerminateReply AppDelegate::saveOrAsk() {
     logWarning("AppDelegate unable to commit editing to terminate");
     return TerminateReply::terminateCancel;
   }
+  use_.stopImport();
   if (!managedObjectContext.hasChanges()) return TerminateReply::terminateNow;
   const auto status = managedObjectContext.save();
   if (status) return TerminateReply::terminateNow;

@@ -57,7 +57,8 @@ class AppDelegate {
     std::function<void()> startCrashReporter;
     std::function<void()> createAbbreviationsMonitor;
 
-    std::function<void()> quit;  // ends the event loop
+    std::function<void()> stopImport;  // what is under way comes to nothing; the library's file is free then
+    std::function<void()> quit;        // ends the event loop
   };
 
   enum class TerminateReply { terminateCancel, terminateNow };

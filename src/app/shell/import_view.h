@@ -20,8 +20,9 @@ class ImportView {
     std::function<void()> cancelOptions;  // the window of a table's options was closed or cancelled
     std::function<void()> cancelImport;   // Cancel beside the progress bar; the window stays until close()
     std::function<void()> undoImport;     // of the report shown
+    std::function<void()> showImported;   // to see in the library what came; ends the report like closeReport
     std::function<void(const std::filesystem::path& file)> saveReport;
-    std::function<void()> closeReport;  // the user is done with the report
+    std::function<void()> closeReport;  // the user is done with the report or message
   };
 
   virtual ~ImportView() = default;

@@ -70,6 +70,7 @@ struct AppDelegateTest : ShellWorld {
                         .menuHotKeyRefused = [this](const Error&) { events.emplace_back("hot key refused"); },
                         .startCrashReporter = [this] { events.emplace_back("crash reporter"); },
                         .createAbbreviationsMonitor = [this] { events.emplace_back("monitor"); },
+                        .stopImport = [this] { events.emplace_back("import stopped"); },
                         .quit = [this] { ++quits; }}};
 };
 
