@@ -12,7 +12,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -181,25 +180,6 @@ Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, Man
   const auto content = readDocumentFile(file);
   if (!content) return content.error();
   return readLibrary(content.value(), file.string(), context, destination);
-}
-
-std::string writeLibrary(const ManagedObjectContext& context) {
-  LibraryExchange library;
-  if (const auto snippets = context.fetch<QLSnippet>({.predicate = QLSnippet::kDeletionDate.isNil()})) {
-    for (const auto& each : snippets.value()) library.snippets.push_back(exchangeForm(*each));
-  }
-  const auto isUsers = Predicate::any({
-      QLCategory::kType.equals(static_cast<std::int64_t>(CategoryType::Folder)),
-      QLCategory::kType.equals(static_cast<std::int64_t>(CategoryType::SharedFolder)),
-  });
-  if (const auto folders = context.fetch<QLCategory>({isUsers, QLCategory::sortDescriptors()})) {
-    for (const auto& each : folders.value()) library.folders.push_back(exchangeForm(*each));
-  }
-  const auto isExcluded = QLApp::kType.equals(static_cast<std::int64_t>(AppType::Excluded));
-  if (const auto apps = context.fetch<QLApp>({.predicate = isExcluded})) {
-    for (const auto& each : apps.value()) library.excludedApplications.push_back(each->bundleID());
-  }
-  return toJson(library).dump(2) + '\n';
 }
 
 }  // namespace quorlo

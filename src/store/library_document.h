@@ -44,7 +44,4 @@ Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, Man
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,
                                       ManagedObjectContext& context, QLCategory* destination = nullptr);
 
-// All but the trash, the built-in folders and the statistics; reads back as the same library.
-std::string writeLibrary(const ManagedObjectContext& context);
-
 }  // namespace quorlo

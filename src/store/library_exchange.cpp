@@ -4,7 +4,6 @@
 #include "store/library_exchange_reading.h"
 #include "store/ql_app.h"
 #include "store/ql_category.h"
-#include "store/ql_snippet.h"
 #include "store/uuid.h"
 #include "text/json_reader.h"
 #include "text/utf.h"
@@ -189,7 +188,7 @@ std::int64_t readInteger(JsonReader& reader, const json& value, const std::strin
 }
 
 FolderExchange exchangeForm(const QLCategory& folder) {
-  FolderExchange form{
+  return {
       .uuid = folder.uuid(),
       .title = folder.title(),
       .type = folder.type(),
@@ -201,11 +200,6 @@ FolderExchange exchangeForm(const QLCategory& folder) {
       .blockedApps = bundleIDs(folder.blockedApps()),
       .snippets = {},
   };
-  for (const auto* each : folder.snippets()) {
-    if (!each->deletionDate()) form.snippets.push_back(each->uuid());
-  }
-  std::ranges::sort(form.snippets);
-  return form;
 }
 
 ordered_json toJson(const FolderExchange& folder) {
@@ -224,14 +218,6 @@ ordered_json toJson(const FolderExchange& folder) {
     object["shortcutModifierFlags"] = folder.shortcutModifierFlags;
   }
   return object;
-}
-
-ordered_json toJson(const LibraryExchange& library) {
-  ordered_json document{{"version", kVersion}, {"snippets", json::array()}, {"folders", json::array()}};
-  for (const auto& each : library.snippets) document["snippets"].push_back(toJson(each));
-  for (const auto& each : library.folders) document["folders"].push_back(toJson(each));
-  document["excludedApplications"] = library.excludedApplications;
-  return document;
 }
 
 Result<LibraryExchange> libraryFromJson(const json& value) {

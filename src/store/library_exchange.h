@@ -45,7 +45,7 @@ struct FolderExchange {
   std::vector<std::string> snippets;  // uuids
 };
 
-// Without the snippets in the trash.
+// Without its snippets, whose uuids in a document the writer of the document knows.
 FolderExchange exchangeForm(const QLCategory& folder);
 nlohmann::ordered_json toJson(const FolderExchange& folder);
 
@@ -54,8 +54,6 @@ struct LibraryExchange {
   std::vector<FolderExchange> folders;
   std::vector<std::string> excludedApplications;  // bundle identifiers
 };
-
-nlohmann::ordered_json toJson(const LibraryExchange& library);
 
 // Every snippet and folder has a uuid afterwards: one that lacks it gets one that follows from its
 // content. No uuid stands twice, and no snippet in two folders; a snippet or folder that repeats another

@@ -8,7 +8,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 namespace quorlo {
 namespace {
@@ -165,40 +164,6 @@ TEST(SnippetForm, HasExactlyFiveKeysInOrderAndTextAsAStringUnlessItHasAttributes
   italic.italic = true;
   snippet.setText(AttributedString(u"rich", italic));
   EXPECT_TRUE(toJson(exchangeForm(snippet))["text"].is_object());
-}
-
-TEST(LibraryDocument, ReadsBackWhatItWrote) {
-  std::mt19937 random(3);
-  const auto pick = [&random](std::size_t count) { return static_cast<std::size_t>(random() % count); };
-  for (int round = 0; round < 20; ++round) {
-    TestLibrary library;
-    std::vector<std::shared_ptr<QLCategory>> folders;
-    for (std::size_t i = 0; i < pick(4); ++i) {
-      const bool isShared = pick(3) == 0;
-      folders.push_back(library.folder(isShared ? CategoryType::SharedFolder : CategoryType::Folder,
-                                       isShared ? SourceType::Public : SourceType::Folders));
-      folders.back()->setTitle(u"F\u00FC");
-      folders.back()->setExpansionBehavior(static_cast<std::int64_t>(10 * pick(4)));
-      if (pick(2) == 0) folders.back()->setShortcutValue(Shortcut{49, modifier::kOption});
-      if (pick(2) == 0) folders.back()->addBlockedApp(*library.app("org.example.App", AppType::Blocked));
-    }
-    library.app("org.example.Excluded");
-    for (std::size_t i = 0; i < pick(8); ++i) {
-      const auto snippet = library.snippet(u"t\"\u2028", std::u16string(i, u'\u00E9'));
-      TextAttributes attributes;
-      attributes.bold = pick(2) == 0;
-      attributes.custom["mark"] = "x";
-      snippet->setText(
-          AttributedString(u"text \xD83D\xDE00 \xD800", pick(2) == 0 ? attributes : TextAttributes()));
-      snippet->setFormatted(static_cast<std::int64_t>(kSnippetTypes[pick(4)]));
-      if (!folders.empty() && pick(2) == 0) snippet->setCategory(folders[pick(folders.size())].get());
-    }
-    const auto written = writeLibrary(library.context);
-    TestLibrary copy;
-    const auto report = readLibrary(written, "written", copy.context);
-    ASSERT_TRUE(report) << report.error().message;
-    EXPECT_EQ(writeLibrary(copy.context), written);
-  }
 }
 
 }  // namespace

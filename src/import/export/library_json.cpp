@@ -77,7 +77,6 @@ class JsonExport {
   ordered_json form(const QLCategory& folder) {
     auto form = exchangeForm(folder);
     form.uuid = folderUuids_.take(folder.uuid());
-    form.snippets.clear();
     if (!expansionBehavior(form.expansionBehavior)) {
       form.expansionBehavior = static_cast<std::int64_t>(ExpansionBehavior::Disabled);
     }
