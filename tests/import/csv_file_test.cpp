@@ -20,6 +20,7 @@ namespace {
 
 using namespace std::string_literals;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class CsvFile : public testing::Test {
  protected:
@@ -46,50 +47,35 @@ class CsvFile : public testing::Test {
   std::filesystem::path file_ = directory_ / "table.csv";
 };
 
+// The encoding and the text, or the error.
+std::string decode(std::string_view bytes) {
+  constexpr std::string_view kNames[] = {"UTF-8 ", "UTF-16LE ", "UTF-16BE ", "Windows "};
+  WorkProgress progress;
+  const auto decoded = decodeText(bytes, progress);
+  if (!decoded) return decoded.error().message;
+  return std::string(kNames[static_cast<int>(decoded.value().encoding)]) + toUtf8(decoded.value().text);
+}
+
 TEST(TextDecoding, FollowsTheByteOrderMarkOrTheBytes) {
-  struct Case {
-    std::string bytes;
-    std::u16string text;  // empty for an error
-    TextEncoding encoding = TextEncoding::utf8;
-    std::string error = {};
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "UTF-8 "},
+      {"Grüße 😀\n", "UTF-8 Grüße 😀\n"},
+      {"\357\273\277ü\n", "UTF-8 ü\n"},
+      {"\377\376\374\0\n\0"s, "UTF-16LE ü\n"},
+      {"\376\377\0\374\0\n"s, "UTF-16BE ü\n"},
+      {"Gr\374\337e \200\n", "Windows Grüße €\n"},
+      {"cut \342\202", "Windows cut â‚"},
+      {"surrogate \355\240\200", "Windows surrogate í\u00A0€"},
+      {"a\rb\r", "UTF-8 a\nb\n"},
+      {"a\rb\n", "UTF-8 a\rb\n"},
+      {"\357\273\277a\nb\374\n", "line 2 is damaged"},
+      {"\377\376a\0\n\0\0\330"s, "line 2 is damaged"},
+      {"\376\377\0a\0"s, "line 1 is damaged"},
+      {"a\nb\0c"s, "line 2 holds a NUL character"},
+      {"\374\0"s, "line 1 holds a NUL character"},
+      {"\377\376\0\0a\0\0\0"s, "line 1 holds a NUL character"},
   };
-  using enum TextEncoding;
-  const Case cases[] = {
-      {"", u""},
-      {"Grüße 😀\n", u"Grüße 😀\n"},
-      {"\xEF\xBB\xBFü\n", u"ü\n"},
-      {"\xFF\xFE\xFC\0\n\0"s, u"ü\n", utf16LittleEndian},
-      {"\xFE\xFF\0\xFC\0\n"s, u"ü\n", utf16BigEndian},
-      {"Gr\xFC\xDF"
-       "e \x80\n",
-       u"Grüße €\n", windows1252},
-      {"ok \xE2\x82", u"ok â‚", windows1252},
-      {"\xED\xA0\x80", u"í\xA0€", windows1252},
-      {"a\rb\r", u"a\nb\n"},
-      {"a\rb\n", u"a\rb\n"},
-      {"\xEF\xBB\xBF"
-       "a\nb\xFC\n",
-       u"", utf8, "line 2 is damaged"},
-      {"\xFF\xFE"
-       "a\0\n\0\0\xD8"s,
-       u"", utf8, "line 2 is damaged"},
-      {"\xFE\xFF\0a\0"s, u"", utf8, "line 1 is damaged"},
-      {"a\nb\0c"s, u"", utf8, "line 2 holds a NUL character"},
-      {"\xFC\0"s, u"", utf8, "line 1 holds a NUL character"},
-      {"\xFF\xFE\0\0a\0\0\0"s, u"", utf8, "line 1 holds a NUL character"},
-  };
-  for (const auto& each : cases) {
-    WorkProgress progress;
-    const auto decoded = decodeText(each.bytes, progress);
-    if (!each.error.empty()) {
-      ASSERT_FALSE(decoded) << each.error;
-      EXPECT_THAT(decoded.error().message, HasSubstr(each.error));
-    } else {
-      ASSERT_TRUE(decoded) << each.bytes;
-      EXPECT_EQ(decoded.value().text, each.text);
-      EXPECT_EQ(decoded.value().encoding, each.encoding);
-    }
-  }
+  for (const auto& [bytes, outcome] : cases) EXPECT_THAT(decode(bytes), StartsWith(outcome));
 }
 
 TEST(LikeliestSeparator, IsTheCommaUnlessAnotherClearlySplitsBetter) {
@@ -172,15 +158,6 @@ TEST_F(CsvFile, RefusesAFileThatChangesMeanwhile) {
     message = read().ok() ? "" : read().error().message;
   }
   EXPECT_THAT(message, HasSubstr("another program is changing it"));
-}
-
-TEST_F(CsvFile, StopsWhenItIsCancelled) {
-  write("a,b\n1,2\n");
-  WorkProgress progress;
-  progress.cancel();
-  const auto data = readCsvFile(file_, {}, progress);
-  ASSERT_FALSE(data);
-  EXPECT_EQ(data.error().message, "The import was cancelled.");
 }
 
 }  // namespace
