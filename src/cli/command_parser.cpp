@@ -1,6 +1,7 @@
 #include "cli/command_parser.h"
 
 #include "cli/command_output.h"
+#include "cli/command_texts.h"
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
@@ -13,10 +14,6 @@
 
 namespace quorlo {
 namespace {
-
-constexpr auto kFooter =
-    "Without a command, starts Quorlo, or brings up the one that runs.\n\n"
-    "Exit status: 0 done, 1 failed or nothing found, 2 wrong usage.";
 
 // The command that the words have led to.
 const CLI::App& innermost(const CLI::App& app) {
@@ -50,7 +47,7 @@ CommandParser::CommandParser()
     : app_(std::make_unique<CLI::App>("Quorlo expands abbreviations as you type, in any application.",
                                       "quorlo")) {
   app_->set_version_flag("--version", "quorlo " QUORLO_VERSION);
-  app_->footer(kFooter);
+  app_->footer(helpFooter());
   app_->require_subcommand(0, 1);
   app_->failure_message([](const CLI::App* app, const CLI::Error& error) {
     return std::string("quorlo: ") + error.what() + "\nTry: " + fullName(innermost(*app)) + " --help\n";
@@ -63,8 +60,23 @@ CommandParser::CommandParser()
       ->check(CLI::IsMember({"on", "off"}))
       ->type_name("on|off");
 
+  section_ = "Snippets";
   addListCommand(*this);
+  addSearchCommand(*this);
+  addShowCommand(*this);
+  addAddCommand(*this);
+  addEditCommand(*this);
+  addRemoveCommand(*this);
+  addRestoreCommand(*this);
+  section_ = "Library";
+  addImportCommand(*this);
+  addExportCommand(*this);
+  addStatsCommand(*this);
+  section_ = "Program";
   addProgramCommands(*this);
+  section_ = "Shell";
+  addCompletionCommands(*this);
+  addManCommand(*this);
 }
 
 CommandParser::~CommandParser() = default;
@@ -78,6 +90,7 @@ CLI::App& CommandParser::add(CLI::App& group, const std::string& name, const std
                              CommandAction action, Json json) {
   auto& command = *group.add_subcommand(name, summary);
   command.footer("");  // that of the whole is passed on
+  command.group(section_);
   if (json == Json::offered) command.add_flag("--json", json_, "Print the result as one JSON document");
   actions_.emplace(&command, std::move(action));
   return command;
@@ -85,12 +98,16 @@ CLI::App& CommandParser::add(CLI::App& group, const std::string& name, const std
 
 CLI::App& CommandParser::addGroup(const std::string& name, const std::string& summary) {
   auto& group = *app_->add_subcommand(name, summary);
+  group.footer("");
+  group.group(section_);
   group.require_subcommand(1);
   return group;
 }
 
 void CommandParser::addProgramCommand(const std::string& name, const std::string& summary) {
-  app_->add_subcommand(name, summary);
+  auto& command = *app_->add_subcommand(name, summary);
+  command.footer("");
+  command.group(section_);
 }
 
 CommandLine CommandParser::parse(int argc, const char* const* argv) {

@@ -81,7 +81,7 @@ class CommandParser {
 
   std::unique_ptr<CLI::App> app_;
   std::map<const CLI::App*, CommandAction> actions_;
-  StartRequest start_;
+  std::string section_;  // of the help, for the commands that are being added
   std::vector<std::string> files_;
   std::string library_;
   std::string abbreviations_;

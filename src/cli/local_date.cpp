@@ -1,0 +1,18 @@
+#include "cli/local_date.h"
+
+#include <array>
+#include <chrono>
+#include <ctime>
+
+namespace quorlo {
+
+std::string localDate(Date moment) {
+  const auto seconds =
+      static_cast<std::time_t>(std::chrono::floor<std::chrono::seconds>(moment.time_since_epoch()).count());
+  std::tm parts{};
+  if (::localtime_r(&seconds, &parts) == nullptr) return {};
+  std::array<char, 64> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts)};
+}
+
+}  // namespace quorlo
