@@ -10,8 +10,8 @@ namespace quorlo {
 const PropertyList* PropertyList::find(std::string_view key) const {
   const auto* const dictionary = as<Dictionary>();
   if (!dictionary) return nullptr;
-  const auto entry = std::ranges::find(*dictionary, key, &Dictionary::value_type::first);
-  return entry == dictionary->end() ? nullptr : &entry->second;
+  const auto entry = std::ranges::find(*dictionary, key, &Entry::key);
+  return entry == dictionary->end() ? nullptr : &entry->value;
 }
 
 std::u16string kindName(const PropertyList& list) {

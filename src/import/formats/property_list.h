@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -13,8 +12,9 @@ namespace quorlo {
 // A property list as it stands in a file, XML or binary: a value type, apart from whatever read it.
 // The document type of the XML form names the kinds: http://www.apple.com/DTDs/PropertyList-1.0.dtd
 struct PropertyList {
+  struct Entry;
   using Array = std::vector<PropertyList>;
-  using Dictionary = std::vector<std::pair<std::string, PropertyList>>;  // keys in UTF-8
+  using Dictionary = std::vector<Entry>;
   using Data = std::vector<std::uint8_t>;
 
   // A value of which only the kind is known; no file of snippets says anything by it.
@@ -22,15 +22,24 @@ struct PropertyList {
 
   std::variant<bool, std::int64_t, double, std::u16string, Data, Array, Dictionary, Other> value;
 
+  // Null when this is of another kind.
   template <class Kind>
-  const Kind* as() const {
-    return std::get_if<Kind>(&value);
-  }
+  const Kind* as() const;
 
   // Of a dictionary, the first one; null where the key is not there, or where this is no dictionary. Takes
   // time by the number of keys.
   const PropertyList* find(std::string_view key) const;
 };
+
+struct PropertyList::Entry {
+  std::string key;  // UTF-8
+  PropertyList value;
+};
+
+template <class Kind>
+const Kind* PropertyList::as() const {
+  return std::get_if<Kind>(&value);
+}
 
 // "a text", "a dictionary" and so on, localised.
 std::u16string kindName(const PropertyList& list);

@@ -66,7 +66,7 @@ PropertyList::Dictionary convertDictionary(plist_t node) {
     plist_dict_next_item(node, iterator, &key, &value);
     const Memory<char> keyOwner(key);
     if (!value) return dictionary;
-    dictionary.emplace_back(key ? key : "", convert(value));
+    dictionary.push_back({key ? key : "", convert(value)});
   }
 }
 

@@ -43,7 +43,7 @@ bool isSnippet(const PropertyList& list) {
 bool isOutdated(std::string_view key, const PropertyList::Dictionary& dictionary) {
   constexpr std::string_view kList = "snippetsTE";
   return key.starts_with(kList) && std::ranges::any_of(dictionary, [&](const auto& entry) {
-           return entry.first.starts_with(kList) && entry.first > key;
+           return entry.key.starts_with(kList) && entry.key > key;
          });
 }
 

@@ -32,16 +32,16 @@ std::string_view keyAmong(std::span<const std::string_view> names,
                           const PropertyList::Dictionary& dictionary) {
   for (const auto name : names) {
     const auto entry =
-        std::ranges::find_if(dictionary, [&](const auto& each) { return isSameKey(each.first, name); });
-    if (entry != dictionary.end()) return entry->first;
+        std::ranges::find_if(dictionary, [&](const auto& each) { return isSameKey(each.key, name); });
+    if (entry != dictionary.end()) return entry->key;
   }
   return {};
 }
 
 // Abbreviations as the keys and their texts as the values.
 bool isListOfPairs(const PropertyList::Dictionary& dictionary) {
-  return !dictionary.empty() && std::ranges::all_of(dictionary, [](const auto& entry) {
-    return entry.second.template as<std::u16string>() != nullptr;
+  return !dictionary.empty() && std::ranges::all_of(dictionary, [](const PropertyList::Entry& entry) {
+    return entry.value.as<std::u16string>() != nullptr;
   });
 }
 
