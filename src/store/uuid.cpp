@@ -1,5 +1,6 @@
 #include "store/uuid.h"
 
+#include <sys/random.h>
 #include <uuid/uuid.h>
 
 namespace quorlo {
@@ -17,9 +18,12 @@ constexpr unsigned char kContentNamespace[] = {0x8E, 0x2A, 0x61, 0x5C, 0x0D, 0x3
 
 }  // namespace
 
+// The bytes are asked of the system directly: libuuid seeds a generator of its own at each call, too.
 std::string randomUuid() {
   uuid_t uuid;
-  uuid_generate_random(uuid);
+  if (::getrandom(uuid, sizeof uuid, 0) != sizeof uuid) uuid_generate_random(uuid);
+  uuid[6] = static_cast<unsigned char>((uuid[6] & 0x0F) | 0x40);  // version 4
+  uuid[8] = static_cast<unsigned char>((uuid[8] & 0x3F) | 0x80);  // the variant of RFC 9562
   return canonical(uuid);
 }
 

@@ -86,6 +86,7 @@ std::string uuidOf(const ManagedObject& record) {
 
 Status Save::run(const ChangeSet& changes) {
   toWrite_ = changes.inserted.size() + changes.updated.size() + changes.deleted.size();
+  newRows_.reserve(changes.inserted.size());
   for (const auto entity : kReferencedFirst) {
     for (const auto& each : changes.inserted) {
       if (each->entity() != entity) continue;
