@@ -28,6 +28,10 @@ std::optional<SnippetType> collectedType(const QLCategory& folder) {
   }
 }
 
+bool isTrash(const QLCategory& folder) {
+  return folder.type() == static_cast<std::int64_t>(CategoryType::Trash);
+}
+
 }  // namespace
 
 bool takesSnippets(const QLCategory& folder) {
@@ -55,6 +59,21 @@ std::shared_ptr<QLSnippet> duplicate(const QLSnippet& snippet) {
   for (auto* each : snippet.allowedApps()) copy->addAllowedApp(*each);
   for (auto* each : snippet.blockedSnippets()) copy->addBlockedSnippet(*each);
   return copy;
+}
+
+bool isDestinationOfMove(const QLCategory& folder) {
+  return takesSnippets(folder) || isTrash(folder);
+}
+
+void moveSnippets(const std::vector<std::shared_ptr<QLSnippet>>& snippets, QLCategory& folder) {
+  for (const auto& each : snippets) {
+    if (isTrash(folder)) {
+      if (!each->deletionDate()) each->moveToTrash();
+    } else {
+      each->restoreFromTrash();
+      each->setCategory(&folder);
+    }
+  }
 }
 
 std::shared_ptr<QLCategory> addFolder(ManagedObjectContext& context, std::u16string title) {

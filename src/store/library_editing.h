@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -21,6 +22,11 @@ std::shared_ptr<QLSnippet> duplicate(const QLSnippet& snippet);
 
 // Whether snippets can be put into the folder; the built-in ones only collect what is elsewhere.
 bool takesSnippets(const QLCategory& folder);
+
+// Whether snippets can be moved to the folder: one that takes them, or the trash.
+bool isDestinationOfMove(const QLCategory& folder);
+// To such a folder. Out of the trash they are live again.
+void moveSnippets(const std::vector<std::shared_ptr<QLSnippet>>& snippets, QLCategory& folder);
 
 // A folder of the user's own, behind the others.
 std::shared_ptr<QLCategory> addFolder(ManagedObjectContext& context, std::u16string title);
