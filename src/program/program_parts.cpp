@@ -2,11 +2,8 @@
 
 #include "app/shell/quorlo_app.h"
 #include "base/log.h"
-#include "import/file_import.h"
-#include "import/work_progress.h"
 #include "program/crash_report.h"
 #include "store/abbreviation_rules.h"
-#include "store/sqlite/store_opening.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
 #include "ui/library/library_window.h"
@@ -42,30 +39,12 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
       desktop(std::move(connectedDesktop)),
       library(std::move(openLibrary)),
       quotationMarks(textQuotationMarks(environment)),
-      history(AppTarget::app, {queue, defaults, persistence.managedObjectContext(),
-                               environment.dataDirectory() / kStoreFileName,
+      history(AppTarget::app, {queue, defaults, persistence.managedObjectContext(), storeFile,
                                [] { return std::chrono::system_clock::now(); }}) {
   settings.setAccessibilityCheck(
       [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
-  persistence.setFileOpener([this](const auto& files) { openFiles(files); });
+  persistence.setFileOpener([this](const auto& files) { imports.importFiles(files); });
   setWindowMakers();
-}
-
-void Program::Parts::openFiles(const std::vector<std::filesystem::path>& files) {
-  WorkProgress progress;
-  const auto report = importFiles(files, std::nullopt, {}, persistence.managedObjectContext(), progress);
-  if (!report) {
-    alerts.runModal(
-        {localized(u"Not everything could be opened."), toUtf16(report.error().message), {localized(u"OK")}});
-    return;
-  }
-  logInfo(fmt::format("Added {} snippets from opened files.", report.value().addedSnippets));
-  if (report.value().refusedFiles.size() < files.size()) navigation.showSnippetEditor();
-  if (report.value().refusedFiles.empty()) return;
-  std::string reasons;
-  for (const auto& each : report.value().refusedFiles)
-    reasons += (reasons.empty() ? "" : "\n\n") + each.message;
-  alerts.runModal({localized(u"Not everything could be opened."), toUtf16(reasons), {localized(u"OK")}});
 }
 
 // The windows look at much of the rest until they are gone.
@@ -103,7 +82,7 @@ AppDelegate::Dependencies Program::Parts::delegateDependencies() {
               },
           .startCrashReporter = [this] { mentionCrashReport(); },
           .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
-          .stopImport = [] {},
+          .stopImport = [this] { libraryImport.stop(); },
           .quit = [this] { quit(0); }};
 }
 
@@ -168,6 +147,11 @@ void Program::Parts::setWindowMakers() {
             },
         .untitledFolderName = [this] { return persistence.nextUntitledName(); },
         .showSettings = [this] { navigation.showSettings(); },
+        .files = {.importFiles = [this](const auto& files,
+                                        const auto& options) { imports.importFiles(files, options); },
+                  .canUndoImport = [this] { return imports.canUndo(); },
+                  .undoImport = [this] { imports.undoImport(); },
+                  .exportSnippets = [this](const auto& offer) { exports.begin(offer); }},
     });
   });
   windows.setCommitEditing(kSnippetEditorWindow, [](QWidget& window) {
@@ -236,8 +220,7 @@ std::string Program::Parts::status() const {
       persistence.managedObjectContext().count(Entity::snippet, QLSnippet::kDeletionDate.isNil());
   return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{} snippets in {}.\n",
                      QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
-                     snippets ? snippets.value() : 0,
-                     (environment.dataDirectory() / kStoreFileName).string());
+                     snippets ? snippets.value() : 0, storeFile.string());
 }
 
 }  // namespace quorlo

@@ -6,6 +6,7 @@
 #include "app/shell/app_delegate.h"
 #include "app/shell/app_setup.h"
 #include "app/shell/debug_mode.h"
+#include "app/shell/import_controller.h"
 #include "app/shell/navigation_model.h"
 #include "app/shell/ql_snippet_status_menu_view_controller.h"
 #include "app/shell/starter_offer.h"
@@ -15,22 +16,28 @@
 #include "engine/fill_in_controller.h"
 #include "engine/macro_preparation.h"
 #include "engine/paste_controller.h"
+#include "import/export/library_export.h"
+#include "import/library_import.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "platform/system_environment.h"
 #include "program/application_service.h"
 #include "program/program.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
+#include "store/background_context.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
+#include "store/sqlite/store_opening.h"
 #include "text/locale_quotes.h"
 #include "ui/about/about_window.h"
 #include "ui/accessibility_help_window.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/file_user_defaults.h"
 #include "ui/fill_in_window.h"
+#include "ui/import/qt_import_view.h"
+#include "ui/library/library_exporter.h"
 #include "ui/menu/snippet_menu_window.h"
 #include "ui/pulse_audio_player.h"
 #include "ui/qt_alerts.h"
@@ -44,6 +51,7 @@
 
 #include <QCoreApplication>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -74,7 +82,6 @@ struct Program::Parts {
 
   AppDelegate::Dependencies delegateDependencies();
   ApplicationRequests requests();
-  void openFiles(const std::vector<std::filesystem::path>& files);
   void setWindowMakers();
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
@@ -135,7 +142,19 @@ struct Program::Parts {
   QtAppWindows windows;
   NavigationModel navigation{windows};
   std::optional<QLSnippetStatusMenuViewController> menu;  // when its turn in the start has come
+  std::filesystem::path storeFile = environment.dataDirectory() / kStoreFileName;
   PersistentHistoryObserver history;
+  LibraryImport libraryImport{
+      {queue, background, persistence, storeFile, [] { return std::chrono::system_clock::now(); }}};
+  QtImportView importView{persistence.managedObjectContext()};
+  ImportController imports{{queue, background, settings, persistence, navigation, libraryImport, importView}};
+  LibraryExport libraryExport{{queue, background, persistence.managedObjectContext(), [file = storeFile] {
+                                 return openBackgroundContext(
+                                     file, {.name = "export_context",
+                                            .transactionAuthor = "export",
+                                            .now = [] { return std::chrono::system_clock::now(); }});
+                               }}};
+  LibraryExporter exports{libraryExport, [this] { return windows.commitEditing(); }};
   AppSetup setup{{persistence, defaults, settings, navigation, [this] { return history.startObserving(); }}};
   AppDelegate delegate{delegateDependencies()};
   std::optional<ApplicationService> service;  // once there is something to ask of it

@@ -98,7 +98,7 @@ struct LibraryWindowTest : testing::Test {
                           return abbreviation == u"hey" ? std::optional(std::u16string(u"Unfortunate."))
                                                         : std::nullopt;
                         },
-                        [] { return std::u16string(u"Untitled"); }, [] {}}};
+                        [] { return std::u16string(u"Untitled"); }, [] {}, {}}};
 };
 
 TEST_F(LibraryWindowTest, WhatIsTypedReachesTheSnippetAndABadAbbreviationIsExplainedAndKeptOut) {
@@ -207,7 +207,7 @@ TEST(AttributedDocumentTest, GivesBackFormatsPicturesAndMarks) {
 
 TEST_F(LibraryWindowTest, KeepsTheSortationWhenItOpens) {
   settings.setSnippetsSortOption(SnippetSortOption::creationDate);
-  const LibraryWindow another{{library.context, settings, navigation, {}, {}, {}, {}}};
+  const LibraryWindow another{{library.context, settings, navigation, {}, {}, {}, {}, {}}};
   settle();
   EXPECT_EQ(settings.snippetsSortOption(), SnippetSortOption::creationDate);
   EXPECT_TRUE(settings.ascendingSnippetSortation());

@@ -28,7 +28,7 @@ QString typeName(std::string_view type) {
 }
 
 // One as an object, several as a list, each of which a library document may be.
-QByteArray exchangeForm(const Snippets& snippets) {
+QByteArray formsOf(const Snippets& snippets) {
   ordered_json form = ordered_json::array();
   for (const auto& each : snippets) form.push_back(toJson(exchangeForm(*each)));
   const auto& whole = snippets.size() == 1 ? form.front() : form;
@@ -43,7 +43,7 @@ QByteArray document(const ManagedObjectContext& context, const std::string& fold
 }
 
 // A picture leaves nothing behind.
-QString plainText(const Snippets& snippets) {
+QString textsOf(const Snippets& snippets) {
   QStringList texts;
   for (const auto& each : snippets) {
     texts << toQString(each->attributedStringWithoutAttachments().string());
@@ -64,13 +64,13 @@ Snippets liveSnippets(const QLCategory& folder) {
 DraggedSnippets::DraggedSnippets(std::vector<std::shared_ptr<QLSnippet>> snippets)
     : snippets_(std::move(snippets)),
       type_(typeName(kSnippetTypeIdentifier)),
-      exchangeForm_([this] { return quorlo::exchangeForm(snippets_); }),
-      plainText_([this] { return plainText(snippets_); }) {}
+      exchangeForm_([this] { return formsOf(snippets_); }),
+      plainText_([this] { return textsOf(snippets_); }) {}
 
 DraggedSnippets::DraggedSnippets(const ManagedObjectContext& context, const QLCategory& folder)
     : type_(typeName(kFolderTypeIdentifier)),
       exchangeForm_([&context, uuid = folder.uuid()] { return document(context, uuid); }),
-      plainText_([snippets = liveSnippets(folder)] { return plainText(snippets); }) {}
+      plainText_([snippets = liveSnippets(folder)] { return textsOf(snippets); }) {}
 
 QStringList DraggedSnippets::formats() const {
   return {type_, kPlainText};

@@ -1,10 +1,13 @@
 #include "ui/library/folder_list_model.h"
 
 #include "store/fetch_request.h"
+#include "store/item_type_identifiers.h"
 #include "store/library_editing.h"
 #include "store/managed_object_context.h"
 #include "store/ql_category.h"
 #include "store/store_maintenance.h"
+#include "ui/library/dragged_snippets.h"
+#include "ui/library/dropped_files.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
@@ -58,11 +61,45 @@ bool FolderListModel::setData(const QModelIndex& index, const QVariant& value, i
   return true;
 }
 
-// Only what the user has made can be renamed.
+// Only what the user has made can be renamed and dragged.
 Qt::ItemFlags FolderListModel::flags(const QModelIndex& index) const {
   auto flags = QAbstractListModel::flags(index);
-  if (const auto folder = this->folder(index); folder && takesSnippets(*folder)) flags |= Qt::ItemIsEditable;
+  const auto folder = this->folder(index);
+  if (folder && takesSnippets(*folder)) flags |= Qt::ItemIsEditable | Qt::ItemIsDragEnabled;
+  if (folder && isDestinationOfMove(*folder)) flags |= Qt::ItemIsDropEnabled;
   return flags;
+}
+
+QStringList FolderListModel::mimeTypes() const {
+  const auto snippets = QString::fromUtf8(kSnippetTypeIdentifier.data(), kSnippetTypeIdentifier.size());
+  return {QStringLiteral("text/uri-list"), snippets};
+}
+
+QMimeData* FolderListModel::mimeData(const QModelIndexList& indexes) const {
+  const auto folder = indexes.isEmpty() ? nullptr : this->folder(indexes.front());
+  return folder ? new DraggedSnippets(context_, *folder) : nullptr;
+}
+
+bool FolderListModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int,
+                                      const QModelIndex& parent) const {
+  const auto folder = this->folder(parent);
+  if (!folder) return false;
+  if (const auto* dragged = dynamic_cast<const DraggedSnippets*>(data)) {
+    return !dragged->snippets().empty() && isDestinationOfMove(*folder);
+  }
+  return takesSnippets(*folder) && !droppedFiles(*data).empty();
+}
+
+bool FolderListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int, int,
+                                   const QModelIndex& parent) {
+  const auto folder = this->folder(parent);
+  if (!canDropMimeData(data, Qt::IgnoreAction, -1, -1, parent)) return false;
+  if (const auto* dragged = dynamic_cast<const DraggedSnippets*>(data)) {
+    Q_EMIT snippetsDropped(dragged->snippets(), folder);
+  } else {
+    Q_EMIT filesDropped(droppedFiles(*data), folder);
+  }
+  return true;
 }
 
 void FolderListModel::refresh() {

@@ -3,6 +3,7 @@
 #include <QAbstractListModel>
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -10,6 +11,7 @@ namespace quorlo {
 
 class ManagedObjectContext;
 class QLCategory;
+class QLSnippet;
 
 // The folders of the library in their order, with their symbols and how many snippets they showed when the
 // model was last refreshed. `context` outlives the model.
@@ -29,6 +31,22 @@ class FolderListModel final : public QAbstractListModel {
   QVariant data(const QModelIndex& index, int role) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+  // Folders of the user's own are dragged and take files and snippets, the trash takes snippets.
+  QStringList mimeTypes() const override;
+  QMimeData* mimeData(const QModelIndexList& indexes) const override;
+  Qt::DropActions supportedDragActions() const override { return Qt::CopyAction; }
+  Qt::DropActions supportedDropActions() const override { return Qt::CopyAction | Qt::MoveAction; }
+  bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                       const QModelIndex& parent) const override;
+  bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                    const QModelIndex& parent) override;
+
+ Q_SIGNALS:
+  void filesDropped(const std::vector<std::filesystem::path>& files,
+                    const std::shared_ptr<QLCategory>& folder);
+  void snippetsDropped(const std::vector<std::shared_ptr<QLSnippet>>& snippets,
+                       const std::shared_ptr<QLCategory>& folder);
 
  private:
   ManagedObjectContext& context_;

@@ -10,13 +10,13 @@
 #include "store/snippet_type.h"
 #include "ui/library/folder_list_model.h"
 #include "ui/library/snippet_list_model.h"
+#include "ui/library/snippet_list_view.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QCloseEvent>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
@@ -25,7 +25,6 @@
 #include <QScopedValueRollback>
 #include <QSplitter>
 #include <QToolBar>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -52,9 +51,10 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
       folders_(new FolderListModel(parts_.context, this)),
       snippets_(new SnippetListModel(parts_.context, parts_.settings, this)),
       folderList_(new QListView),
-      snippetList_(new QTreeView),
+      snippetList_(new SnippetListView(*snippets_, parts_.settings)),
       search_(new QLineEdit),
-      form_(new SnippetForm(parts_.validate, parts_.advise)) {
+      form_(new SnippetForm(parts_.validate, parts_.advise)),
+      files_(new LibraryFiles(*this, parts_.files, [this] { return exportOffer(); })) {
   setWindowTitle(QStringLiteral("Quorlo"));
   resize(980, 600);
   makeViews();
@@ -66,7 +66,7 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
     const bool changesOrder =
         changed == Setting::snippetsSortOption || changed == Setting::ascendingSnippetSortation;
     if (changesOrder && isVisible() && !isFollowing_) refresh();
-    if (changed == Setting::showSnippetUseCount) showUseCounts();
+    if (changed == Setting::showSnippetUseCount) snippetList_->showUseCounts();
   });
   form_->setShowsFormatBar(parts_.settings.showFormatInspector());
   parts_.settings.setFormatBarHandler([this](bool shown) { form_->setShowsFormatBar(shown); });
@@ -79,10 +79,6 @@ LibraryWindow::LibraryWindow(Dependencies dependencies)
 
 LibraryWindow::~LibraryWindow() {
   parts_.settings.setFormatBarHandler(nullptr);
-}
-
-void LibraryWindow::showUseCounts() {
-  snippetList_->setColumnHidden(SnippetListModel::usesColumn, !parts_.settings.showSnippetUseCount());
 }
 
 bool LibraryWindow::commitEditing() {
@@ -109,28 +105,18 @@ void LibraryWindow::makeViews() {
   folderList_->setAccessibleName(localizedText(u"Folders"));
   folderList_->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
   folderList_->setContextMenuPolicy(Qt::ActionsContextMenu);
+  folderList_->setDragDropMode(QAbstractItemView::DragDrop);
+  folderList_->setDragDropOverwriteMode(true);  // onto folders, not between them
+  connect(folders_, &FolderListModel::filesDropped, files_, &LibraryFiles::importInto);
+  connect(folders_, &FolderListModel::snippetsDropped, this,
+          [this](const auto& snippets, const auto& folder) {
+            form_->takeOver();
+            moveSnippets(snippets, *folder);
+          });
   connect(folderList_->selectionModel(), &QItemSelectionModel::currentChanged, this,
           &LibraryWindow::userChoseFolder);
 
-  snippetList_->setModel(snippets_);
   snippetList_->setObjectName(QStringLiteral("snippets"));
-  snippetList_->setAccessibleName(localizedText(u"Snippets"));
-  snippetList_->setRootIsDecorated(false);
-  snippetList_->setUniformRowHeights(true);
-  snippetList_->setAllColumnsShowFocus(true);
-  snippetList_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  showSortation();  // first: the list sorts by what its header shows, which changes the setting
-  snippetList_->setSortingEnabled(true);
-  auto* const header = snippetList_->header();
-  header->setStretchLastSection(false);
-  header->setSectionResizeMode(SnippetListModel::titleColumn, QHeaderView::Stretch);
-  const auto width = [header](const char* sample) {
-    return header->fontMetrics().horizontalAdvance(sample) + 24;
-  };
-  header->resizeSection(SnippetListModel::abbreviationColumn, width("Abbreviation"));
-  header->resizeSection(SnippetListModel::modifiedColumn, width("00/00/0000"));
-  header->resizeSection(SnippetListModel::usesColumn, width("Used"));
-  showUseCounts();
   snippetList_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(snippetList_, &QWidget::customContextMenuRequested, this, &LibraryWindow::showMenuOfList);
   connect(snippetList_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -178,6 +164,7 @@ void LibraryWindow::makeActions() {
   auto* const newFolder = addAction("folder.badge.plus", u"New Folder", Qt::CTRL | Qt::SHIFT | Qt::Key_N,
                                     &LibraryWindow::newFolder);
   bar->addAction(newFolder);
+  files_->addMenuTo(*bar);
   auto* const settings =
       bar->addAction(symbol(u"gearshape"), localizedText(u"Settings"), this, parts_.showSettings);
   settings->setShortcut(QKeySequence::Preferences);
@@ -203,18 +190,18 @@ void LibraryWindow::newSnippet() {
 
 void LibraryWindow::duplicateSnippets() {
   std::vector<std::shared_ptr<QLSnippet>> copies;
-  for (const auto& each : selectedSnippets()) copies.push_back(duplicate(*each));
+  for (const auto& each : snippetList_->selectedSnippets()) copies.push_back(duplicate(*each));
   refresh();
   parts_.navigation.setSelectedSnippets(std::move(copies));
 }
 
 void LibraryWindow::moveToTrash() {
   form_->takeOver();
-  for (const auto& each : selectedSnippets()) each->moveToTrash();
+  for (const auto& each : snippetList_->selectedSnippets()) each->moveToTrash();
 }
 
 void LibraryWindow::restore() {
-  for (const auto& each : selectedSnippets()) each->restoreFromTrash();
+  for (const auto& each : snippetList_->selectedSnippets()) each->restoreFromTrash();
 }
 
 void LibraryWindow::emptyTrash() {
@@ -258,7 +245,7 @@ void LibraryWindow::showMenuOfList(const QPoint& place) {
   auto* const moveTo = menu.addMenu(symbol(u"folder"), localizedText(u"Move to"));
   const auto add = [&](const QString& title, std::shared_ptr<QLCategory> folder) {
     moveTo->addAction(title, this, [this, folder = std::move(folder)] {
-      for (const auto& each : selectedSnippets()) each->setCategory(folder.get());
+      for (const auto& each : snippetList_->selectedSnippets()) each->setCategory(folder.get());
     });
   };
   add(localizedText(u"No Folder"), nullptr);
@@ -305,30 +292,14 @@ void LibraryWindow::followNavigation() {
   const auto folder = parts_.navigation.selectedCategory();
   folderList_->setCurrentIndex(folders_->indexOf(folder.get()));
   snippets_->show(folder, search_->text().toStdU16String());
-  showSortation();
+  snippetList_->showSortation();
   showSelection();
-}
-
-void LibraryWindow::showSortation() {
-  snippetList_->header()->setSortIndicator(
-      SnippetListModel::sortColumn(parts_.settings.snippetsSortOption()),
-      parts_.settings.ascendingSnippetSortation() ? Qt::AscendingOrder : Qt::DescendingOrder);
 }
 
 void LibraryWindow::showSelection() {
   const QScopedValueRollback following(isFollowing_, true);
   const auto selected = parts_.navigation.selectedSnippets();
-  QItemSelection rows;
-  for (const auto& each : selected) {
-    if (const auto index = snippets_->indexOf(each.get()); index.isValid()) rows.select(index, index);
-  }
-  using Flag = QItemSelectionModel::SelectionFlag;
-  auto& selection = *snippetList_->selectionModel();
-  selection.select(rows, Flag::ClearAndSelect | Flag::Rows);
-  if (!rows.isEmpty()) {
-    selection.setCurrentIndex(rows.first().topLeft(), Flag::NoUpdate);
-    snippetList_->scrollTo(rows.first().topLeft());
-  }
+  snippetList_->select(selected);
   form_->setSnippet(selected.size() == 1 ? selected.front() : nullptr);
   enableActions();
 }
@@ -341,14 +312,14 @@ void LibraryWindow::userChoseFolder(const QModelIndex& index) {
 void LibraryWindow::userChoseSnippets() {
   if (isFollowing_) return;
   const QScopedValueRollback following(isFollowing_, true);
-  parts_.navigation.setSelectedSnippets(selectedSnippets());
-  const auto selected = selectedSnippets();
+  const auto selected = snippetList_->selectedSnippets();
+  parts_.navigation.setSelectedSnippets(selected);
   form_->setSnippet(selected.size() == 1 ? selected.front() : nullptr);
   enableActions();
 }
 
 void LibraryWindow::enableActions() {
-  const auto selected = selectedSnippets();
+  const auto selected = snippetList_->selectedSnippets();
   const bool some = !selected.empty();
   const bool trashed = some && std::ranges::all_of(selected, [](const auto& each) {
                          return each->deletionDate().has_value();
@@ -365,12 +336,13 @@ void LibraryWindow::enableActions() {
   deleteFolder_->setEnabled(isOwn);
 }
 
-std::vector<std::shared_ptr<QLSnippet>> LibraryWindow::selectedSnippets() const {
-  std::vector<std::shared_ptr<QLSnippet>> selected;
-  for (const auto& each : snippetList_->selectionModel()->selectedRows()) {
-    if (auto snippet = snippets_->snippet(each)) selected.push_back(std::move(snippet));
+ExportOffer LibraryWindow::exportOffer() const {
+  ExportOffer offer;
+  if (const auto folder = parts_.navigation.selectedCategory()) {
+    offer.folder = {folder->uuid(), toQString(folder->title())};
   }
-  return selected;
+  for (const auto& each : snippetList_->selectedSnippets()) offer.snippets.push_back(each->uuid());
+  return offer;
 }
 
 }  // namespace quorlo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/subscription.h"
+#include "ui/library/library_files.h"
 #include "ui/library/snippet_form.h"
 
 #include <QMainWindow>
@@ -12,7 +13,6 @@ class QAction;
 class QLineEdit;
 class QListView;
 class QModelIndex;
-class QTreeView;
 
 namespace quorlo {
 
@@ -21,6 +21,7 @@ class ManagedObjectContext;
 class NavigationModel;
 class SettingsController;
 class SnippetListModel;
+class SnippetListView;
 
 // The library: folders, the snippets of the selected one, and one snippet to edit. Follows the navigation
 // model and writes the user's selection into it. Made hidden; closing hides it.
@@ -36,6 +37,7 @@ class LibraryWindow final : public QMainWindow {
     SnippetForm::Validation advise;                      // of the form; may be null
     std::function<std::u16string()> untitledFolderName;  // one that no folder has
     std::function<void()> showSettings;
+    LibraryFileServices files;
   };
 
   // The dependencies outlive the window.
@@ -52,7 +54,6 @@ class LibraryWindow final : public QMainWindow {
  private:
   void makeActions();
   void makeViews();
-  void showUseCounts();
   QAction* addAction(const char* icon, std::u16string_view name, const QKeySequence& keys,
                      void (LibraryWindow::*act)());
 
@@ -70,20 +71,20 @@ class LibraryWindow final : public QMainWindow {
   void refresh();
   void restoreSelection();
   void followNavigation();
-  void showSortation();
   void userChoseFolder(const QModelIndex& index);
   void userChoseSnippets();
   void showSelection();
   void enableActions();
-  std::vector<std::shared_ptr<QLSnippet>> selectedSnippets() const;
+  ExportOffer exportOffer() const;
 
   Dependencies parts_;
   FolderListModel* folders_;
   SnippetListModel* snippets_;
   QListView* folderList_;
-  QTreeView* snippetList_;
+  SnippetListView* snippetList_;
   QLineEdit* search_;
   SnippetForm* form_;
+  LibraryFiles* files_;
   QAction* duplicate_ = nullptr;
   QAction* trash_ = nullptr;
   QAction* restore_ = nullptr;

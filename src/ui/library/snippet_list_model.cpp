@@ -4,6 +4,7 @@
 #include "store/managed_object_context.h"
 #include "store/ql_category.h"
 #include "store/ql_snippet.h"
+#include "ui/library/dragged_snippets.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
@@ -120,6 +121,19 @@ QVariant SnippetListModel::headerData(int section, Qt::Orientation orientation, 
   constexpr std::array<std::u16string_view, columnCount_> kNames{u"Title", u"Abbreviation", u"Modified",
                                                                  u"Used"};
   return localizedText(kNames.at(static_cast<std::size_t>(section)));
+}
+
+Qt::ItemFlags SnippetListModel::flags(const QModelIndex& index) const {
+  return QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled;
+}
+
+QMimeData* SnippetListModel::mimeData(const QModelIndexList& indexes) const {
+  std::vector<std::shared_ptr<QLSnippet>> dragged;
+  for (const auto& each : indexes) {
+    if (each.column() != titleColumn) continue;
+    if (auto snippet = this->snippet(each)) dragged.push_back(std::move(snippet));
+  }
+  return dragged.empty() ? nullptr : new DraggedSnippets(std::move(dragged));
 }
 
 void SnippetListModel::sort(int column, Qt::SortOrder order) {

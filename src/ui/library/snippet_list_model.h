@@ -44,6 +44,10 @@ class SnippetListModel final : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   void sort(int column, Qt::SortOrder order) override;  // writes the settings
 
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  QMimeData* mimeData(const QModelIndexList& indexes) const override;
+  Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::MoveAction; }
+
  private:
   ManagedObjectContext& context_;
   SettingsController& settings_;
