@@ -20,7 +20,9 @@ struct SnippetDragTest : testing::Test {
   SnippetDragTest() {
     letters->setTitle(u"Letters");
     snippet->setPlainText(u"Hello");
-    picture->setText(AttributedString(u"\uFFFC!", {.image = ImageAttachment{nullptr, "image/png"}}));
+    AttributedString text(u"\uFFFC", {.image = ImageAttachment{nullptr, "image/png"}});
+    text.append(u"!");
+    picture->setText(text);
     snippets.show(all, {});
     folders.refresh();
     QObject::connect(&folders, &FolderListModel::snippetsDropped,
