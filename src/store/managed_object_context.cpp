@@ -232,8 +232,12 @@ Status ManagedObjectContext::save(const SaveProgress& progress) {
   return {};
 }
 
-Status ManagedObjectContext::refresh(const std::vector<HistoryChange>& changes) {
-  return configuration_.store ? configuration_.store->refresh(*this, changes) : Status();
+Status ManagedObjectContext::refresh(std::span<const HistoryChange> changes, Telling telling) {
+  if (!configuration_.store) return {};
+  telling_ = telling;
+  auto status = configuration_.store->refresh(*this, changes);
+  telling_ = Telling::inTurn;
+  return status;
 }
 
 void ManagedObjectContext::processPendingChanges() {
@@ -295,6 +299,7 @@ void ManagedObjectContext::releaseRichTexts() {
 }
 
 void ManagedObjectContext::scheduleProcessing() {
+  if (takesFromStore() && telling_ == Telling::later) return;
   if (mainQueue_ == nullptr || std::exchange(processingIsScheduled_, true)) return;
   mainQueue_->run(life_.guard([this] {
     processingIsScheduled_ = false;

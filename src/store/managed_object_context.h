@@ -21,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -128,7 +129,12 @@ class ManagedObjectContext final : public ExpansionLookup {
   // property by property, and a record with unsaved changes that others have deleted stays as it is here,
   // relationships included, and is stored again by the next save. The rest is told like any change, but is
   // not unsaved. After a failure the same changes can be taken over again.
-  Status refresh(const std::vector<HistoryChange>& changes);
+  enum class Telling {
+    inTurn,
+    // With the next change of the user's, or when processPendingChanges is called: for one part of many.
+    later,
+  };
+  Status refresh(std::span<const HistoryChange> changes, Telling telling = Telling::inTurn);
 
   // Lets go of the rich texts that can be read from the store again, those of unsaved records apart. What
   // attributedString() and its like have returned by reference is gone then.
@@ -191,6 +197,7 @@ class ManagedObjectContext final : public ExpansionLookup {
   ChangeLog pending_;                // since the last notification
   ChangeLog unsaved_;                // since the last save
   Origin origin_ = Origin::user;
+  Telling telling_ = Telling::inTurn;
   // What the observers of records will be told once the store has been taken over.
   std::vector<std::pair<std::shared_ptr<const ManagedObject>, std::string_view>> announcements_;
   // The records that are in the store, by their rows; null for one that was deleted here and not saved yet.

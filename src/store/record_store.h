@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,7 +49,7 @@ class RecordStore {
   // Brings the records that others have changed up to what the store holds now. What is unsaved in the
   // context stays, property by property. After an error some records may not be up to date; the same changes
   // can be taken over again.
-  virtual Status refresh(ManagedObjectContext& context, const std::vector<HistoryChange>& changes) = 0;
+  virtual Status refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) = 0;
 
   // Nothing when the store has none for the snippet (any more); an error when it cannot be read.
   virtual Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) = 0;

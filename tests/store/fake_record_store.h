@@ -23,7 +23,7 @@ class FakeRecordStore final : public RecordStore {
     commits_.push_back(changes);
     return std::vector<std::shared_ptr<ManagedObject>>();
   }
-  Status refresh(ManagedObjectContext&, const std::vector<HistoryChange>&) override { return {}; }
+  Status refresh(ManagedObjectContext&, std::span<const HistoryChange>) override { return {}; }
   Result<std::optional<AttributedString>> richText(const QLSnippet&) override {
     return std::optional<AttributedString>();
   }

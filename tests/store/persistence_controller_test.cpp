@@ -149,5 +149,20 @@ TEST(PersistenceController, AnswersForFoldersAndForSnippetsByWhereTheyAre) {
   EXPECT_EQ(controller.snippetsOutsideSharedFolders().size(), 3U);
 }
 
+TEST(PersistenceController, PutsOffTheSavesThatComeByThemselvesWhileSomebodyWritesForLong) {
+  TestLibrary library;
+  auto deferral = library.controller.deferSaves();
+  auto another = library.controller.deferSaves();
+  library.snippet(u"waits");
+  library.queue.advance(Seconds(10));
+  deferral.reset();
+  library.queue.advance(Seconds(10));
+  EXPECT_TRUE(library.commits.empty());
+  another.reset();
+  library.queue.advance(Seconds(4));
+  EXPECT_EQ(library.commits.size(), 1U);
+  EXPECT_FALSE(library.context.hasChanges());
+}
+
 }  // namespace
 }  // namespace quorlo

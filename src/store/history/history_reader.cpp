@@ -17,9 +17,12 @@ HistoryReader::HistoryReader(const std::filesystem::path& storeFile, std::string
 Result<NewHistory> HistoryReader::read(Date after) {
   if (auto status = open(); !status) return status.error();
   // A commit is written to the file, and noticed, before readers may see it. Once the write lock is ours,
-  // every commit that has been noticed is complete. Nothing is written.
-  const auto lock = SqliteTransaction::begin(database_, SqliteTransaction::Kind::write);
-  if (!lock) return lock.error();
+  // every commit that has been noticed is complete. Nothing is written, and nobody waits while much is read.
+  if (const auto lock = SqliteTransaction::begin(database_, SqliteTransaction::Kind::write); !lock) {
+    return lock.error();
+  }
+  const auto view = SqliteTransaction::begin(database_, SqliteTransaction::Kind::read);
+  if (!view) return view.error();
 
   NewHistory history;
   {

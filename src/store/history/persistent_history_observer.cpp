@@ -10,6 +10,7 @@
 #include "store/ql_category.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
@@ -19,6 +20,9 @@ namespace {
 
 constexpr std::chrono::hours kHistoryLife = std::chrono::days(90);
 constexpr std::chrono::hours kPurgeInterval = std::chrono::days(1);
+constexpr std::size_t kRecordsAtOnce = 200;   // without a look at the clock
+constexpr std::size_t kToldAtOnce = 100'000;  // a multiple of the above
+constexpr Seconds kLongestTurn(0.03);
 constexpr Seconds kFirstRetry(0.5);
 constexpr Seconds kLastRetry(60);
 
@@ -72,12 +76,35 @@ void PersistentHistoryObserver::didRead(const Result<NewHistory>& read) {
     logError("ERROR: #evvfd - Persistent History Tracking failed with error " + read.error().message);
     return retryLater();
   }
-  const auto& history = read.value();
-  if (!history.lastProcessed) return didProcess(history);
-  if (const auto status = its_.viewContext.refresh(history.changes.records); !status) {
-    logError("ERROR: #m7rgH; Couldn't take over what other programs have saved. " + status.error().message);
-    return retryLater();
+  if (!read.value().lastProcessed) return didProcess(read.value());
+  takeOver(std::make_shared<const NewHistory>(read.value()), 0);
+}
+
+// From the change at `begin` on. An import may have saved a million records: windows and keys get their turn
+// meanwhile, and the context's observers, who may look at everything, hear of it seldom.
+void PersistentHistoryObserver::takeOver(const std::shared_ptr<const NewHistory>& history,
+                                         std::size_t begin) {
+  const std::span<const HistoryChange> changes = history->changes.records;
+  const auto began = its_.mainQueue.now();
+  while (begin < changes.size()) {
+    if (its_.mainQueue.now() - began > kLongestTurn) {
+      return its_.mainQueue.run(life_.guard([this, history, begin] { takeOver(history, begin); }));
+    }
+    const auto part = changes.subspan(begin, std::min(kRecordsAtOnce, changes.size() - begin));
+    const auto status = its_.viewContext.refresh(part, ManagedObjectContext::Telling::later);
+    if (!status) {
+      its_.viewContext.processPendingChanges();
+      logError("ERROR: #m7rgH; Couldn't take over what other programs have saved. " + status.error().message);
+      return retryLater();
+    }
+    begin += part.size();
+    if (begin % kToldAtOnce == 0) its_.viewContext.processPendingChanges();
   }
+  its_.viewContext.processPendingChanges();
+  didTakeOver(*history);
+}
+
+void PersistentHistoryObserver::didTakeOver(const NewHistory& history) {
   const auto folders = duplicatesAmong(history.changes.foldersToCheck);
   if (folders.empty()) return didProcess(history);
   // What is unsaved here in a folder that goes would be left without one.

@@ -9,6 +9,7 @@
 #include "store/history/operation_queue.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -58,7 +59,9 @@ class PersistentHistoryObserver {
   template <class Outcome>
   void perform(std::function<Outcome()> operation, std::function<void(Outcome)> completion);
 
-  void didRead(const Result<NewHistory>& history);
+  void didRead(const Result<NewHistory>& read);
+  void takeOver(const std::shared_ptr<const NewHistory>& history, std::size_t begin);
+  void didTakeOver(const NewHistory& history);
   std::vector<std::int64_t> duplicatesAmong(const std::vector<std::int64_t>& folders) const;
   Result<bool> deduplicateEach(const std::vector<std::int64_t>& folders) const;
   void didDeduplicate(const NewHistory& history, const Result<bool>& merged);

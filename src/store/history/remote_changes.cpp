@@ -1,5 +1,7 @@
 #include "store/history/remote_changes.h"
 
+#include "store/sqlite/stored_attributes.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -33,6 +35,11 @@ bool mayMakeDuplicate(const HistoryChange& change) {
           }));
 }
 
+std::ptrdiff_t placeOf(const HistoryChange& change) {
+  const auto* const entity = std::ranges::find(kReferencedFirst, change.entity);
+  return (change.kind == Kind::deleted ? 0 : kEntityCount) + (entity - kReferencedFirst.begin());
+}
+
 }  // namespace
 
 RemoteChanges walk(const std::vector<HistoryTransaction>& transactions) {
@@ -48,6 +55,7 @@ RemoteChanges walk(const std::vector<HistoryTransaction>& transactions) {
       }
     }
   }
+  std::ranges::stable_sort(changes.records, {}, placeOf);
   for (const auto& each : changes.records) {
     if (mayMakeDuplicate(each)) changes.foldersToCheck.push_back(each.row);
   }

@@ -9,7 +9,9 @@ namespace quorlo {
 
 // What a stretch of history comes to.
 struct RemoteChanges {
-  std::vector<HistoryChange> records;        // one for each record, in the order of their first change
+  // One for each record, in the order in which they can be taken over part by part: what is gone, then what
+  // others refer to, then those; among each other in the order of their first change.
+  std::vector<HistoryChange> records;
   std::vector<std::int64_t> foldersToCheck;  // rows of those that may have become duplicates
 };
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,7 +78,7 @@ class Refresh {
  public:
   Refresh(SqliteDatabase& database, StoreAccess& access) : database_(database), access_(access) {}
 
-  Status run(const std::vector<HistoryChange>& changes);
+  Status run(std::span<const HistoryChange> changes);
 
  private:
   Status record(const HistoryChange& change);
@@ -92,7 +93,7 @@ class Refresh {
 };
 
 // What is gone comes first: a folder that stays because of its unsaved changes keeps its snippets.
-Status Refresh::run(const std::vector<HistoryChange>& changes) {
+Status Refresh::run(std::span<const HistoryChange> changes) {
   for (const bool isDeletion : {true, false}) {
     for (const auto entity : kReferencedFirst) {
       for (const auto& each : changes) {
@@ -211,7 +212,7 @@ Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
 
 // The access ends after the transaction, so that observers may save.
 Status refreshRecords(SqliteDatabase& database, ManagedObjectContext& context,
-                      const std::vector<HistoryChange>& changes) {
+                      std::span<const HistoryChange> changes) {
   StoreAccess access(context, StoreAccess::Purpose::refresh);
   const auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::read);
   if (!transaction) return transaction.error();

@@ -16,7 +16,7 @@ class SqliteDatabase;
 // The reading operations of RecordStore.
 Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context);
 Status refreshRecords(SqliteDatabase& database, ManagedObjectContext& context,
-                      const std::vector<HistoryChange>& changes);
+                      std::span<const HistoryChange> changes);
 Result<std::optional<AttributedString>> richTextOf(SqliteDatabase& database, std::int64_t snippetRow);
 
 }  // namespace quorlo

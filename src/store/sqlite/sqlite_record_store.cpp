@@ -25,7 +25,7 @@ Result<std::vector<std::shared_ptr<ManagedObject>>> SqliteRecordStore::save(cons
   return writeRecords(*database_, changes, writer, now, progress);
 }
 
-Status SqliteRecordStore::refresh(ManagedObjectContext& context, const std::vector<HistoryChange>& changes) {
+Status SqliteRecordStore::refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) {
   return refreshRecords(*database_, context, changes);
 }
 

@@ -19,7 +19,7 @@ class SqliteRecordStore final : public RecordStore {
   Status load(ManagedObjectContext& context) override;
   Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer& writer,
                                                            Date now, const SaveProgress& progress) override;
-  Status refresh(ManagedObjectContext& context, const std::vector<HistoryChange>& changes) override;
+  Status refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) override;
   Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) override;
 
  private:

@@ -49,6 +49,7 @@ struct AppDelegateTest : ShellWorld {
   DebugMode debugMode{
       {settings, [this] { return environment.now(); }, "/data", [](const auto&) { return Subscription(); }}};
   int quits = 0;
+  int importStops = 0;
   AppDelegate delegate{{.queue = desktop.queue,
                         .defaults = defaults,
                         .settings = settings,
@@ -70,7 +71,7 @@ struct AppDelegateTest : ShellWorld {
                         .menuHotKeyRefused = [this](const Error&) { events.emplace_back("hot key refused"); },
                         .startCrashReporter = [this] { events.emplace_back("crash reporter"); },
                         .createAbbreviationsMonitor = [this] { events.emplace_back("monitor"); },
-                        .stopImport = [this] { events.emplace_back("import stopped"); },
+                        .stopImport = [this] { ++importStops; },
                         .quit = [this] { ++quits; }}};
 };
 
@@ -171,7 +172,9 @@ TEST_F(AppDelegateTest, AsksBeforeChangesAreLost) {
     if (each.hasChanges) add(u"", u"unsaved");
     if (!each.canSave) commitResult = Error{"disk full"};
 
+    importStops = 0;
     EXPECT_EQ(delegate.applicationShouldTerminate(), each.reply);
+    EXPECT_EQ(importStops, each.canCommitEditing ? 1 : 0);
     EXPECT_EQ(alerts.shown.size(), each.alerts);
     if (each.alerts == 2) {
       EXPECT_EQ(alerts.shown.back().message, u"Could not save changes while quitting. Quit anyway?");

@@ -53,11 +53,11 @@ TEST(RemoteChanges, ComeToOneForEachRecordAndNameTheFoldersToCheck) {
        {{Entity::category, 4, Kind::updated, {"sort"}}, {Entity::category, 5, Kind::updated, {"title"}}}}};
   const auto changes = walk(history);
   EXPECT_EQ(changes.records,
-            (std::vector<HistoryChange>{{Entity::snippet, 1, Kind::updated, {"title", "text"}},
-                                        {Entity::category, 2, Kind::deleted},
+            (std::vector<HistoryChange>{{Entity::category, 2, Kind::deleted},
                                         {Entity::category, 3, Kind::updated, {"sort"}},
                                         {Entity::category, 4, Kind::inserted},
-                                        {Entity::category, 5, Kind::updated, {"title"}}}));
+                                        {Entity::category, 5, Kind::updated, {"title"}},
+                                        {Entity::snippet, 1, Kind::updated, {"title", "text"}}}));
   EXPECT_EQ(changes.foldersToCheck, (std::vector<std::int64_t>{4, 5}));
 }
 
