@@ -74,7 +74,7 @@ std::optional<std::size_t> fixedSize(unsigned kind, unsigned half) {
       if (half == 3) return 8;
       break;
     case BinaryObject::uid:
-      if (half == 0 || half == 1 || half == 3 || half == 7) return half + 1;
+      if (half == 0 || half == 1 || half == 3) return half + 1;
       break;
     default:
       break;
@@ -127,6 +127,9 @@ Result<BinaryObject> BinaryObjects::read(std::size_t object) const {
   const auto content = bytes_.substr(read.content, read.length);
   if (read.kind == BinaryObject::asciiText && !isAscii(content))
     return failure(object, localized(u"is no ASCII text"));
+  // No program writes one, and the library takes it for damage of the whole file.
+  if (read.kind == BinaryObject::utf16Text && content.empty())
+    return failure(object, localized(u"is an empty text in UTF-16"));
   if (read.kind == BinaryObject::utf16Text && !isWellFormedUtf16(content))
     return failure(object, localized(u"is no well-formed UTF-16 text"));
   if (isText(object) && hasNul(content, read.kind == BinaryObject::utf16Text ? 2 : 1))

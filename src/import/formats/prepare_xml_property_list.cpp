@@ -21,6 +21,8 @@ constexpr std::array<std::string_view, 8> kLeaves{"key",  "string", "integer", "
 // Longer than any reference that is one, so that a lone "&" does not search the whole text.
 constexpr std::size_t kLongestReference = 12;
 
+constexpr std::size_t kLongestName = 20;
+
 class XmlPreparation {
  public:
   explicit XmlPreparation(std::string_view bytes) : bytes_(bytes) {
@@ -227,10 +229,12 @@ class XmlPreparation {
     return failureAt(position_, what, name);
   }
 
+  // Of a name that somebody may have made up, only the beginning is quoted.
   Error failureAt(std::size_t position, std::u16string_view what, std::string_view name) const {
     const auto line = std::ranges::count(bytes_.substr(0, position), '\n') + 1;
     return {toUtf8(localizedFormat(u"Line %@: %@. Correct the file there, or export it again.",
-                                   toUtf16(std::to_string(line)), localizedFormat(what, toUtf16(name))))};
+                                   toUtf16(std::to_string(line)),
+                                   localizedFormat(what, toUtf16(name.substr(0, kLongestName)))))};
   }
 
   std::string_view bytes_;

@@ -5,13 +5,18 @@
 #include "text/utf.h"
 
 namespace quorlo {
+namespace {
+
+constexpr std::size_t kLongestKey = 60;  // that is quoted whole
+
+}  // namespace
 
 std::string PropertyListPath::text() const {
   if (!container_) return {};
   auto text = container_->text();
   if (index_) return text + '[' + std::to_string(*index_) + ']';
   if (!text.empty()) text += '.';
-  return text.append(key_);
+  return text.append(key_.substr(0, kLongestKey));
 }
 
 Error wrongKind(const PropertyList& value, const PropertyListPath& path, std::u16string_view expected) {

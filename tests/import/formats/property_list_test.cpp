@@ -158,6 +158,7 @@ TEST(PropertyListTest, DamagedAndHostileBinariesAreRefusedWithTheirObject) {
        "NUL"},
       {binary({std::string("\x62\0a\0\0", 5)}), "NUL"},
       {binary({std::string("\x61\xD8\0", 3)}), "well-formed UTF-16"},
+      {binary({"\x60"}), "empty text"},
       {binary({"\x51\xFF"}), "no ASCII text"},
       {binary({std::string("\0", 1)}), "of a kind"},
       {binary({"\xC1\1", "\x51x"}), "of a kind"},
