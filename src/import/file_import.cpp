@@ -29,10 +29,11 @@ Error ofNoKind(const std::filesystem::path& file) {
           toUtf8(localized(u"Snippets cannot be imported from this file.") + u' ' + importableKinds())};
 }
 
-// It says what it is by its keys alone; each reader refuses what it does not know.
+// It says what it is by its keys alone: each reader refuses what it does not know, or finds nothing in it.
 Result<ImportData> readAnyPropertyList(const std::filesystem::path& file, std::string_view content) {
   for (const auto read : {readTextExpander, readTypeIt4Me, readClipping}) {
-    if (auto data = read(content, file.filename().string())) return data;
+    auto data = read(content, file.filename().string());
+    if (data && !data.value().snippets.empty()) return data;
   }
   return ofNoKind(file);
 }
