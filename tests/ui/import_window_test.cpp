@@ -109,7 +109,7 @@ TEST_F(CsvOptionsWindowTest, ImportsAGuessedTableByReturnAlone) {
   EXPECT_EQ(head(0), QStringLiteral("Title\nName"));
   EXPECT_EQ(head(2), QStringLiteral("Text\nText"));
   EXPECT_EQ(head(3), QStringLiteral("\nNotes"));
-  EXPECT_EQ(cell(0, 2), QStringLiteral("Hello↵you"));
+  EXPECT_EQ(cell(0, 2), QStringLiteral("Hello ↵ you"));
   press(Qt::Key_Return);
   ASSERT_TRUE(records);
   ASSERT_EQ(records->snippets.size(), 1U);

@@ -112,6 +112,7 @@ CsvOptionsWindow::CsvOptionsWindow(QLCSVOptionsViewController& controller,
   refreshing_.setInterval(kBetweenLooks);
   connect(&refreshing_, &QTimer::timeout, this, &CsvOptionsWindow::showProgressOfController);
   refresh();
+  titlePopUpButton_->setFocus();
   const int line = fontMetrics().lineSpacing();
   resize(QSize(44 * line, 38 * line).boundedTo(screen()->availableGeometry().size() * 0.9));
 }
@@ -168,6 +169,7 @@ QWidget* CsvOptionsWindow::makePreview() {
   table_->horizontalHeader()->setStretchLastSection(true);
   table_->verticalHeader()->setHighlightSections(false);
   connect(preview_, &QAbstractItemModel::modelReset, this, &CsvOptionsWindow::resizeColumns);
+  connect(preview_, &QAbstractItemModel::headerDataChanged, this, &CsvOptionsWindow::resizeColumns);
   notice_->setWordWrap(true);
   notice_->setTextFormat(Qt::PlainText);
   column->addWidget(table_, 1);
@@ -232,8 +234,8 @@ void CsvOptionsWindow::refresh() {
   quorlo::show(*titlePopUpButton_, controller_.titlePopUpButton());
   quorlo::show(*abbreviationPopUpButton_, controller_.abbreviationPopUpButton());
   quorlo::show(*textPopUpButton_, controller_.textPopUpButton());
-  preview_->setTable(controller_.headers(), controller_.previewRows());
   preview_->setColumns(controller_.selectedColumns());
+  preview_->setTable(controller_.headers(), controller_.previewRows());
   showRows();
   for (auto* const part : parts_) part->setEnabled(!controller_.importCSVSnippets());
   import_->setEnabled(controller_.canConfirm() && !controller_.importCSVSnippets() &&

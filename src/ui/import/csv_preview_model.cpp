@@ -23,8 +23,8 @@ QColor mixed(const QColor& base, const QColor& tint) {
 // A cell is one line.
 QString inOneLine(const std::u16string& text) {
   return toQString(text)
-      .replace(QStringLiteral("\r\n"), QStringLiteral("↵"))
-      .replace(QLatin1Char('\n'), QStringLiteral("↵"))
+      .replace(QStringLiteral("\r\n"), QStringLiteral(" ↵ "))
+      .replace(QLatin1Char('\n'), QStringLiteral(" ↵ "))
       .replace(QLatin1Char('\t'), QLatin1Char(' '));
 }
 
@@ -57,6 +57,7 @@ void CsvPreviewModel::setTable(const Row& headers, const std::vector<Row>& rows)
 }
 
 void CsvPreviewModel::setColumns(const CsvColumns& columns) {
+  if (columns == columns_) return;
   columns_ = columns;
   tellOfChangedLook();
 }

@@ -72,6 +72,7 @@ ReportWindow::ReportWindow(const QString& title, const QString& summary, std::ve
   column->addWidget(buttons_);
   auto* const close = buttons_->addButton(localizedText(u"Close"), QDialogButtonBox::RejectRole);
   close->setDefault(true);
+  close->setFocus();
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
 }
 

@@ -5,6 +5,7 @@
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QPalette>
 #include <QToolButton>
 
 #include <string_view>
@@ -25,6 +26,16 @@ std::u16string_view nameOf(char16_t separator) {
   }
 }
 
+// Where the style hardly tells a chosen button from others, as in dark themes.
+void showWhetherChosen(QToolButton& segment) {
+  QPalette palette;
+  if (segment.isChecked()) {
+    palette.setBrush(QPalette::Button, palette.highlight());
+    palette.setBrush(QPalette::ButtonText, palette.highlightedText());
+  }
+  segment.setPalette(palette);
+}
+
 }  // namespace
 
 SeparatorControl::SeparatorControl(const std::function<void(std::size_t)>& chosen)
@@ -38,6 +49,7 @@ SeparatorControl::SeparatorControl(const std::function<void(std::size_t)>& chose
     segment->setCheckable(true);
     segment->setFocusPolicy(Qt::StrongFocus);
     segments_->addButton(segment, static_cast<int>(segments_->buttons().size()));
+    connect(segment, &QToolButton::toggled, this, [segment] { showWhetherChosen(*segment); });
     row->addWidget(segment);
   }
   row->addStretch();

@@ -57,7 +57,9 @@ ExportWindow::ExportWindow(const ExportOffer& offer, Chosen chosen, QWidget* par
   column->addStretch();
   column->addWidget(buttons);
   assignMnemonics(*this);
-  setMinimumWidth(26 * fontMetrics().lineSpacing());
+  const int width = 26 * fontMetrics().lineSpacing();
+  setMinimumWidth(width);
+  resize(width, column->totalHeightForWidth(width));  // the hints are as high as they are broken
 }
 
 QWidget* ExportWindow::makeSelectionPart() {
