@@ -47,6 +47,12 @@ bool reaches(Moment moment, std::int64_t amount, milliseconds length) {
   return amount <= (kReach - since1970) / length && amount >= (-kReach - since1970) / length;
 }
 
+icu::LocalUCalendarPointer open(const DateContext& context, UCalendarType type, UErrorCode& status) {
+  const auto zone = toUtf16(context.timeZone);
+  return icu::LocalUCalendarPointer(
+      ucal_open(zone.data(), static_cast<std::int32_t>(zone.size()), context.locale.c_str(), type, &status));
+}
+
 }  // namespace
 
 Moment dateByAdding(std::int64_t amount, DateAndTimeMacroMathType type, Moment moment,
@@ -55,10 +61,8 @@ Moment dateByAdding(std::int64_t amount, DateAndTimeMacroMathType type, Moment m
   if (amount == 0 || !reaches(moment, amount, unit.length)) return moment;
   if (!unit.field) return moment + amount * unit.length;
 
-  const auto zone = toUtf16(context.timeZone);
   UErrorCode status = U_ZERO_ERROR;
-  const icu::LocalUCalendarPointer calendar(ucal_open(zone.data(), static_cast<std::int32_t>(zone.size()),
-                                                      context.locale.c_str(), UCAL_DEFAULT, &status));
+  const auto calendar = open(context, UCAL_DEFAULT, status);
   ucal_setMillis(calendar.getAlias(), static_cast<UDate>(moment.time_since_epoch().count()), &status);
   ucal_add(calendar.getAlias(), *unit.field, static_cast<std::int32_t>(amount), &status);
   const auto moved = ucal_getMillis(calendar.getAlias(), &status);
@@ -67,6 +71,27 @@ Moment dateByAdding(std::int64_t amount, DateAndTimeMacroMathType type, Moment m
     return moment;
   }
   return Moment(milliseconds(static_cast<std::int64_t>(moved)));
+}
+
+Moment momentOfLocalTime(std::chrono::local_time<milliseconds> local, const DateContext& context) {
+  const auto day = std::chrono::floor<std::chrono::days>(local);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(local - day);
+  UErrorCode status = U_ZERO_ERROR;
+  const auto calendar = open(context, UCAL_GREGORIAN, status);
+  ucal_setAttribute(calendar.getAlias(), UCAL_REPEATED_WALL_TIME, UCAL_WALLTIME_FIRST);
+  ucal_setDateTime(
+      calendar.getAlias(), int{date.year()}, static_cast<std::int32_t>(unsigned{date.month()}) - 1,
+      static_cast<std::int32_t>(unsigned{date.day()}), static_cast<std::int32_t>(time.hours().count()),
+      static_cast<std::int32_t>(time.minutes().count()), static_cast<std::int32_t>(time.seconds().count()),
+      &status);
+  ucal_set(calendar.getAlias(), UCAL_MILLISECOND, static_cast<std::int32_t>(time.subseconds().count()));
+  const auto moment = ucal_getMillis(calendar.getAlias(), &status);
+  if (U_FAILURE(status)) {
+    logError(std::string("ERROR: A date is taken for UTC; the ICU library says ") + u_errorName(status));
+    return Moment(local.time_since_epoch());
+  }
+  return Moment(milliseconds(static_cast<std::int64_t>(moment)));
 }
 
 }  // namespace quorlo

@@ -3,6 +3,7 @@
 #include "macros/date_macro_types.h"
 #include "macros/moment.h"
 
+#include <chrono>
 #include <cstdint>
 
 namespace quorlo {
@@ -16,5 +17,11 @@ struct DateContext;
 // from 1970, which calendars do not reach, the moment is returned as it is.
 Moment dateByAdding(std::int64_t amount, DateAndTimeMacroMathType unit, Moment moment,
                     const DateContext& context);
+
+// The moment at which the Gregorian calendar and the clock in the context's time zone show `local`; of two
+// such moments the first, and where a change of the clock skips it, that which the clock would have shown
+// without.
+Moment momentOfLocalTime(std::chrono::local_time<std::chrono::milliseconds> local,
+                         const DateContext& context);
 
 }  // namespace quorlo

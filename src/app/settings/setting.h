@@ -97,4 +97,8 @@ inline const SettingDescription& describe(Setting setting) {
 // Whether a stored value is one that the setting can have; any other reads as the default.
 bool allows(const SettingDescription& setting, const DefaultsValue& value);
 
+// The stored value, or the default where none is stored or one that the setting cannot have; null where there
+// is none. Holds until the defaults change next.
+const DefaultsValue* currentValue(const UserDefaults& defaults, Setting setting);
+
 }  // namespace quorlo

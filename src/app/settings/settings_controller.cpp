@@ -157,12 +157,16 @@ void SettingsController::setSelectedCategoryUUID(std::optional<std::string> uuid
 }
 
 Date SettingsController::firstLaunch() const {
-  const auto* const stored = value(Setting::firstLaunch);
+  const auto* const stored = currentValue(defaults_, Setting::firstLaunch);
   return stored ? std::get<Date>(*stored) : firstLaunchDefault_;
 }
 
+Date SettingsController::debugEnabledDate() const {
+  return std::get<Date>(*currentValue(defaults_, Setting::debugEnabledDate));
+}
+
 std::optional<std::string> SettingsController::selectedCategoryUUID() const {
-  const auto* const uuid = value(Setting::selectedCategoryUUID);
+  const auto* const uuid = currentValue(defaults_, Setting::selectedCategoryUUID);
   return uuid ? std::optional(std::get<std::string>(*uuid)) : std::nullopt;
 }
 
@@ -201,29 +205,22 @@ void SettingsController::setShowFormatInspector(bool on) {
   notifyChange(Setting::showFormatInspector);
 }
 
-const DefaultsValue* SettingsController::value(Setting setting) const {
-  const auto& description = describe(setting);
-  const auto* const stored = defaults_.value(description.domain, description.key);
-  if (stored && allows(description, *stored)) return stored;
-  return description.defaultValue ? &*description.defaultValue : nullptr;
-}
-
 bool SettingsController::boolean(Setting setting) const {
-  return std::get<bool>(*value(setting));
+  return std::get<bool>(*currentValue(defaults_, setting));
 }
 
 std::int64_t SettingsController::integer(Setting setting) const {
-  return std::get<std::int64_t>(*value(setting));
+  return std::get<std::int64_t>(*currentValue(defaults_, setting));
 }
 
 Seconds SettingsController::delay(Setting setting) const {
-  const auto& seconds = *value(setting);
+  const auto& seconds = *currentValue(defaults_, setting);
   if (const auto* whole = std::get_if<std::int64_t>(&seconds)) return Seconds(static_cast<double>(*whole));
   return Seconds(std::get<double>(seconds));
 }
 
 std::string SettingsController::text(Setting setting) const {
-  return std::get<std::string>(*value(setting));
+  return std::get<std::string>(*currentValue(defaults_, setting));
 }
 
 void SettingsController::store(Setting setting, DefaultsValue newValue) {

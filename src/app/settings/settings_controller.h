@@ -17,7 +17,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace quorlo {
@@ -58,10 +57,6 @@ class SettingsController {
   // Told of every write and of what another process changed, also when the value stayed the same.
   // Settings that share a key are named both.
   Subscription observe(Observer observer);
-
-  // What a setting is now: the stored value, or the default where none is stored or one that the setting
-  // cannot have; null where there is none. Holds until a setting changes next.
-  const DefaultsValue* value(Setting setting) const;
 
   // Abbreviations.
 
@@ -165,7 +160,7 @@ class SettingsController {
   bool debugModeEnabled() const { return boolean(Setting::debugModeEnabled); }
   void setDebugModeEnabled(bool on) { write(Setting::debugModeEnabled, on); }
   // When debug mode was last switched on.
-  Date debugEnabledDate() const { return std::get<Date>(*value(Setting::debugEnabledDate)); }
+  Date debugEnabledDate() const;
   void setDebugEnabledDate(Date moment) { write(Setting::debugEnabledDate, moment); }
 
   // Editor and fill-in window.

@@ -195,4 +195,11 @@ bool allows(const SettingDescription& setting, const DefaultsValue& value) {
   return false;
 }
 
+const DefaultsValue* currentValue(const UserDefaults& defaults, Setting setting) {
+  const auto& description = describe(setting);
+  const auto* const stored = defaults.value(description.domain, description.key);
+  if (stored && allows(description, *stored)) return stored;
+  return description.defaultValue ? &*description.defaultValue : nullptr;
+}
+
 }  // namespace quorlo

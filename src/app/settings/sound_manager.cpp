@@ -94,7 +94,7 @@ void SoundManager::removeCustomSound(const std::string& fileName) {
 }
 
 fs::path SoundManager::customSoundsFolder() {
-  auto folder = environment_.dataDirectory() / "Custom Sounds";
+  auto folder = environment_.dataDirectory() / kCustomSoundsFolder;
   std::error_code failure;
   fs::create_directories(folder, failure);
   if (failure) {

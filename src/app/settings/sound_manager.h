@@ -15,6 +15,9 @@ class BackgroundQueue;
 class Environment;
 class SettingsController;
 
+// Of the user's own sounds, in the user's data folder.
+inline constexpr std::string_view kCustomSoundsFolder = "Custom Sounds";
+
 // The sound of an expansion, and the folder of the user's own sounds. One instance; main thread.
 class SoundManager {
  public:
