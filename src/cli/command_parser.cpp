@@ -64,6 +64,7 @@ CommandParser::CommandParser()
   addListCommand(*this);
   addSearchCommand(*this);
   addShowCommand(*this);
+  addExpandCommand(*this);
   addAddCommand(*this);
   addEditCommand(*this);
   addRemoveCommand(*this);
@@ -73,6 +74,7 @@ CommandParser::CommandParser()
   addExportCommand(*this);
   addStatsCommand(*this);
   section_ = "Program";
+  addSettingsCommands(*this);
   addProgramCommands(*this);
   section_ = "Shell";
   addCompletionCommands(*this);
