@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 namespace quorlo {
@@ -26,7 +25,7 @@ struct Extent {
 // A walk through the objects, each visited once, that keeps the way to where it is.
 class BinaryCheck {
  public:
-  explicit BinaryCheck(BinaryObjects objects) : objects_(std::move(objects)) {}
+  explicit BinaryCheck(const BinaryObjects& objects) : objects_(objects) {}
 
   Status run() {
     if (objects_.count() > kMostPropertyListValues) return tooMuch();
@@ -111,9 +110,8 @@ class BinaryCheck {
 }  // namespace
 
 Status checkBinaryPropertyList(std::string_view bytes) {
-  auto objects = BinaryObjects::open(bytes);
-  if (!objects) return objects.error();
-  return BinaryCheck(std::move(objects).value()).run();
+  const auto objects = BinaryObjects::open(bytes);
+  return objects ? BinaryCheck(objects.value()).run() : Status(objects.error());
 }
 
 }  // namespace quorlo
