@@ -182,8 +182,8 @@ void QLCSVOptionsViewController::confirmOptions() {
         if (!records) return fail(records.error());
         importedRecords_ = std::move(records).value();
         isClosed_ = true;
+        const auto importRecords = importRecords_;  // outlives the controller
         observers_.notify();
-        const auto importRecords = importRecords_;
         importRecords(importedRecords_, importOptions_);
       });
   observers_.notify();
