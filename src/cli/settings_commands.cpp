@@ -18,24 +18,12 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <set>
 #include <system_error>
 
 namespace quorlo {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// Two settings share a key; it is shown once.
-std::vector<Setting> settingsByKey() {
-  std::vector<Setting> settings;
-  std::set<std::string_view> keys;
-  for (std::size_t i = 0; i < kSettingCount; ++i) {
-    const auto setting = static_cast<Setting>(i);
-    if (keys.insert(describe(setting).key).second) settings.push_back(setting);
-  }
-  return settings;
-}
 
 std::string textOf(CommandSession& session, Setting setting) {
   return settingText(describe(setting), currentValue(session.defaults(), setting));

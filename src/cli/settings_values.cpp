@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -162,15 +163,26 @@ Json valueJson(const SettingDescription& setting, const DefaultsValue* value) {
 
 }  // namespace
 
+std::vector<Setting> settingsByKey() {
+  std::vector<Setting> settings;
+  std::set<std::string_view> keys;
+  for (std::size_t i = 0; i < kSettingCount; ++i) {
+    const auto setting = static_cast<Setting>(i);
+    if (keys.insert(describe(setting).key).second) settings.push_back(setting);
+  }
+  return settings;
+}
+
 Result<Setting> settingWithKey(std::string_view key) {
   const auto settings = settingDescriptions();
   const auto found = std::ranges::find_if(settings, [&](const auto& each) { return isSame(each.key, key); });
   if (found != settings.end()) return static_cast<Setting>(found - settings.begin());
   auto message = fmt::format("There is no setting \"{}\".", key);
   std::string similar;
-  for (const auto& each : settings) {
-    const bool isSimilar = !key.empty() && lowerCase(each.key).find(lowerCase(key)) != std::string::npos;
-    if (isSimilar) similar += fmt::format("\n  {}", each.key);
+  for (const auto each : settingsByKey()) {
+    const auto candidate = describe(each).key;
+    const bool isSimilar = !key.empty() && lowerCase(candidate).find(lowerCase(key)) != std::string::npos;
+    if (isSimilar) similar += fmt::format("\n  {}", candidate);
   }
   return Error{message + (similar.empty() ? " To see all: quorlo settings list" : " There are:" + similar)};
 }

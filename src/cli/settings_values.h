@@ -8,11 +8,15 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorlo {
 
 // Settings and their values as the command line writes them: switches as true and false, choices by their
 // names, sets as names with blanks between, delays as seconds.
+
+// All of them; of two that share a key the first.
+std::vector<Setting> settingsByKey();
 
 // Without regard to case; an error that names similar ones where there is none.
 Result<Setting> settingWithKey(std::string_view key);

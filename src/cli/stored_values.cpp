@@ -2,6 +2,7 @@
 
 #include "cli/command_session.h"
 #include "cli/library_access.h"
+#include "cli/settings_values.h"
 #include "cli/terminal_text.h"
 #include "platform/environment.h"
 #include "store/library_editing.h"
@@ -43,9 +44,18 @@ std::vector<Candidate> folders(const ManagedObjectContext& library) {
   return candidates;
 }
 
+std::vector<Candidate> settings() {
+  std::vector<Candidate> candidates;
+  for (const auto each : settingsByKey()) {
+    offer(candidates, std::string(describe(each).key), std::string(describe(each).meaning));
+  }
+  return candidates;
+}
+
 }  // namespace
 
 std::vector<Candidate> storedValues(CommandSession& session, std::string_view type) {
+  if (type == "SETTING") return settings();
   if ((type != "SNIPPET" && type != "TRASHED" && type != "FOLDER") ||
       libraryIsMissing(session.environment())) {
     return {};
