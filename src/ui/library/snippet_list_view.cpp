@@ -5,7 +5,10 @@
 #include "ui/library/snippet_list_model.h"
 #include "ui/qt_text.h"
 
+#include <QDrag>
 #include <QHeaderView>
+#include <QIcon>
+#include <QMimeData>
 
 #include <utility>
 
@@ -20,7 +23,6 @@ SnippetListView::SnippetListView(SnippetListModel& model, SettingsController& se
   setAllColumnsShowFocus(true);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setDragDropMode(QAbstractItemView::DragOnly);
-  setDefaultDropAction(Qt::MoveAction);  // into a folder; other programs copy
   showSortation();  // first: the list sorts by what its header shows, which changes the setting
   setSortingEnabled(true);
   header()->setStretchLastSection(false);
@@ -62,6 +64,18 @@ void SnippetListView::select(const std::vector<std::shared_ptr<QLSnippet>>& snip
   if (rows.isEmpty()) return;
   selectionModel()->setCurrentIndex(rows.first().topLeft(), Flag::NoUpdate);
   scrollTo(rows.first().topLeft());
+}
+
+// A folder moves what it is given, other programs copy it. The picture is small so that it hides no folder.
+void SnippetListView::startDrag(Qt::DropActions actions) {
+  const auto selected = selectedIndexes();
+  auto* const dragged = snippets_.mimeData(selected);
+  if (dragged == nullptr) return;
+  const auto title = selected.front().siblingAtColumn(SnippetListModel::titleColumn);
+  auto* const drag = new QDrag(this);
+  drag->setMimeData(dragged);
+  drag->setPixmap(title.data(Qt::DecorationRole).value<QIcon>().pixmap(24));
+  drag->exec(actions, Qt::MoveAction);
 }
 
 }  // namespace quorlo

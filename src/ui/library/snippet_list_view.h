@@ -26,6 +26,9 @@ class SnippetListView final : public QTreeView {
   // Those that the list shows.
   void select(const std::vector<std::shared_ptr<QLSnippet>>& snippets);
 
+ protected:
+  void startDrag(Qt::DropActions actions) override;
+
  private:
   SnippetListModel& snippets_;
   SettingsController& settings_;
