@@ -27,6 +27,10 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, std::vector<st
   return command.add_option(name, values, description)->check(faultOfText)->type_name(typeName);
 }
 
+bool takesValue(const CLI::Option& option) {
+  return option.get_items_expected_max() > 0;
+}
+
 CLI::Option* addChoice(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string_view>& choices, const std::string& description) {
   std::string names;

@@ -24,6 +24,9 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, std::vector<st
 
 inline constexpr auto kSnippetNameHelp = "Its abbreviation, title or uuid, or the beginning of the uuid";
 
+// Not a flag.
+bool takesValue(const CLI::Option& option);
+
 // One of the choices.
 CLI::Option* addChoice(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string_view>& choices, const std::string& description);

@@ -1,15 +1,20 @@
 #include "cli/command_parser.h"
 
+#include "cli/arguments.h"
 #include "cli/command_output.h"
 #include "cli/command_texts.h"
 #include "cli/commands.h"
+#include "cli/help_formatter.h"
+#include "cli/terminal_text.h"
 
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 namespace quorlo {
@@ -41,12 +46,19 @@ CommandLineExit say(const CLI::App& app, const CLI::ParseError& outcome) {
   return {ExitStatus::done};
 }
 
+// A name with neither an ending nor a folder, that no file has.
+bool isMistypedCommand(const std::string& word) {
+  std::error_code failure;
+  return word.find_first_of("./") == std::string::npos && !std::filesystem::exists(word, failure);
+}
+
 }  // namespace
 
 CommandParser::CommandParser()
     : app_(std::make_unique<CLI::App>("Quorlo expands abbreviations as you type, in any application.",
                                       "quorlo")) {
   app_->set_version_flag("--version", "quorlo " QUORLO_VERSION);
+  app_->formatter(std::make_shared<HelpFormatter>());
   app_->footer(helpFooter());
   app_->require_subcommand(0, 1);
   app_->failure_message([](const CLI::App* app, const CLI::Error& error) {
@@ -55,10 +67,8 @@ CommandParser::CommandParser()
   app_->add_option("files", files_, "Files to open: libraries to take snippets from")->type_name("FILE");
   app_->add_option("--library", library_, "Take the snippets of this JSON file into the library")
       ->type_name("FILE");
-  app_->add_option("--abbreviations", abbreviations_,
-                   "Switch the expansion of abbreviations on or off; alone, changes the setting and ends")
-      ->check(CLI::IsMember({"on", "off"}))
-      ->type_name("on|off");
+  addChoice(*app_, "--abbreviations", abbreviations_, {"on", "off"},
+            "Switch the expansion of abbreviations on or off; alone, changes the setting and ends");
 
   section_ = "Snippets";
   addListCommand(*this);
@@ -92,7 +102,7 @@ CLI::App& CommandParser::add(CLI::App& group, const std::string& name, const std
                              CommandAction action, Json json) {
   auto& command = *group.add_subcommand(name, summary);
   command.footer("");  // that of the whole is passed on
-  command.group(section_);
+  command.group(&group == app_.get() ? section_ : "Commands");
   if (json == Json::offered) command.add_flag("--json", json_, "Print the result as one JSON document");
   actions_.emplace(&command, std::move(action));
   return command;
@@ -127,6 +137,11 @@ CommandLine CommandParser::request() const {
     return CommandRequest{found->second, json_};
   }
   if (&command != app_.get()) return ProgramRequest{command.get_name()};
+  if (const auto word = std::ranges::find_if(files_, isMistypedCommand); word != files_.end()) {
+    std::cerr << "quorlo: There is neither a command nor a file \"" << printable(*word, LineBreaks::shown)
+              << "\".\nTry: quorlo --help\n";
+    return CommandLineExit{ExitStatus::wrongUsage};
+  }
   StartRequest start{{files_.begin(), files_.end()}, {}, {}};
   if (!library_.empty()) start.library = library_;
   if (!abbreviations_.empty()) start.abbreviations = abbreviations_ == "on";

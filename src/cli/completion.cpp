@@ -1,5 +1,7 @@
 #include "cli/completion.h"
 
+#include "cli/arguments.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -28,7 +30,7 @@ void pass(Place& place, const std::string& word) {
     place.optionsAreOver = true;
   } else if (!place.optionsAreOver && word.size() > 1 && word.starts_with('-')) {
     const auto* const option = place.command->get_option_no_throw(word);
-    if (option != nullptr && option->get_type_size() > 0) place.awaiting = option;
+    if (option != nullptr && takesValue(*option)) place.awaiting = option;
   } else if (const auto* inner = place.positionals == 0 ? commandNamed(*place.command, word) : nullptr) {
     place = {inner};
   } else {

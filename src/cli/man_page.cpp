@@ -1,5 +1,6 @@
 #include "cli/man_page.h"
 
+#include "cli/arguments.h"
 #include "cli/command_texts.h"
 
 #include <fmt/format.h>
@@ -52,7 +53,7 @@ std::string paragraphs(const std::string& text) {
 }
 
 std::string typeOf(const CLI::Option& option) {
-  return option.get_type_size() == 0 ? std::string() : italic(option.get_type_name());
+  return takesValue(option) ? italic(option.get_type_name()) : std::string();
 }
 
 // "-f, --folder FOLDER"

@@ -37,6 +37,7 @@ TEST(CommandLineTest, WhatCannotBeMeantIsRefusedAndHelpIsNoFault) {
   EXPECT_EQ(status({"--abbreviations", "perhaps"}), ExitStatus::wrongUsage);
   EXPECT_EQ(status({"--nonsense"}), ExitStatus::wrongUsage);
   EXPECT_EQ(status({"menu", "quit"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"lst"}), ExitStatus::wrongUsage);
   EXPECT_EQ(status({"--help"}), ExitStatus::done);
   EXPECT_EQ(status({"--version"}), ExitStatus::done);
 }

@@ -1,0 +1,109 @@
+#include "cli/shell_test.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace quorlo {
+namespace {
+
+using nlohmann::json;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+class FileCommandsTest : public ShellTest {
+ protected:
+  std::string snippets() const { return out("quorlo list --sort abbreviation | cut -f1-3"); }
+};
+
+TEST_F(FileCommandsTest, ATableIsImportedAsItsColumnsAreNamed) {
+  const struct {
+    const char* table;
+    const char* options;
+    const char* snippets;
+  } cases[] = {
+      {"title,abbreviation,text\nSig,sig,Regards\n", "", "sig\tSig\t\n"},
+      {"Kürzel;Inhalt\nsig;Regards\n", "--folder Old", "sig\tRegards\tOld\n"},
+      {"a;b;c\nRegards;-;sig\n", "--text 1 --abbreviation 3", "sig\tRegards\t\n"},
+      {"Body|Key\nRegards|sig\n", "--separator bar --text body --abbreviation Key", "sig\tRegards\t\n"},
+      {"sig#Regards\nbye#Goodbye\n", "--no-header --separator '#' --abbreviation 1 --text 2",
+       "bye\tGoodbye\t\nsig\tRegards\t\n"},
+  };
+  for (const auto& [table, options, expected] : cases) {
+    out("rm -rf .local");
+    file("table.csv", table);
+    out(std::string("quorlo import table.csv ") + options);
+    EXPECT_EQ(snippets(), expected) << table << options;
+  }
+}
+
+TEST_F(FileCommandsTest, WhatAnImportCannotKeepIsSaidAndADryRunChangesNothing) {
+  out("quorlo add -a sig -t Other");
+  file("table.csv", "abbreviation,text\nsig,Regards\nbye,Goodbye\n");
+  const auto tried = run("quorlo import table.csv --dry-run");
+  EXPECT_EQ(tried.status, 0);
+  EXPECT_THAT(tried.out, HasSubstr("2 snippets would be added"));
+  EXPECT_EQ(snippets(), "sig\tOther\t\n");
+  const auto imported = run("quorlo import table.csv");
+  EXPECT_THAT(imported.out, HasSubstr("2 snippets were added"));
+  EXPECT_THAT(imported.err, AllOf(HasSubstr("Regards"), HasSubstr("sig")));
+  const auto again = json::parse(out("quorlo import table.csv --skip-duplicates --json"));
+  EXPECT_EQ(again["added"], 0);
+  EXPECT_EQ(again["duplicates"], 2);
+}
+
+TEST_F(FileCommandsTest, FilesAndColumnsThatCannotBeReadAreRefusedWithoutALibraryBegun) {
+  file("table.csv", "abbreviation,text\nsig,Regards\n");
+  file("broken.json", "{\"snippets\": [{\"text\": 1}]}");
+  const struct {
+    const char* arguments;
+    int status;
+    const char* said;
+  } cases[] = {
+      {"nowhere.csv", 1, "nowhere.csv"},
+      {"broken.json", 1, "snippets[0].text"},
+      {"table.csv --text Body", 1, "Its columns are: abbreviation, text"},
+      {"table.csv --text 7", 1, "7"},
+      {"table.csv --text 0", 2, "counted from 1"},
+      {"table.csv --no-header --text text", 1, "give the number"},
+      {"table.csv --separator ab", 2, "separator"},
+      {"table.csv --folder ''", 1, "name"},
+      {"", 2, "files"},
+  };
+  for (const auto& [arguments, status, said] : cases) {
+    EXPECT_THAT(complaint(std::string("quorlo import ") + arguments, status), HasSubstr(said)) << arguments;
+  }
+  EXPECT_EQ(out("quorlo list"), "");
+  const auto some = run("quorlo import table.csv broken.json");
+  EXPECT_EQ(some.status, 1);
+  EXPECT_THAT(some.out, HasSubstr("1 snippet was added"));
+  EXPECT_THAT(some.err, HasSubstr("broken.json"));
+}
+
+TEST_F(FileCommandsTest, AnExportMovesTheLibraryToAnotherHome) {
+  out("quorlo add -a sig -t $'Regards\\nAda' -f Letters; quorlo add -a bye -t 'Good\tbye'; quorlo add -t gone -a x");
+  out("quorlo remove x");
+  EXPECT_EQ(out("quorlo export library.json"), "Exported 2 snippets to library.json\n");
+  EXPECT_EQ(out("quorlo export"), content("library.json"));
+  const auto before = out("quorlo list");
+  out("rm -rf .local; quorlo import library.json");
+  EXPECT_EQ(out("quorlo list"), before) << "uuids and folders, too";
+
+  out("quorlo export --folder Letters --format csv > letters.csv; rm -rf .local; quorlo import letters.csv");
+  EXPECT_EQ(out("quorlo show sig --text"), "Regards\nAda\n");
+  EXPECT_EQ(json::parse(out("quorlo export one.json -s sig --json"))["snippets"], 1);
+  EXPECT_THAT(complaint("quorlo export library.txt", 2), HasSubstr("--format"));
+  EXPECT_THAT(complaint("quorlo export --json", 2), HasSubstr("name a file"));
+  EXPECT_THAT(complaint("quorlo export /dev/full --format csv"), HasSubstr("/dev/full"));
+}
+
+TEST_F(FileCommandsTest, CtrlCDuringAnImportLeavesNothingBehind) {
+  out("quorlo add -t first");
+  out("{ echo text; seq 400000; } > long.csv");
+  const auto stopped = run("quorlo import long.csv & sleep 0.3; kill -INT $!; wait $!");
+  EXPECT_THAT(stopped.err, HasSubstr("Nothing was imported"));
+  EXPECT_EQ(stopped.status, 130);
+  EXPECT_EQ(snippets(), "\tfirst\t\n");
+}
+
+}  // namespace
+}  // namespace quorlo
