@@ -87,7 +87,7 @@ TEST(LikeliestSeparator, IsTheCommaUnlessAnotherClearlySplitsBetter) {
       {u"a;b;c\n1,5;2;3\nx;y;z\n", u';'},
       {u"a\tb\nHello, you\tx; y\n", u'\t'},
       {u"a|b|c\n\"x,\n|\"|y|z\n\n", u'|'},
-      {u"a;b\n1;2;3\n4\n", u','},
+      {u"a;b\n1;2\n1;2\nx\n", u','},
       {u"a;b\n" + std::u16string(1 << 19, u'x'), u';'},
   };
   for (const auto& [text, separator] : cases) EXPECT_EQ(likeliestSeparator(text), separator) << toUtf8(text);
