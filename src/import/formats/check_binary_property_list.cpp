@@ -18,8 +18,9 @@ namespace {
 // as it is above a limit.
 struct Extent {
   std::uint64_t values = 0;  // 0 while it is not known
-  std::uint64_t bytes = 0;   // of texts and data
-  std::size_t depth = 0;     // containers, this one too
+  std::uint64_t text = 0;    // bytes
+  std::uint64_t data = 0;
+  std::size_t depth = 0;  // containers, this one too
 };
 
 // A walk through the objects, each visited once, that keeps the way to where it is.
@@ -55,7 +56,8 @@ class BinaryCheck {
                               localizedFormat(u"has more than %d keys", std::int64_t{kMostPropertyListKeys}));
     const std::size_t depth = object.isContainer() ? 1 : 0;
     if (way_.size() + depth > kDeepestPropertyList) return tooDeep(number);
-    extents_[number] = {1, object.isContainer() ? 0 : object.length, depth};
+    extents_[number] = {1, objects_.isText(number) ? object.length : 0,
+                        object.kind == BinaryObject::data ? object.length : 0, depth};
     isOpen_[number] = true;
     way_.push_back({number, object});
     return {};
@@ -86,8 +88,11 @@ class BinaryCheck {
     if (way_.size() + part.depth > kDeepestPropertyList) return tooDeep(child);
     whole.depth = std::max(whole.depth, part.depth + 1);
     whole.values += part.values;
-    whole.bytes += part.bytes;
-    if (whole.values > kMostPropertyListValues || whole.bytes > kLargestPropertyList) return tooMuch();
+    whole.text += part.text;
+    whole.data += part.data;
+    if (whole.values > kMostPropertyListValues || whole.text > kMostPropertyListText ||
+        whole.data > kLargestPropertyList)
+      return tooMuch();
     return {};
   }
 
@@ -96,9 +101,9 @@ class BinaryCheck {
   }
 
   static Error tooMuch() {
-    return {toUtf8(
-        localized(u"The file stands for too much: more than four million values or 256 MiB. Export fewer "
-                  u"snippets at a time."))};
+    return {
+        toUtf8(localized(u"The file stands for too much: more than four million values, 32 MiB of text or "
+                         u"256 MiB of data. Export fewer snippets at a time."))};
   }
 
   BinaryObjects objects_;

@@ -73,11 +73,13 @@ std::u16string literalNotice(LiteralSigns signs) {
 
 void MacroTextWriter::appendText(std::u16string_view text) {
   if (text.empty()) return;
+  size_ += text.size();
   if (pieces_.empty() || pieces_.back().isMacro) pieces_.push_back({{}, false});
   pieces_.back().text += text;
 }
 
 void MacroTextWriter::appendMacro(std::u16string_view markup) {
+  size_ += markup.size();
   pieces_.push_back({std::u16string(markup), true});
 }
 
@@ -85,6 +87,7 @@ MacroTextWriter::Result MacroTextWriter::finish() const {
   JoinedText joined;
   for (const auto& [text, isMacro] : pieces_) joined.append(text, isMacro);
   if (joined.readsAsWritten()) return {std::move(joined.text), LiteralSigns::kept};
+  if (joined.text.size() > kLongestMacroText) return {std::move(joined.text), LiteralSigns::misread};
   JoinedText changed;
   for (const auto& [text, isMacro] : pieces_) {
     if (isMacro) {

@@ -3,6 +3,7 @@
 #include "macros/macro_arguments.h"
 #include "macros/macro_type.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,10 @@ enum class LiteralSigns {
 // What the user should know of it, localised; empty for nothing.
 std::u16string literalNotice(LiteralSigns signs);
 
+// UTF-16 units, far beyond any snippet. A longer text gets no more macros, so that no file of few bytes takes
+// all memory.
+inline constexpr std::size_t kLongestMacroText = std::size_t{4} << 20;
+
 // Puts a snippet's text together from literal text and from macros, so that only the latter read as macros.
 class MacroTextWriter {
  public:
@@ -39,6 +44,9 @@ class MacroTextWriter {
   void appendText(std::u16string_view text);
   void appendMacro(std::u16string_view markup);
 
+  // UTF-16 units so far.
+  std::size_t size() const { return size_; }
+
   Result finish() const;
 
  private:
@@ -48,6 +56,7 @@ class MacroTextWriter {
   };
 
   std::vector<Piece> pieces_;
+  std::size_t size_ = 0;
 };
 
 // A text without macros.

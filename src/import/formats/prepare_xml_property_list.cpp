@@ -145,6 +145,9 @@ class XmlPreparation {
     if ((name == "key" || name == "string") && !toUtf16Strict(text))
       return failureAt(start, u"a text is not in UTF-8", name);
     if (!isContentOf(name, text)) return failureAt(start, u"what stands in <%@> is no such value", name);
+    if (name == "string") textSize_ += text.size();
+    if (textSize_ > kMostPropertyListText)
+      return failureAt(start, u"the file holds more than 32 MiB of text", name);
     writeLeaf(name, text);
     return {};
   }
@@ -240,6 +243,7 @@ class XmlPreparation {
   std::string_view bytes_;
   std::size_t position_ = 0;
   std::size_t values_ = 0;
+  std::size_t textSize_ = 0;
   std::vector<OpenElement> open_;
   bool isClosed_ = false;
   std::string prepared_;

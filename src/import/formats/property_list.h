@@ -50,5 +50,7 @@ inline constexpr std::size_t kLargestPropertyList = std::size_t{256} << 20;  // 
 inline constexpr std::size_t kDeepestPropertyList = 64;                      // arrays and dictionaries
 inline constexpr std::size_t kMostPropertyListValues = 4'000'000;            // keys count as well
 inline constexpr std::size_t kMostPropertyListKeys = 100'000;                // of one dictionary
+inline constexpr std::size_t kMostPropertyListText = std::size_t{32}
+                                                     << 20;  // bytes of all texts, not of data
 
 }  // namespace quorlo

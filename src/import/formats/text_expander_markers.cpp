@@ -18,7 +18,7 @@ namespace {
 constexpr auto kNowhere = std::u16string_view::npos;
 constexpr std::u16string_view kPartEnd = u"%fillpartend%";
 constexpr std::size_t kLongestQuotation = 40;
-constexpr std::size_t kMostNotices = 20;  // of one text
+constexpr std::size_t kMostListed = 20;  // markers of one text
 
 struct KeyName {
   std::u16string_view name;
@@ -64,8 +64,10 @@ class MarkerTranslation {
       appendText(text_.substr(position_, sign - position_));
       position_ = sign;
       if (position_ < text_.size()) translateMarker();
+      if (writer_.size() > kLongestMacroText) break;
     }
     endDate();
+    keepRest();
     auto written = writer_.finish();
     if (auto notice = literalNotice(written.signs); !notice.empty()) addNotice(std::move(notice));
     return {std::move(written.text), std::move(notices_)};
@@ -73,6 +75,12 @@ class MarkerTranslation {
 
  private:
   std::u16string_view rest() const { return text_.substr(position_); }
+
+  void keepRest() {
+    if (rest().empty()) return;
+    writer_.appendText(rest());
+    addNotice(localized(u"The text is too long. The markers at its end were kept as text."));
+  }
 
   // At a percent sign; moves behind what it takes.
   void translateMarker() {
@@ -181,10 +189,19 @@ class MarkerTranslation {
 
   void keep(std::size_t length) {
     const auto marker = rest().substr(0, length);
+    if (kept_.size() <= kMostListed && std::ranges::find(kept_, marker) == kept_.end()) {
+      kept_.push_back(marker);
+      addNotice(kept_.size() > kMostListed
+                    ? localized(u"More markers without a counterpart were kept as text.")
+                    : keptNotice(marker));
+    }
+    takeText(length, marker);
+  }
+
+  static std::u16string keptNotice(std::u16string_view marker) {
     std::u16string quoted(marker.substr(0, kLongestQuotation));
     if (quoted.size() < marker.size()) quoted += u'…';
-    addNotice(localizedFormat(u"“%@” has no counterpart here and was kept as text.", quoted));
-    takeText(length, marker);
+    return localizedFormat(u"“%@” has no counterpart here and was kept as text.", quoted);
   }
 
   void takeText(std::size_t length, std::u16string_view text) {
@@ -215,8 +232,7 @@ class MarkerTranslation {
   }
 
   void addNotice(std::u16string notice) {
-    if (notices_.size() < kMostNotices && std::ranges::find(notices_, notice) == notices_.end())
-      notices_.push_back(std::move(notice));
+    if (std::ranges::find(notices_, notice) == notices_.end()) notices_.push_back(std::move(notice));
   }
 
   std::u16string_view text_;
@@ -226,6 +242,7 @@ class MarkerTranslation {
   DateMacroBuilder date_;
   std::u16string_view separator_;  // between the last date marker and what follows
   std::optional<DateOffsetMarker> offset_;
+  std::vector<std::u16string_view> kept_;  // markers that are listed, each once
   std::vector<std::u16string> notices_;
 };
 

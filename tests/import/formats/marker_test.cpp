@@ -72,6 +72,14 @@ TEST(MarkerTest, WhatHasNoCounterpartStaysTextAndIsListed) {
   }
 }
 
+TEST(MarkerTest, MarkersCannotTakeAllMemory) {
+  std::u16string arrows;
+  for (int i = 0; i < 1'000'000; ++i) arrows += u"%<";
+  const auto translated = translateTextExpanderMarkers(arrows);
+  EXPECT_LT(translated.text.size(), std::size_t{7} << 20);
+  EXPECT_EQ(translated.notices.size(), 1U);
+}
+
 std::string evaluated(const std::u16string& text) {
   static const FakeEnvironment environment;
   static const QLSnippetMacroInterpreter interpreter(environment, [](const auto&) { return std::nullopt; });

@@ -115,6 +115,7 @@ TEST(PropertyListTest, DamagedXmlIsRefusedWithItsLine) {
       {xml("<true/>") + "<true/>", "<true…> does not belong here"},
       {xml(repeated("<array>", 500'000)), "nested too deeply"},
       {xml("<dict>" + repeated("<key>a</key><true/>", 100'001) + "</dict>"), "more than 100,000 keys"},
+      {xml("<string>" + repeated("%z", 1 << 24) + "a</string>"), "more than 32 MiB of text"},
       {xml("<array>" + repeated("<true/>", 4'000'001) + "</array>"), "more than four million values"},
   };
   for (const auto& [bytes, message] : cases) {
