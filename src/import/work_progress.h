@@ -9,7 +9,7 @@ namespace quorlo {
 class WorkProgress {
  public:
   WorkProgress() = default;
-  // A part of `whole`, which it outlives not: its fractions lie between `begin` and `end` of the whole's, and
+  // A part of `whole`, which must outlive it: its fractions lie between `begin` and `end` of the whole's, and
   // it is cancelled with the whole.
   WorkProgress(WorkProgress& whole, double begin, double end) : whole_(&whole), begin_(begin), end_(end) {}
   WorkProgress(const WorkProgress&) = delete;
