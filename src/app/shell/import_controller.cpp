@@ -69,7 +69,9 @@ void ImportController::importFiles(const std::vector<std::filesystem::path>& fil
   for (auto* each : {&others, &tables}) {
     if (!each->files.empty()) jobs_.push_back(std::move(*each));
   }
-  if (stage_ == Stage::idle) beginNext();
+  if (isBusy()) return;
+  report_.reset();
+  close();
 }
 
 void ImportController::beginNext() {

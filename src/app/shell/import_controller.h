@@ -27,8 +27,8 @@ class QLCSVOptionsViewController;
 class SettingsController;
 
 // Leads the user through an import: tables by way of their options, other files at once, then the report,
-// from which the import can be undone. What comes meanwhile waits until the report is closed. One instance;
-// main thread.
+// from which the import can be undone. What comes meanwhile waits until that report is closed; one that is
+// shown already gives way. One instance; main thread.
 class ImportController {
  public:
   struct Dependencies {

@@ -35,9 +35,10 @@ bool mayMakeDuplicate(const HistoryChange& change) {
           }));
 }
 
+// A folder goes after its snippets, which would all have to leave it at once otherwise.
 std::ptrdiff_t placeOf(const HistoryChange& change) {
-  const auto* const entity = std::ranges::find(kReferencedFirst, change.entity);
-  return (change.kind == Kind::deleted ? 0 : kEntityCount) + (entity - kReferencedFirst.begin());
+  const auto entity = std::ranges::find(kReferencedFirst, change.entity) - kReferencedFirst.begin();
+  return change.kind == Kind::deleted ? kEntityCount - entity : kEntityCount + 1 + entity;
 }
 
 }  // namespace

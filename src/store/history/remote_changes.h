@@ -10,7 +10,7 @@ namespace quorlo {
 // What a stretch of history comes to.
 struct RemoteChanges {
   // One for each record, in the order in which they can be taken over part by part: what is gone, then what
-  // others refer to, then those; among each other in the order of their first change.
+  // others refer to, then the others; among each other in the order of their first change.
   std::vector<HistoryChange> records;
   std::vector<std::int64_t> foldersToCheck;  // rows of those that may have become duplicates
 };
