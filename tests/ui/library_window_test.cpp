@@ -13,15 +13,19 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
 #include <QTest>
 #include <QTextDocument>
 #include <QTextEdit>
 #include <QToolBar>
 #include <QTreeView>
+#include <QUrl>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -88,7 +92,12 @@ struct LibraryWindowTest : testing::Test {
   std::shared_ptr<QLCategory> trash = library.folder(CategoryType::Trash, SourceType::General);
   std::shared_ptr<QLSnippet> hello = library.snippet(u"Hello", u"hi");
   std::shared_ptr<QLSnippet> other = library.snippet(u"Other", u"bye");
-  LibraryWindow window{{library.context, settings, navigation,
+  std::vector<std::filesystem::path> imported;
+  ImportDestination importedInto;
+  ExportOffer exported;
+  LibraryWindow window{{library.context,
+                        settings,
+                        navigation,
                         [this](std::u16string_view abbreviation, const QLSnippet& snippet) {
                           return abbreviation == u"bye" && &snippet != other.get()
                                      ? std::optional(std::u16string(u"Taken."))
@@ -98,7 +107,16 @@ struct LibraryWindowTest : testing::Test {
                           return abbreviation == u"hey" ? std::optional(std::u16string(u"Unfortunate."))
                                                         : std::nullopt;
                         },
-                        [] { return std::u16string(u"Untitled"); }, [] {}, {}}};
+                        [] { return std::u16string(u"Untitled"); },
+                        [] {},
+                        {.importFiles =
+                             [this](const auto& files, const ImportOptions& options) {
+                               imported = files;
+                               importedInto = options.destination;
+                             },
+                         .canUndoImport = [] { return false; },
+                         .undoImport = {},
+                         .exportSnippets = [this](const ExportOffer& offer) { exported = offer; }}}};
 };
 
 TEST_F(LibraryWindowTest, WhatIsTypedReachesTheSnippetAndABadAbbreviationIsExplainedAndKeptOut) {
@@ -174,6 +192,38 @@ TEST_F(LibraryWindowTest, SnippetsAreMadeDuplicatedTrashedAndPutBack) {
   settle();
   trigger(QStringLiteral("Put Back"));
   EXPECT_FALSE(hello->deletionDate());
+}
+
+TEST_F(LibraryWindowTest, FilesAreDroppedOnTheWindowOrOnAFolderAndTheSelectionIsOfferedForExport) {
+  QMimeData files;
+  files.setUrls(
+      {QUrl::fromLocalFile(QStringLiteral("/tmp/a b.csv")), QUrl::fromLocalFile(QStringLiteral("/b"))});
+  QDragEnterEvent enter({5, 5}, Qt::CopyAction, &files, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(&window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop({5, 5}, Qt::CopyAction, &files, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(&window, &drop);
+  EXPECT_EQ(imported, (std::vector<std::filesystem::path>{"/tmp/a b.csv", "/b"}));
+  EXPECT_EQ(importedInto, ImportDestination(ImportAsFiled()));
+  imported.clear();
+  auto* const folders = find<QListView>("folders")->model();
+  EXPECT_TRUE(folders->dropMimeData(&files, Qt::CopyAction, -1, -1, folders->index(2, 0)));
+  EXPECT_EQ(imported.size(), 2U);
+  EXPECT_EQ(importedInto, ImportDestination(ImportIntoFolder{letters->uuid()}));
+  imported.clear();
+  QMimeData page;
+  page.setUrls({QUrl(QStringLiteral("https://example.org/a.csv"))});
+  QDropEvent dropOfPage({5, 5}, Qt::CopyAction, &page, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(&window, &dropOfPage);
+  EXPECT_TRUE(imported.empty());
+
+  navigation.setSelectedCategory(letters);
+  navigation.select(hello);
+  settle();
+  trigger(QStringLiteral("Export…"));
+  ASSERT_TRUE(exported.folder);
+  EXPECT_EQ(exported.folder->uuid, letters->uuid());
+  EXPECT_EQ(exported.snippets, std::vector<std::string>{hello->uuid()});
 }
 
 TEST(AttributedDocumentTest, GivesBackFormatsPicturesAndMarks) {

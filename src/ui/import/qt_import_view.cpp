@@ -78,7 +78,7 @@ void QtImportView::chooseReportFile() {
 
 void QtImportView::showMessage(const std::u16string& message, const std::u16string& informativeText) {
   const auto text = informativeText.empty() ? message : message + u"\n\n" + informativeText;
-  auto window = std::make_unique<ReportWindow>(QStringLiteral("Quorlo"), toQString(text),
+  auto window = std::make_unique<ReportWindow>(localizedText(u"Import Snippets"), toQString(text),
                                                std::vector<ReportWindow::Row>());
   QObject::connect(window.get(), &QDialog::finished, &turn_, [this] { later(events_.closeReport); });
   window_ = std::move(window);

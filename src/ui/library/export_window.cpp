@@ -118,7 +118,8 @@ void ExportWindow::chooseFile() {
   connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
     QTimer::singleShot(0, this, [this, file] {
       hide();
-      chosen_(selection(), format(), file.toStdString());
+      const auto chosen = chosen_;  // which may end the window
+      chosen(selection(), format(), file.toStdString());
     });
   });
   dialog->open();
