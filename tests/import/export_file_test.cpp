@@ -142,13 +142,6 @@ TEST(LibraryExport, LeavesTheFormerFileWhenItIsCancelled) {
   EXPECT_FALSE(*world.result);
   EXPECT_EQ(contentOf(world.file), "former");
   EXPECT_EQ(fileCount(world.directory.path()), 2);
-
-  world.result.reset();
-  world.start();
-  world.work.reset();
-  world.settle();
-  EXPECT_FALSE(world.result);
-  EXPECT_EQ(contentOf(world.file), "former");
 }
 
 TEST(LibraryExport, KeepsTheCharactersOfATextWhoseFormatsAreDamagedAndSaysSo) {
