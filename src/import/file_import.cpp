@@ -61,7 +61,7 @@ Status takeLibrary(const std::filesystem::path& file, std::string_view content,
 Result<ImportData> readOther(std::optional<ImportFileKind> kind, const std::filesystem::path& file,
                              std::string_view content) {
   const auto name = file.filename().string();
-  const auto named = [&file](Result<ImportData> data) {
+  const auto named = [&file](const Result<ImportData>& data) {
     return data ? data : Error{file.string() + ": " + data.error().message};
   };
   if (kind == ImportFileKind::textExpander) return named(readTextExpander(content, name));

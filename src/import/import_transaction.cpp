@@ -16,7 +16,6 @@
 #include "text/utf.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 #include <variant>
 
@@ -62,7 +61,7 @@ ImportTransaction::ImportTransaction(const ImportOptions& options, ManagedObject
 }
 
 ImportTransaction::~ImportTransaction() {
-  for (const auto& each : std::views::reverse(inserted_)) context_.deleteObject(*each);
+  for (auto each = inserted_.rbegin(); each != inserted_.rend(); ++each) context_.deleteObject(**each);
 }
 
 Status ImportTransaction::begin() {
