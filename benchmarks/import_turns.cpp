@@ -4,11 +4,11 @@
 
 #include "fakes/fake_environment.h"
 #include "fakes/fake_user_defaults.h"
+#include "fakes/one_thread_queue.h"
 #include "fakes/temporary_directory.h"
 #include "figures.h"
 #include "import/import_report.h"
 #include "import/library_import.h"
-#include "platform/background_queue.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
 #include "store/ql_snippet.h"
@@ -22,7 +22,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace quorlo {
@@ -63,21 +62,6 @@ class MeteredQueue : public PumpedQueue {
   double longest_ = 0;
 };
 
-class OneThread : public BackgroundQueue {
- public:
-  ~OneThread() override { wait(); }
-  void run(std::function<void()> task) override {
-    wait();
-    thread_ = std::thread(std::move(task));
-  }
-
- private:
-  void wait() {
-    if (thread_.joinable()) thread_.join();
-  }
-  std::thread thread_;
-};
-
 std::shared_ptr<const ImportData> records(std::size_t count) {
   auto data = std::make_shared<ImportData>();
   data->folders = {u"Imported"};
@@ -97,7 +81,7 @@ void run(Figures& figures, std::size_t count) {
   FakeEnvironment environment;
   environment.data = directory.path();
   FakeUserDefaults defaults;
-  OneThread background;
+  OneThreadQueue background;
   MeteredQueue queue;
   auto library = PersistenceController::open(queue, environment, {});
   require(library.ok(), "The library cannot be opened.");

@@ -2,9 +2,9 @@
 
 #include "fakes/fake_environment.h"
 #include "fakes/fake_user_defaults.h"
+#include "fakes/one_thread_queue.h"
 #include "fakes/temporary_directory.h"
 #include "import/work_progress.h"
-#include "platform/background_queue.h"
 #include "store/background_context.h"
 #include "store/change_log.h"
 #include "store/history/persistent_history_observer.h"
@@ -21,7 +21,6 @@
 #include <atomic>
 #include <functional>
 #include <optional>
-#include <thread>
 
 namespace quorlo {
 namespace {
@@ -29,21 +28,6 @@ namespace {
 using testing::HasSubstr;
 
 constexpr std::size_t kRecords = 3000;  // several parts of a save and of what is taken over
-
-class OneThread : public BackgroundQueue {
- public:
-  ~OneThread() override { wait(); }
-  void run(std::function<void()> task) override {
-    wait();
-    thread_ = std::thread(std::move(task));
-  }
-
- private:
-  void wait() {
-    if (thread_.joinable()) thread_.join();
-  }
-  std::thread thread_;
-};
 
 // The library of a file as the program has it open, and an import whose clock the test hears: it is asked
 // once when the import begins and once when it saves.
@@ -87,7 +71,7 @@ struct BackgroundImportTest : testing::Test {
   FakeEnvironment environment;
   FakeUserDefaults defaults;
   PumpedQueue queue;
-  OneThread background;
+  OneThreadQueue background;
   std::unique_ptr<PersistenceController> controller;
   std::filesystem::path file;
   std::shared_ptr<ImportData> data = std::make_shared<ImportData>();
@@ -157,16 +141,6 @@ TEST_F(BackgroundImportTest, ImportsOnlyOneAtATimeAndNothingMoreOnceItIsGone) {
   EXPECT_EQ(snippetsInFile(), 1U);
   queue.pump();
   EXPECT_FALSE(outcome);
-}
-
-TEST_F(BackgroundImportTest, HoldsTheFileNoLongerOnceItWasStopped) {
-  onClock = [this](int) { imports->cancel(); };
-  begin();
-  imports->stop();
-  context().insert<QLSnippet>();
-  EXPECT_TRUE(context().save().ok());
-  ASSERT_TRUE(ends());
-  EXPECT_FALSE(*outcome);
 }
 
 }  // namespace
