@@ -140,6 +140,11 @@ void print(CommandSession& session, const ExpandedText& whole, bool asHtml) {
 }
 
 Result<ExitStatus> expand(CommandSession& session, const ExpandOptions& options) {
+  if (!options.snippet && session.canAsk()) {
+    session.note(
+        "Name a snippet, or give a text on standard input; \"-\" reads one that you type, to Ctrl-D.");
+    return ExitStatus::wrongUsage;
+  }
   Library library(session);
   ExpansionRequest request{{}, {}, options.answers, options.clipboard};
   if (const auto read = readSource(session, library, options, request); !read) return read.error();
