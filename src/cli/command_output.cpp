@@ -11,7 +11,7 @@
 namespace quorlo {
 namespace {
 
-constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{64} << 10;
 constexpr std::size_t kUsualColumns = 80;
 
 std::size_t columnsOfEnvironment() {

@@ -116,10 +116,8 @@ CLI::App& CommandParser::addGroup(const std::string& name, const std::string& su
   return group;
 }
 
-void CommandParser::addProgramCommand(const std::string& name, const std::string& summary) {
-  auto& command = *app_->add_subcommand(name, summary);
-  command.footer("");
-  command.group(section_);
+void CommandParser::addProgramCommand(const std::string& name, const std::string& summary, Json json) {
+  actions_.erase(&add(name, summary, {}, json));
 }
 
 CommandLine CommandParser::parse(int argc, const char* const* argv) {
@@ -136,7 +134,7 @@ CommandLine CommandParser::request() const {
   if (const auto found = actions_.find(&command); found != actions_.end()) {
     return CommandRequest{found->second, json_};
   }
-  if (&command != app_.get()) return ProgramRequest{command.get_name()};
+  if (&command != app_.get()) return ProgramRequest{command.get_name(), json_};
   if (const auto word = std::ranges::find_if(files_, isMistypedCommand); word != files_.end()) {
     std::cerr << "quorlo: There is neither a command nor a file \"" << printable(*word, LineBreaks::shown)
               << "\".\nTry: quorlo --help\n";

@@ -36,6 +36,7 @@ struct StartRequest {
 // "menu", "quit", "status" or "doctor".
 struct ProgramRequest {
   std::string command;
+  bool json = false;
 };
 
 struct CommandRequest {
@@ -74,7 +75,7 @@ class CommandParser {
                 Json json = Json::offered);
   CLI::App& addGroup(const std::string& name, const std::string& summary);
   // One that the program carries out itself.
-  void addProgramCommand(const std::string& name, const std::string& summary);
+  void addProgramCommand(const std::string& name, const std::string& summary, Json json);
 
  private:
   CommandLine request() const;

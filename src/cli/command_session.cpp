@@ -25,7 +25,7 @@
 namespace quorlo {
 namespace {
 
-constexpr std::size_t kLargestInput = 256 * 1024 * 1024;
+constexpr std::size_t kLargestInput = std::size_t{256} << 20;
 
 // A command is over before anything delayed would be due.
 class NoLaterQueue final : public MainQueue {
@@ -111,7 +111,7 @@ bool CommandSession::confirm(std::string_view question) {
 
 Result<std::string> CommandSession::readInput() {
   std::string input;
-  std::array<char, 64 * 1024> block{};
+  std::array<char, 0x10000> block{};
   for (;;) {
     const auto count = ::read(STDIN_FILENO, block.data(), block.size());
     if (count == 0) return input;

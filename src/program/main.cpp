@@ -53,7 +53,8 @@ int main(int argc, char** argv) {
   if (const auto* command = std::get_if<CommandRequest>(&parsed)) return runCommand(*command);
   if (const auto* request = std::get_if<ProgramRequest>(&parsed)) {
     const QCoreApplication application(argc, argv);
-    return request->command == "doctor" ? runDoctor() : runInstanceCommand(request->command);
+    return request->command == "doctor" ? runDoctor(request->json)
+                                        : runInstanceCommand(request->command, request->json);
   }
   const auto& start = std::get<StartRequest>(parsed);
   if (start.onlyChangesSettings()) {

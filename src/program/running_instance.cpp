@@ -9,6 +9,8 @@
 #include <QUrl>
 #include <QVariant>
 
+#include <nlohmann/json.hpp>
+
 #include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -54,6 +56,20 @@ Status statusOf(const Result<QDBusMessage>& answer) {
   return answer ? Status() : Status(answer.error());
 }
 
+int printStatus(const Result<std::string>& status, bool json) {
+  const auto& text = status ? status.value() : status.error().message;
+  if (json) {
+    std::cout << nlohmann::ordered_json{{"isRunning", status.ok()}, {"text", text}}.dump(
+                     2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+              << "\n";
+  } else if (status) {
+    std::cout << text;
+  } else {
+    std::cerr << "quorlo: " << text << "\n";
+  }
+  return status ? 0 : 1;
+}
+
 }  // namespace
 
 bool RunningInstance::isThere() const {
@@ -97,21 +113,10 @@ Status RunningInstance::quit() const {
   return {};
 }
 
-int runInstanceCommand(std::string_view command) {
+int runInstanceCommand(std::string_view command, bool json) {
   const RunningInstance instance;
-  Status done;
-  if (command == "status") {
-    const auto status = instance.status();
-    if (status) {
-      std::cout << status.value();
-    } else {
-      done = status.error();
-    }
-  } else if (command == "quit") {
-    done = instance.quit();
-  } else {
-    done = instance.activateAction(command);
-  }
+  if (command == "status") return printStatus(instance.status(), json);
+  const auto done = command == "quit" ? instance.quit() : instance.activateAction(command);
   if (!done) std::cerr << "quorlo: " << done.error().message << "\n";
   return done ? 0 : 1;
 }

@@ -25,6 +25,6 @@ class RunningInstance {
 };
 
 // `quorlo menu`, `quit` and `status`: does it, prints what there is to say; the exit status.
-int runInstanceCommand(std::string_view command);
+int runInstanceCommand(std::string_view command, bool json);
 
 }  // namespace quorlo

@@ -25,6 +25,7 @@ TEST(CommandLineTest, ASwitchAloneChangesTheSettingAndWithALibraryRuns) {
 
 TEST(CommandLineTest, TellsCommandsFromFiles) {
   EXPECT_EQ(std::get<ProgramRequest>(parse({"menu"})).command, "menu");
+  EXPECT_TRUE(std::get<ProgramRequest>(parse({"status", "--json"})).json);
   EXPECT_TRUE(std::get<CommandRequest>(parse({"list", "--json"})).json);
   const auto opening = std::get<StartRequest>(parse({"mine.json", "menu.json"}));
   EXPECT_EQ(opening.files, (std::vector<std::filesystem::path>{"mine.json", "menu.json"}));

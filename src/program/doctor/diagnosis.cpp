@@ -4,9 +4,11 @@
 #include "text/utf.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace quorlo {
 namespace {
@@ -138,6 +140,18 @@ std::string report(const std::vector<Finding>& findings) {
           : problems == 1 ? "One problem was found.\n"
                           : fmt::format("{} problems were found.\n", problems);
   return text;
+}
+
+std::string jsonReport(const std::vector<Finding>& findings) {
+  auto list = nlohmann::ordered_json::array();
+  for (const auto& [level, what, remedy] : findings) {
+    const char* const name = level == Level::fine ? "fine" : level == Level::note ? "note" : "problem";
+    list.push_back({{"level", name}, {"text", what}, {"remedy", remedy}});
+  }
+  // Names of files may be of any bytes.
+  return nlohmann::ordered_json{{"findings", std::move(list)}}.dump(
+             2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) +
+         "\n";
 }
 
 }  // namespace quorlo

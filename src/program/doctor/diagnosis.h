@@ -41,5 +41,7 @@ std::vector<Finding> diagnose(const SessionFacts& facts);
 
 // One finding after the other, for a terminal.
 std::string report(const std::vector<Finding>& findings);
+// The same as a JSON document (docs/formats.md).
+std::string jsonReport(const std::vector<Finding>& findings);
 
 }  // namespace quorlo

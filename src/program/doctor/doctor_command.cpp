@@ -13,7 +13,7 @@
 
 namespace quorlo {
 
-int runDoctor() {
+int runDoctor(bool json) {
   QtMainQueue queue;
   const std::filesystem::path programDirectory = QCoreApplication::applicationDirPath().toStdString();
   const SystemEnvironment environment{programDirectory};
@@ -24,7 +24,7 @@ int runDoctor() {
                                     programDirectory / "quorlo");
   const auto findings = diagnose(gatherFacts(
       {environment, settings, launchAtLogin, queue, environment.configDirectory(), programDirectory}));
-  std::cout << report(findings);
+  std::cout << (json ? jsonReport(findings) : report(findings));
   return std::ranges::any_of(findings,
                              [](const Finding& each) { return each.level == Finding::Level::problem; });
 }

@@ -26,6 +26,6 @@ struct SessionPlaces {
 SessionFacts gatherFacts(const SessionPlaces& places);
 
 // `quorlo doctor`: prints what is found; 0 when nothing keeps Quorlo from working, else 1.
-int runDoctor();
+int runDoctor(bool json);
 
 }  // namespace quorlo
