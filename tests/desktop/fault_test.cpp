@@ -85,7 +85,7 @@ TEST_F(DesktopFaultTest, ASecondQuorloHandsItsLibraryToTheOneThatRunsAndEnds) {
   const auto second = run({"--library", file("second.json", libraryOf({{"omw", "On my way!"}}))});
   EXPECT_EQ(second.status, 0) << second.message;
   EXPECT_NE(second.message.find("already"), std::string::npos) << second.message;
-  EXPECT_TRUE(waitUntil([&] { return quorlo().log().find("Added 1 snippets") != std::string::npos; }));
+  EXPECT_TRUE(waitUntil([&] { return quorlo().log().find("Imported 1 snippets") != std::string::npos; }));
   Mousepad editor(desktop());
   type("brb omw .");
   EXPECT_EQ(editor.textOnceItIs("be right back On my way! ."), "be right back On my way! .");

@@ -3,6 +3,7 @@
 #include "app/shell/import_view.h"
 #include "app/shell/navigation_model.h"
 #include "base/localized.h"
+#include "base/log.h"
 #include "import/csv/ql_csv_options_view_controller.h"
 #include "import/file_import.h"
 #include "import/library_import.h"
@@ -13,6 +14,8 @@
 #include "store/ql_category.h"
 #include "store/ql_snippet.h"
 #include "text/utf.h"
+
+#include <fmt/format.h>
 
 #include <cstdint>
 #include <utility>
@@ -106,6 +109,7 @@ void ImportController::didImport(const Result<ImportReport>& result) {
   if (!result && its_.libraryImport.progress().isCancelled()) return close();
   if (!result) return showMessage(localized(u"The import failed."), toUtf16(result.error().message));
   report_ = std::make_shared<const ImportReport>(result.value());
+  logInfo(fmt::format("Imported {} snippets.", report_->addedSnippets));
   if (report_->addedNothing() && report_->notices.empty() && !report_->refusedFiles.empty()) {
     return showMessage(localized(u"Nothing was imported."), reasons(report_->refusedFiles));
   }
