@@ -50,7 +50,7 @@ QTableWidget* makeList(const std::vector<ReportWindow::Row>& rows) {
 
 }  // namespace
 
-ReportWindow::ReportWindow(const QString& title, const QString& summary, std::vector<Row> rows,
+ReportWindow::ReportWindow(const QString& title, const QString& summary, const std::vector<Row>& rows,
                            QWidget* parent)
     : QDialog(parent, Qt::Window), buttons_(new QDialogButtonBox) {
   setWindowTitle(title);

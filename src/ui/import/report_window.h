@@ -17,7 +17,7 @@ class ReportWindow final : public QDialog {
   using Row = std::pair<QString, QString>;  // what it is about; may be empty, and what is to be said
 
   // With "Close" alone. Done with, it is hidden and `finished` emitted.
-  ReportWindow(const QString& title, const QString& summary, std::vector<Row> rows,
+  ReportWindow(const QString& title, const QString& summary, const std::vector<Row>& rows,
                QWidget* parent = nullptr);
 
   // Buttons do not close the window.

@@ -74,6 +74,7 @@ QWidget* ExportWindow::makeSelectionPart() {
                                 : localizedText(u"The %1 selected snippets")
                                       .arg(QLocale().toString(static_cast<qulonglong>(count))));
   snippets_->setEnabled(count > 0);
+  snippets_->setVisible(count > 0);
   for (auto* const each : {library_, folder_, snippets_}) column->addWidget(each);
   (count > 1 ? snippets_ : library_)->setChecked(true);  // one is always selected
   return part;

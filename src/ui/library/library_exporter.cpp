@@ -75,7 +75,7 @@ void LibraryExporter::showResult(const Result<ExportReport>& result, const std::
   const auto summary = result ? summaryOf(result.value(), file)
                               : localizedText(u"Nothing was exported.") + QLatin1Char('\n') +
                                     QString::fromStdString(result.error().message);
-  auto report = std::make_unique<ReportWindow>(localizedText(u"Export"), summary, std::move(rows));
+  auto report = std::make_unique<ReportWindow>(localizedText(u"Export"), summary, rows);
   report->present();
   window_ = std::move(report);
 }
