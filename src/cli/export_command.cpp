@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/folder_names.h"
 #include "cli/interruption.h"
+#include "cli/library_access.h"
 #include "cli/snippet_names.h"
 #include "import/export/export_library.h"
 #include "import/work_progress.h"
@@ -80,6 +81,10 @@ Result<ExitStatus> exportAndReport(CommandSession& session, const ExportArgument
   if (session.json() && arguments.isToOutput()) {
     session.note("With --json the report goes to standard output: name a file for the export.");
     return ExitStatus::wrongUsage;
+  }
+  // An earlier export is worth more than an empty document.
+  if (libraryIsMissing(session.environment())) {
+    return Error{"There is no library yet, so nothing was exported."};
   }
   const auto library = session.openLibrary();
   if (!library) return library.error();

@@ -94,6 +94,9 @@ TEST_F(FileCommandsTest, AnExportMovesTheLibraryToAnotherHome) {
   EXPECT_THAT(complaint("quorlo export library.txt", 2), HasSubstr("--format"));
   EXPECT_THAT(complaint("quorlo export --json", 2), HasSubstr("name a file"));
   EXPECT_THAT(complaint("quorlo export /dev/full --format csv"), HasSubstr("/dev/full"));
+  const auto earlier = content("library.json");
+  EXPECT_THAT(complaint("rm -rf .local; quorlo export library.json"), HasSubstr("no library"));
+  EXPECT_EQ(content("library.json"), earlier);
 }
 
 TEST_F(FileCommandsTest, CtrlCDuringAnImportLeavesNothingBehind) {
