@@ -31,7 +31,7 @@ Error ofNoKind(const std::filesystem::path& file) {
 
 // It says what it is by its keys alone: each reader refuses what it does not know, or finds nothing in it.
 Result<ImportData> readAnyPropertyList(const std::filesystem::path& file, std::string_view content) {
-  for (const auto read : {readTextExpander, readTypeIt4Me, readClipping}) {
+  for (const auto read : {readTextExpander, readClipping, readTypeIt4Me}) {
     auto data = read(content, file.filename().string());
     if (data && !data.value().snippets.empty()) return data;
   }

@@ -2,6 +2,7 @@
 
 #include "store/ql_category.h"
 #include "ui/library/dropped_files.h"
+#include "ui/mnemonics.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
@@ -40,8 +41,10 @@ LibraryFiles::LibraryFiles(QMainWindow& window, LibraryFileServices services,
 
 void LibraryFiles::addMenuTo(QToolBar& bar) {
   auto* const menu = new QMenu(&bar);
+  QSet<QChar> mnemonics;
   const auto add = [&](QStringView icon, std::u16string_view name, const QKeySequence& keys, auto act) {
-    auto* const action = menu->addAction(symbol(icon), localizedText(name), this, act);
+    auto* const action =
+        menu->addAction(symbol(icon), withMnemonic(localizedText(name), mnemonics), this, act);
     action->setShortcut(keys);
     window_.addAction(action);
     return action;
