@@ -70,7 +70,8 @@ struct LibraryWindowTest : testing::Test {
   }
   void trigger(const QString& name) {
     for (auto* action : window.actions()) {
-      if (action->text() == name && action->isEnabled()) action->trigger();
+      const auto shown = action->text().remove(QLatin1Char('&'));
+      if (shown == name && action->isEnabled()) action->trigger();
     }
     settle();
   }

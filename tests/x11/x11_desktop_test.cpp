@@ -33,6 +33,12 @@ std::string frontmost(const Workspace& workspace) {
   return "none";
 }
 
+// The adapter does not wait long for a server that a busy machine keeps from answering.
+std::string frontmostOnceAnswered(const Workspace& workspace) {
+  waitUntil([&] { return frontmost(workspace) != "none"; }, std::chrono::seconds(2));
+  return frontmost(workspace);
+}
+
 std::unique_ptr<X11Desktop> connectTo(const std::string& display, MainQueue& queue,
                                       std::function<void()> lost = {}) {
   X11Desktop::Options options;
@@ -91,12 +97,12 @@ TEST(X11DesktopTest, TheActiveApplicationIsKnownAsSoonAsTheWindowManagerKnowsIt)
   const auto observation = workspace->observeActiveWindow([&] { ++changes; });
   for (int i = 0; i < 20; ++i) {
     terminal.activate();
-    EXPECT_EQ(frontmost(*workspace), "debian-xterm");
+    EXPECT_EQ(frontmostOnceAnswered(*workspace), "debian-xterm");
     EXPECT_EQ(workspace->activeWindow().window, terminal.window());
     EXPECT_EQ(workspace->activeWindow().windowClass, "XTerm");
     EXPECT_EQ(workspace->activeWindow().processIdentifier, terminal.process().pid());
     editor.activate();
-    EXPECT_EQ(frontmost(*workspace), "org.xfce.mousepad");
+    EXPECT_EQ(frontmostOnceAnswered(*workspace), "org.xfce.mousepad");
   }
 
   OwnWindow own(desktop.display());

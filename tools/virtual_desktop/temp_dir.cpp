@@ -1,15 +1,32 @@
 #include "virtual_desktop/temp_dir.h"
 
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 namespace quorlo {
 
+namespace {
+
+// In memory where the system has such a place: a disk that is busy for seconds would hold up the programs on
+// the desktop, and with them what is tried there.
+std::filesystem::path parent() {
+  const std::filesystem::path memory = "/dev/shm";
+  constexpr std::uintmax_t kRoom = std::uintmax_t{1} << 30;
+  std::error_code failed;
+  const auto space = std::filesystem::space(memory, failed);
+  return !failed && space.available >= kRoom ? memory : std::filesystem::temp_directory_path();
+}
+
+}  // namespace
+
 TempDir::TempDir() {
-  std::string pattern = std::filesystem::temp_directory_path() / "quorlo-XXXXXX";
+  std::string pattern = parent() / "quorlo-XXXXXX";
   if (!mkdtemp(pattern.data())) throw std::runtime_error("Cannot create a directory like " + pattern);
   path_ = pattern;
 }
