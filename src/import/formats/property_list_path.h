@@ -36,6 +36,17 @@ Result<const std::u16string*> textAt(const PropertyList& dictionary, std::string
 Result<std::optional<std::int64_t>> integerAt(const PropertyList& dictionary, std::string_view key,
                                               const PropertyListPath& path);
 
+// Calls `visit(element, path)` for each element of the list that stands at the path, until one fails. A value
+// of another kind has no elements.
+template <class Visit>
+Status forEachElement(const PropertyList& list, const PropertyListPath& path, Visit visit) {
+  const auto* const elements = list.as<PropertyList::Array>();
+  for (std::size_t i = 0; elements != nullptr && i < elements->size(); ++i) {
+    if (auto visited = visit((*elements)[i], PropertyListPath(path, i)); !visited) return visited;
+  }
+  return {};
+}
+
 // That a value of one kind stands where another belongs. `expected` is localised.
 Error wrongKind(const PropertyList& value, const PropertyListPath& path, std::u16string_view expected);
 

@@ -63,14 +63,12 @@ class TypeIt4MeReader {
  private:
   // Recurses no deeper than a property list may be nested.
   Status visit(const PropertyList& list, const std::u16string& folder, const PropertyListPath& path) {
-    if (const auto* array = list.as<PropertyList::Array>()) {
-      for (std::size_t i = 0; i < array->size(); ++i) {
-        if (auto visited = visit((*array)[i], folder, {path, i}); !visited) return visited;
-      }
-      return {};
-    }
     const auto* const dictionary = list.as<PropertyList::Dictionary>();
-    return dictionary ? visitDictionary(list, *dictionary, folder, path) : Status();
+    if (!dictionary) {
+      return forEachElement(list, path,
+                            [&](const auto& element, const auto& at) { return visit(element, folder, at); });
+    }
+    return visitDictionary(list, *dictionary, folder, path);
   }
 
   Status visitDictionary(const PropertyList& list, const PropertyList::Dictionary& dictionary,
