@@ -4,7 +4,7 @@
 #include "platform/event_tap.h"
 #include "platform/main_queue.h"
 #include "virtual_desktop/virtual_desktop.h"
-#include "x11/keyboard_service.h"
+#include "x11/keyboard/keyboard_service.h"
 
 #include <poll.h>
 #include <xcb/xcb.h>

@@ -2,7 +2,7 @@
 
 #include "base/life_token.h"
 #include "base/subscription.h"
-#include "engine/paste_controller.h"
+#include "engine/paste/paste_controller.h"
 #include "platform/event_tap.h"
 #include "text/graphemes.h"
 

@@ -9,7 +9,7 @@
 #include "program/termination_signals.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
-#include "x11/x_connection.h"
+#include "x11/connection/x_connection.h"
 
 #include <QApplication>
 #include <QMessageBox>

@@ -13,9 +13,9 @@
 #include "base/localized.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
-#include "engine/fill_in_controller.h"
-#include "engine/macro_preparation.h"
-#include "engine/paste_controller.h"
+#include "engine/fill_in/fill_in_controller.h"
+#include "engine/paste/macro_preparation.h"
+#include "engine/paste/paste_controller.h"
 #include "import/export/library_export.h"
 #include "import/library_import.h"
 #include "macros/ql_snippet_macro_interpreter.h"
@@ -47,7 +47,7 @@
 #include "ui/screen_lock.h"
 #include "ui/thread_background_queue.h"
 #include "ui/tray/qt_status_item.h"
-#include "x11/x11_desktop.h"
+#include "x11/desktop/x11_desktop.h"
 
 #include <QCoreApplication>
 

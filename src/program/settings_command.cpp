@@ -5,7 +5,7 @@
 #include "platform/system_environment.h"
 #include "ui/file_user_defaults.h"
 #include "ui/qt_main_queue.h"
-#include "x11/x11_desktop.h"
+#include "x11/desktop/x11_desktop.h"
 
 #include <QCoreApplication>
 

@@ -5,7 +5,7 @@
 #include "base/fatal.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
-#include "engine/paste_controller.h"
+#include "engine/paste/paste_controller.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "store/persistence_controller.h"
 

@@ -1,7 +1,7 @@
 #include "ui/fill_in_fields.h"
 
 #include "base/localized.h"
-#include "engine/fill_in_session.h"
+#include "engine/fill_in/fill_in_session.h"
 #include "macros/macro_arguments.h"
 #include "ui/qt_text.h"
 #include "ui/text_answer_edit.h"

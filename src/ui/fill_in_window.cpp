@@ -1,7 +1,7 @@
 #include "ui/fill_in_window.h"
 
 #include "app/settings/settings_controller.h"
-#include "engine/fill_in_session.h"
+#include "engine/fill_in/fill_in_session.h"
 #include "text/html_writer.h"
 #include "ui/fill_in_fields.h"
 #include "ui/qt_text.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/fill_in_view.h"
+#include "engine/fill_in/fill_in_view.h"
 
 #include <memory>
 

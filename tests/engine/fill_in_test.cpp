@@ -1,6 +1,6 @@
 #include "app/settings/settings_controller.h"
-#include "engine/fill_in_controller.h"
-#include "engine/fill_in_session.h"
+#include "engine/fill_in/fill_in_controller.h"
+#include "engine/fill_in/fill_in_session.h"
 #include "fakes/fake_desktop.h"
 #include "fakes/fake_environment.h"
 #include "fakes/fake_target_focus.h"

@@ -1,8 +1,8 @@
-#include "engine/paste_controller.h"
+#include "engine/paste/paste_controller.h"
 
 #include "base/log.h"
 #include "engine/expansion_world.h"
-#include "engine/piece_contents.h"
+#include "engine/paste/piece_contents.h"
 #include "store/snippet_type.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/fill_in_prompt.h"
+#include "engine/fill_in/fill_in_prompt.h"
 #include "platform/main_queue.h"
 
 #include <optional>

@@ -1,6 +1,6 @@
 #include "ui/fill_in_window.h"
 #include "app/settings/settings_controller.h"
-#include "engine/fill_in_session.h"
+#include "engine/fill_in/fill_in_session.h"
 #include "fakes/fake_environment.h"
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_user_defaults.h"

@@ -1,8 +1,8 @@
-#include "x11/desktop_files.h"
+#include "x11/desktop/desktop_files.h"
 
 #include "virtual_desktop/temp_dir.h"
 #include "virtual_desktop/wait.h"
-#include "x11/open_url.h"
+#include "x11/desktop/open_url.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The tap on a real X server: a virtual keyboard types, a window writes down what arrives.
+#include "x11/desktop/paste_chords.h"
+#include "x11/keyboard/x11_event_poster.h"
 #include "x11/keyboard_desktop.h"
-#include "x11/paste_chords.h"
-#include "x11/x11_event_poster.h"
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>

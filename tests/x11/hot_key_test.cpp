@@ -1,8 +1,8 @@
 // Hot keys on a real X server, with the tap at work and without it.
 #include "platform/hot_key_contract.h"
+#include "x11/desktop/x11_hot_key_center.h"
+#include "x11/keyboard/x11_keyboard_layout.h"
 #include "x11/keyboard_desktop.h"
-#include "x11/x11_hot_key_center.h"
-#include "x11/x11_keyboard_layout.h"
 
 #include <algorithm>
 

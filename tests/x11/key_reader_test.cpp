@@ -1,4 +1,4 @@
-#include "x11/key_reader.h"
+#include "x11/keyboard/key_reader.h"
 
 #include "text/utf.h"
 

@@ -1,7 +1,7 @@
-#include "x11/key_stream.h"
+#include "x11/keyboard/key_stream.h"
 
+#include "x11/keyboard/tap_conversation.h"
 #include "x11/pumped_queue.h"
-#include "x11/tap_conversation.h"
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon.h>

@@ -3,10 +3,10 @@
 #include "platform/event_tap.h"
 #include "virtual_desktop/virtual_desktop.h"
 #include "virtual_desktop/wait.h"
-#include "x11/key_reader.h"
-#include "x11/keyboard_service.h"
+#include "x11/connection/x_connection.h"
+#include "x11/keyboard/key_reader.h"
+#include "x11/keyboard/keyboard_service.h"
 #include "x11/pumped_queue.h"
-#include "x11/x_connection.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "x11/paste_chords.h"
+#include "x11/desktop/paste_chords.h"
 
 #include "virtual_desktop/temp_dir.h"
 

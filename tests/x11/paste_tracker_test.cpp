@@ -1,6 +1,6 @@
-#include "x11/paste_tracker.h"
+#include "x11/selection/paste_tracker.h"
 
-#include "x11/selection_offer.h"
+#include "x11/selection/selection_offer.h"
 
 #include <gtest/gtest.h>
 

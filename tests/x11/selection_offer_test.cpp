@@ -1,4 +1,4 @@
-#include "x11/selection_offer.h"
+#include "x11/selection/selection_offer.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/pasteboard.h"
-#include "x11/x_connection.h"
+#include "x11/connection/x_connection.h"
 
 #include <functional>
 #include <map>

@@ -1,7 +1,7 @@
 // A program with a tap that passes every key, to be stopped and killed by tests.
 //
 // Usage: tap-holder DISPLAY GUARD
-#include "x11/keyboard_service.h"
+#include "x11/keyboard/keyboard_service.h"
 #include "x11/pumped_queue.h"
 
 #include <cstdio>

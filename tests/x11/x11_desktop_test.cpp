@@ -1,4 +1,4 @@
-#include "x11/x11_desktop.h"
+#include "x11/desktop/x11_desktop.h"
 
 #include "base/log.h"
 #include "platform/accessibility_trust.h"
@@ -9,9 +9,9 @@
 #include "platform/workspace.h"
 #include "virtual_desktop/applications.h"
 #include "virtual_desktop/virtual_desktop.h"
+#include "x11/desktop/x11_target_focus.h"
+#include "x11/desktop/x11_workspace.h"
 #include "x11/pumped_queue.h"
-#include "x11/x11_target_focus.h"
-#include "x11/x11_workspace.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "x11/x11_pasteboard.h"
+#include "x11/selection/x11_pasteboard.h"
 
 #include "base/log.h"
 #include "platform/pasteboard_contract.h"

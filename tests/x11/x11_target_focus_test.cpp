@@ -1,9 +1,9 @@
-#include "x11/x11_target_focus.h"
+#include "x11/desktop/x11_target_focus.h"
 
 #include "virtual_desktop/temp_dir.h"
 #include "virtual_desktop/xorg_server.h"
+#include "x11/desktop/x11_workspace.h"
 #include "x11/pumped_queue.h"
-#include "x11/x11_workspace.h"
 
 #include <gtest/gtest.h>
 

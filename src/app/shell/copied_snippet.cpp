@@ -1,6 +1,6 @@
 #include "app/shell/copied_snippet.h"
 
-#include "engine/piece_contents.h"
+#include "engine/paste/piece_contents.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "store/ql_snippet.h"
 

@@ -7,7 +7,7 @@
 #include "app/shell/snippet_menu_view.h"
 #include "app/shell/status_item_menu.h"
 #include "base/log.h"
-#include "engine/paste_controller.h"
+#include "engine/paste/paste_controller.h"
 #include "platform/own_application.h"
 #include "platform/status_item.h"
 #include "platform/target_focus.h"

@@ -6,9 +6,9 @@
 #include "platform/environment.h"
 #include "program/doctor/library_check.h"
 #include "program/running_instance.h"
-#include "x11/selection_program.h"
-#include "x11/x11_desktop.h"
-#include "x11/x_connection.h"
+#include "x11/connection/x_connection.h"
+#include "x11/desktop/x11_desktop.h"
+#include "x11/selection/selection_program.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

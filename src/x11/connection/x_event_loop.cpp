@@ -1,0 +1,144 @@
+#include "x11/connection/x_event_loop.h"
+
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <condition_variable>
+#include <memory>
+
+namespace quorlo {
+
+XEventLoop::XEventLoop(XConnection& connection, std::string threadName)
+    : connection_(connection),
+      threadName_(std::move(threadName)),
+      wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+XEventLoop::~XEventLoop() {
+  stop();
+  close(wakeUp_);
+}
+
+void XEventLoop::start(EventHandler onEvent, Task onConnectionLost) {
+  onEvent_ = std::move(onEvent);
+  onConnectionLost_ = std::move(onConnectionLost);
+  thread_ = std::thread([this] { run(); });
+  pthread_setname_np(thread_.native_handle(), threadName_.c_str());
+}
+
+void XEventLoop::stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  eventfd_write(wakeUp_, 1);
+  if (thread_.joinable()) thread_.join();
+}
+
+void XEventLoop::post(Task task) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (stopping_) return;
+    tasks_.push_back(std::move(task));
+  }
+  eventfd_write(wakeUp_, 1);
+}
+
+bool XEventLoop::postAndWait(Task task, std::chrono::milliseconds atMost) {
+  struct Done {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool yes = false;
+  };
+  const auto done = std::make_shared<Done>();
+  post([done, task = std::move(task)] {
+    task();
+    const std::lock_guard lock(done->mutex);
+    done->yes = true;
+    done->changed.notify_one();
+  });
+  std::unique_lock lock(done->mutex);
+  return done->changed.wait_until(lock, Clock::now() + atMost, [&] { return done->yes; });
+}
+
+bool XEventLoop::catchUp(std::chrono::milliseconds atMost) {
+  // In this order: what the thread has taken from the connection in between it has taken while busy.
+  pollfd connection{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+  const bool hasArrivals = poll(&connection, 1, 0) > 0;
+  if (!hasArrivals && !busy_) return true;
+  return postAndWait([this] { readEvents(); }, atMost);
+}
+
+XEventLoop::TimerId XEventLoop::runAt(Clock::time_point due, Task task) {
+  timers_.emplace(std::pair(due, ++lastTimer_), std::move(task));
+  return lastTimer_;
+}
+
+void XEventLoop::cancel(TimerId timer) {
+  std::erase_if(timers_, [timer](const auto& entry) { return entry.first.second == timer; });
+}
+
+void XEventLoop::run() {
+  while (true) {
+    readEvents();
+    runTasks();
+    const int timeout = runDueTimers();
+    {
+      const std::lock_guard lock(mutex_);
+      if (stopping_) return;
+      if (!tasks_.empty()) continue;
+    }
+    // A reply that a task waited for may have brought events along: they are in the queue of xcb, where
+    // poll() does not see them.
+    connection_.flush();
+    if (!connectionLost_) {
+      if (XReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_.get())}) {
+        onEvent_(*event);
+        continue;
+      }
+    }
+    std::array<pollfd, 2> descriptors{
+        pollfd{wakeUp_, POLLIN, 0},
+        pollfd{connectionLost_ ? -1 : xcb_get_file_descriptor(connection_.get()), POLLIN, 0}};
+    busy_ = false;
+    poll(descriptors.data(), descriptors.size(), timeout);
+    busy_ = true;
+    eventfd_t count = 0;
+    eventfd_read(wakeUp_, &count);
+  }
+}
+
+void XEventLoop::readEvents() {
+  if (connectionLost_) return;
+  while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) onEvent_(*event);
+  if (connection_.lost()) {
+    connectionLost_ = true;
+    onConnectionLost_();
+  }
+}
+
+void XEventLoop::runTasks() {
+  std::vector<Task> tasks;
+  {
+    const std::lock_guard lock(mutex_);
+    tasks.swap(tasks_);
+  }
+  for (const auto& task : tasks) task();
+}
+
+int XEventLoop::runDueTimers() {
+  while (!timers_.empty() && timers_.begin()->first.first <= Clock::now()) {
+    const Task task = std::move(timers_.begin()->second);
+    timers_.erase(timers_.begin());
+    task();
+  }
+  if (timers_.empty()) return -1;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(timers_.begin()->first.first - Clock::now());
+  return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+}
+
+}  // namespace quorlo

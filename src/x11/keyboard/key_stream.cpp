@@ -1,0 +1,199 @@
+#include "x11/keyboard/key_stream.h"
+
+#include <algorithm>
+
+namespace quorlo {
+
+void KeyStream::begin(const std::vector<std::pair<std::uint16_t, XKeycode>>& held) {
+  const std::lock_guard lock(mutex_);
+  for (const auto& [device, keycode] : held) {
+    physicallyDown_.emplace(device, keycode);
+    if (!reader_.map().isHeldModifierKey(keycode)) continue;
+    press(keycode);
+    reader_.press(keycode);
+  }
+  output_.flush();
+}
+
+void KeyStream::end() {
+  const std::lock_guard lock(mutex_);
+  for (const auto keycode : down_) output_.release(keycode);
+  down_.clear();
+  queue_.clear();
+  physicallyDown_.clear();
+  pausedModifiers_.clear();
+  judgedEarlier_.reset();
+  holding_ = false;
+  output_.flush();
+}
+
+void KeyStream::handle(PhysicalKey key) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (key.kind == PhysicalKey::Kind::press) physicallyDown_.emplace(key.device, key.keycode);
+    if (key.kind == PhysicalKey::Kind::release) physicallyDown_.erase({key.device, key.keycode});
+    // A key held down during a hold must not come out as a flood.
+    if (key.kind == PhysicalKey::Kind::repeat && (holding_ || !queue_.empty())) return;
+    queue_.push_back(key);
+  }
+  drain();
+}
+
+void KeyStream::drain() {
+  std::unique_lock lock(mutex_);
+  if (holding_) return;
+  resumeModifiers();
+  if (judgedEarlier_) press(*judgedEarlier_);
+  judgedEarlier_.reset();
+  while (!holding_ && !queue_.empty()) {
+    const auto key = queue_.front();
+    queue_.pop_front();
+    switch (key.kind) {
+      case PhysicalKey::Kind::press:
+        handlePress(key, lock);
+        break;
+      case PhysicalKey::Kind::release:
+        reader_.release(key.keycode);
+        release(key.keycode);
+        break;
+      case PhysicalKey::Kind::repeat:
+        if (down_.contains(key.keycode) && !reader_.map().isModifierKey(key.keycode)) {
+          const auto event = reader_.readRepeat(key.keycode);
+          lock.unlock();
+          judge_.keyRepeated(event);
+          lock.lock();
+        }
+        break;
+    }
+  }
+  output_.flush();
+}
+
+void KeyStream::letGoOthers(const std::vector<XKeycode>& pressed) {
+  const std::lock_guard lock(mutex_);
+  for (const auto keycode : pressed) {
+    if (!down_.contains(keycode)) output_.release(keycode);
+  }
+  output_.flush();
+}
+
+void KeyStream::keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& held) {
+  std::vector<std::pair<std::uint16_t, XKeycode>> lost;
+  {
+    const std::lock_guard lock(mutex_);
+    std::ranges::set_difference(physicallyDown_, held, std::back_inserter(lost));
+  }
+  for (const auto& [device, keycode] : lost) handle({PhysicalKey::Kind::release, device, keycode});
+}
+
+void KeyStream::handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock) {
+  if (reader_.map().isModifierKey(key.keycode)) {
+    reader_.press(key.keycode);
+    press(key.keycode);
+    return;
+  }
+  const auto reading = reader_.readPress(key.keycode);
+  reader_.press(key.keycode);
+  // What was passed so far must not wait for the judgement.
+  output_.flush();
+  lock.unlock();
+  const auto verdict = judge_.keyPressed(reading.event);
+  lock.lock();
+  if (verdict == TapVerdict::swallow) {
+    if (reading.endsComposition) swallowComposition(key.keycode);
+  } else if (holding_) {
+    judgedEarlier_ = key.keycode;
+  } else {
+    press(key.keycode);
+  }
+}
+
+// The application has seen the keys before this one and would take the next key for the end of the
+// composition. It gets the right end, and then loses the character again.
+void KeyStream::swallowComposition(XKeycode keycode) {
+  for (const auto modifier : pausedModifiers_) press(modifier);
+  tap(keycode);
+  const auto modifiers = releaseModifiers();
+  tap(reader_.map().keyForCode(key::kBackspace, reader_.layout()));
+  if (holding_) return;
+  for (const auto modifier : modifiers) press(modifier);
+}
+
+void KeyStream::beginHold() {
+  const std::lock_guard lock(mutex_);
+  if (holding_) return;
+  holding_ = true;
+  std::ranges::copy(releaseModifiers(), std::back_inserter(pausedModifiers_));
+  for (const auto keycode : down_) output_.release(keycode);
+  down_.clear();
+  output_.flush();
+}
+
+void KeyStream::endHold() {
+  const std::lock_guard lock(mutex_);
+  holding_ = false;
+}
+
+bool KeyStream::isHolding() const {
+  const std::lock_guard lock(mutex_);
+  return holding_;
+}
+
+void KeyStream::resumeModifiers() {
+  for (const auto keycode : pausedModifiers_) {
+    if (!isReleasedUnused(keycode)) press(keycode);
+  }
+  pausedModifiers_.clear();
+}
+
+// Pressing a modifier only to let it go would open menus.
+bool KeyStream::isReleasedUnused(XKeycode keycode) const {
+  if (judgedEarlier_) return false;
+  for (const auto& key : queue_) {
+    if (key.kind == PhysicalKey::Kind::release && key.keycode == keycode) return true;
+    if (key.kind == PhysicalKey::Kind::press && !reader_.map().isModifierKey(key.keycode)) return false;
+  }
+  return false;
+}
+
+void KeyStream::press(XKeycode keycode) {
+  if (!down_.insert(keycode).second) output_.release(keycode);  // down on a second keyboard
+  output_.press(keycode);
+}
+
+void KeyStream::release(XKeycode keycode) {
+  const bool heldElsewhere =
+      std::ranges::any_of(physicallyDown_, [keycode](const auto& key) { return key.second == keycode; });
+  if (heldElsewhere && queue_.empty()) return;
+  if (down_.erase(keycode) > 0) output_.release(keycode);
+}
+
+void KeyStream::tap(XKeycode keycode) {
+  press(keycode);
+  down_.erase(keycode);
+  output_.release(keycode);
+}
+
+std::vector<XKeycode> KeyStream::releaseModifiers() {
+  std::vector<XKeycode> modifiers;
+  for (const auto keycode : down_) {
+    if (reader_.map().isHeldModifierKey(keycode)) modifiers.push_back(keycode);
+  }
+  for (const auto keycode : modifiers) {
+    down_.erase(keycode);
+    output_.release(keycode);
+  }
+  return modifiers;
+}
+
+void KeyStream::setMap(KeyMap map) {
+  const std::lock_guard lock(mutex_);
+  reader_.setMap(std::move(map));
+}
+
+void KeyStream::setLocks(const KeyReader::Locks& locks) {
+  const std::lock_guard lock(mutex_);
+  reader_.setLocks(locks);
+}
+
+}  // namespace quorlo

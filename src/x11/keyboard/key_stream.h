@@ -1,0 +1,108 @@
+#pragma once
+
+#include "platform/event_tap.h"
+#include "x11/keyboard/key_reader.h"
+
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+
+// What a physical keyboard did. Auto-repeats are told apart by the server.
+struct PhysicalKey {
+  enum class Kind { press, release, repeat };
+  Kind kind;
+  std::uint16_t device;
+  XKeycode keycode;
+};
+
+// The way of every key from the physical keyboards to the applications: a press is judged and then passed
+// on or swallowed, a release follows its press, and during a hold keys wait in a queue.
+//
+// `handle` and `drain` belong to one thread, which is where keys are judged; everything else may be called
+// from any thread, from within the judgement too.
+class KeyStream {
+ public:
+  // The keyboard as applications see it. Called with the stream's lock held; must not call back.
+  class Output {
+   public:
+    virtual ~Output() = default;
+    virtual void press(XKeycode keycode) = 0;
+    virtual void release(XKeycode keycode) = 0;
+    virtual void flush() = 0;
+  };
+  // Called without the lock.
+  class Judge {
+   public:
+    virtual ~Judge() = default;
+    virtual TapVerdict keyPressed(const KeyDownEvent& event) = 0;
+    // The server repeats a key by itself: this is a notice only.
+    virtual void keyRepeated(const KeyDownEvent& event) = 0;
+  };
+
+  KeyStream(Output& output, Judge& judge, KeyReader reader)
+      : output_(output), judge_(judge), reader_(std::move(reader)) {}
+
+  // Takes over from the server. `held` are the keys that are physically down: modifiers go on being held
+  // for the applications, other keys are let go.
+  void begin(const std::vector<std::pair<std::uint16_t, XKeycode>>& held);
+  // Lets every key go. The queue is dropped.
+  void end();
+
+  void handle(PhysicalKey key);
+  // Judges what waits, until the queue is empty or a hold begins.
+  void drain();
+  // Of the keys that applications see as held, those that did not come this way are let go: nobody would
+  // see their release.
+  void letGoOthers(const std::vector<XKeycode>& pressed);
+  // Keys that are down no longer, though nobody saw their release: their keyboard was unplugged.
+  void keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& held);
+
+  // From now on applications see no key down, and keys wait in the queue.
+  void beginHold();
+  // The queue is delivered by the next drain().
+  void endHold();
+  bool isHolding() const;
+
+  // Runs `post` while the applications see none of the user's modifiers held, and no key of the user's
+  // comes in between.
+  template <class Post>
+  void withoutModifiers(Post post) {
+    const std::lock_guard lock(mutex_);
+    const auto modifiers = releaseModifiers();
+    post(output_);
+    for (const auto keycode : modifiers) press(keycode);
+    output_.flush();
+  }
+
+  void setMap(KeyMap map);
+  void setLocks(const KeyReader::Locks& locks);
+
+ private:
+  void handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock);
+  void swallowComposition(XKeycode keycode);
+  void press(XKeycode keycode);
+  void release(XKeycode keycode);
+  void tap(XKeycode keycode);
+  void resumeModifiers();
+  bool isReleasedUnused(XKeycode keycode) const;
+  std::vector<XKeycode> releaseModifiers();
+
+  Output& output_;
+  Judge& judge_;
+  mutable std::mutex mutex_;
+  KeyReader reader_;
+  std::set<std::pair<std::uint16_t, XKeycode>> physicallyDown_;
+  std::set<XKeycode> down_;  // as applications see it
+  std::deque<PhysicalKey> queue_;
+  bool holding_ = false;
+  std::optional<XKeycode> judgedEarlier_;  // passed, but a hold began while it was judged
+  std::vector<XKeycode> pausedModifiers_;  // held when the hold began
+};
+
+}  // namespace quorlo

@@ -1,0 +1,309 @@
+#include "x11/keyboard/keyboard_link.h"
+
+#include "base/log.h"
+#include "x11/connection/xcb_xkb.h"
+#include "x11/keyboard/keyboard_maps.h"
+
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+#include <xkbcommon/xkbcommon-x11.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace quorlo {
+
+namespace {
+
+constexpr std::uint16_t kAllDevices = 0;
+constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+constexpr std::uint16_t kLocks = XCB_XKB_STATE_PART_MODIFIER_LOCK | XCB_XKB_STATE_PART_MODIFIER_LATCH |
+                                 XCB_XKB_STATE_PART_GROUP_LOCK | XCB_XKB_STATE_PART_GROUP_LATCH;
+
+constexpr std::string_view kWaylandDevices = "xwayland-";  // of Xwayland, by their names
+
+std::string_view nameOf(const xcb_input_xi_device_info_t& device) {
+  return {xcb_input_xi_device_info_name(&device),
+          static_cast<std::size_t>(xcb_input_xi_device_info_name_length(&device))};
+}
+
+bool hasKeys(const xcb_input_xi_device_info_t& device) {
+  for (auto it = xcb_input_xi_device_info_classes_iterator(&device); it.rem > 0;
+       xcb_input_device_class_next(&it)) {
+    if (it.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_KEY) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+KeyboardLink::KeyboardLink(XConnection& connection) : connection_(connection) {
+  findObstacles();
+}
+
+void KeyboardLink::findObstacles() {
+  const auto* input = connection_.extension(xcb_input_id);
+  const auto version = input == nullptr
+                           ? nullptr
+                           : connection_.reply(xcb_input_xi_query_version_reply,
+                                               xcb_input_xi_query_version(connection_.get(), 2, 2));
+  if (version && version->major_version >= 2) {
+    inputOpcode_ = input->major_opcode;
+  } else {
+    obstacles_.push_back(AccessibilityObstacle::noXInput2);
+  }
+  const bool hasXtest = connection_.extension(xcb_test_id) != nullptr;
+  if (!hasXtest) obstacles_.push_back(AccessibilityObstacle::noXtest);
+  if (xkb_x11_setup_xkb_extension(connection_.get(), XKB_X11_MIN_MAJOR_XKB_VERSION,
+                                  XKB_X11_MIN_MINOR_XKB_VERSION, XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS,
+                                  nullptr, nullptr, &xkbFirstEvent_, nullptr) == 0) {
+    obstacles_.push_back(AccessibilityObstacle::noXkb);
+    return;
+  }
+  const auto core = xkb_x11_get_core_keyboard_device_id(connection_.get());
+  masterKeyboard_ = core > 0 ? static_cast<Device>(core) : Device{3};
+  if (inputOpcode_ == 0) return;
+  const auto keyboards = findKeyboards();
+  xtestKeyboard_ = keyboards.xtest;
+  if (keyboards.ofWayland) obstacles_.insert(obstacles_.begin(), AccessibilityObstacle::waylandSession);
+  if (hasXtest && xtestKeyboard_ == 0) obstacles_.push_back(AccessibilityObstacle::noXtest);
+}
+
+bool KeyboardLink::hasKeyboard() const {
+  const auto keyboards = findKeyboards();
+  return !keyboards.attached.empty() || keyboards.floating > 0;
+}
+
+void KeyboardLink::selectEvents() {
+  const struct {
+    xcb_input_event_mask_t header{kAllDevices, 1};
+    std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_HIERARCHY;
+  } hierarchy;
+  xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &hierarchy.header);
+  xcb_xkb_select_events_details_t details{};
+  details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
+  details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
+  details.affectState = kLocks;
+  details.stateDetails = kLocks;
+  constexpr std::uint16_t kWhich = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY |
+                                   XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
+  constexpr std::uint16_t kMap = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+  xcb_xkb_select_events_aux(connection_.get(), masterKeyboard_, kWhich, 0, 0, kMap, kMap, &details);
+}
+
+// The map of a keyboard that floats is changed without a word to the session's.
+void KeyboardLink::selectMapChanges(Device device) const {
+  xcb_xkb_select_events_details_t details{};
+  details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
+  details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
+  xcb_xkb_select_events_aux(connection_.get(), device, XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY, 0, 0, 0, 0,
+                            &details);
+}
+
+bool KeyboardLink::isXtest(Device device) const {
+  const auto reply =
+      connection_.reply(xcb_input_xi_get_property_reply,
+                        xcb_input_xi_get_property(connection_.get(), device, 0,
+                                                  connection_.atom("XTEST Device"), XCB_ATOM_INTEGER, 0, 1));
+  return reply && reply->num_items > 0;
+}
+
+KeyboardLink::Keyboards KeyboardLink::findKeyboards() const {
+  Keyboards result;
+  const auto reply = connection_.reply(xcb_input_xi_query_device_reply,
+                                       xcb_input_xi_query_device(connection_.get(), kAllDevices));
+  if (!reply) return result;
+  for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
+       xcb_input_xi_device_info_next(&it)) {
+    if (nameOf(*it.data).starts_with(kWaylandDevices)) result.ofWayland = true;
+    if (it.data->enabled == 0) continue;
+    if (it.data->type == XCB_INPUT_DEVICE_TYPE_FLOATING_SLAVE && hasKeys(*it.data)) ++result.floating;
+    if (it.data->type != XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD || it.data->attachment != masterKeyboard_) {
+      continue;
+    }
+    if (isXtest(it.data->deviceid)) {
+      result.xtest = it.data->deviceid;
+    } else {
+      result.attached.push_back(it.data->deviceid);
+    }
+  }
+  return result;
+}
+
+KeyboardLink::Grab KeyboardLink::grabKeyboards() {
+  const auto keyboards = findKeyboards();
+  if (keyboards.attached.empty()) return Grab::nothingNew;
+  bool anyGrabbed = false;
+  for (const auto device : keyboards.attached) {
+    const auto reply = connection_.reply(
+        xcb_input_xi_grab_device_reply,
+        xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_NONE, device,
+                                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &kKeyMask));
+    if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+      grabbed_.insert(device);
+      selectMapChanges(device);
+      anyGrabbed = true;
+    } else {
+      grabbed_.erase(device);  // the server ended a grab there was
+      logWarning("A keyboard cannot be watched: another program has grabbed it.");
+    }
+  }
+  // Keys come to the applications from the XTEST keyboard now, which has a map of its own.
+  useMapOf(keyboards.attached.front());
+  return anyGrabbed ? Grab::some : Grab::refused;
+}
+
+void KeyboardLink::ungrabKeyboards() {
+  for (const auto device : grabbed_) {
+    xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, device);
+  }
+  grabbed_.clear();
+  mapSource_ = 0;
+  connection_.flush();
+}
+
+KeyboardLink::HeldKeys KeyboardLink::heldKeys() const {
+  HeldKeys held;
+  for (const auto device : grabbed_) appendHeldKeys(device, held);
+  return held;
+}
+
+void KeyboardLink::releaseXtestKeys() {
+  HeldKeys held;
+  appendHeldKeys(xtestKeyboard_, held);
+  for (const auto& [device, keycode] : held) release(keycode);
+}
+
+void KeyboardLink::appendHeldKeys(Device device, HeldKeys& held) const {
+  const auto state =
+      connection_.reply(xcb_input_query_device_state_reply,
+                        xcb_input_query_device_state(connection_.get(), static_cast<std::uint8_t>(device)));
+  if (!state) return;
+  for (auto it = xcb_input_query_device_state_classes_iterator(state.get()); it.rem > 0;
+       xcb_input_input_state_next(&it)) {
+    if (it.data->class_id != XCB_INPUT_INPUT_CLASS_KEY) continue;
+    const auto* keys = reinterpret_cast<const xcb_input_key_state_t*>(it.data);
+    for (unsigned keycode = 8; keycode < 256; ++keycode) {
+      if ((keys->keys[keycode / 8] >> (keycode % 8) & 1U) == 0) continue;
+      held.emplace_back(device, static_cast<XKeycode>(keycode));
+    }
+  }
+}
+
+std::vector<XKeycode> KeyboardLink::pressedKeys() const {
+  std::vector<XKeycode> pressed;
+  const auto reply = connection_.reply(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
+  if (!reply) return pressed;
+  for (unsigned keycode = 8; keycode < 256; ++keycode) {
+    if ((reply->keys[keycode / 8] >> (keycode % 8) & 1U) != 0)
+      pressed.push_back(static_cast<XKeycode>(keycode));
+  }
+  return pressed;
+}
+
+std::vector<XKeycode> KeyboardLink::pressedModifiers() const {
+  auto pressed = pressedKeys();
+  if (pressed.empty()) return pressed;
+  const auto keys = map();
+  std::erase_if(pressed, [&](XKeycode keycode) { return !keys || !keys->isHeldModifierKey(keycode); });
+  return pressed;
+}
+
+std::optional<KeyMap> KeyboardLink::map() const {
+  return KeyMap::ofServer(connection_.get(), xtestKeyboard_);
+}
+
+KeyReader::Locks KeyboardLink::locks() const {
+  const auto state =
+      connection_.reply(xcb_xkb_get_state_reply, xcb_xkb_get_state(connection_.get(), masterKeyboard_));
+  if (!state) return {};
+  return {state->latchedMods, state->lockedMods, state->latchedGroup, state->lockedGroup};
+}
+
+bool KeyboardLink::useMapOf(Device keyboard) {
+  if (std::exchange(mapSource_, keyboard) == keyboard) return false;
+  return copyKeyboardMap(connection_, keyboard, xtestKeyboard_);
+}
+
+void KeyboardLink::shareMap() {
+  for (const auto device : grabbed_) copyKeyboardMap(connection_, xtestKeyboard_, device);
+}
+
+void KeyboardLink::shareKeysyms() {
+  for (const auto device : grabbed_) copyKeysyms(connection_, xtestKeyboard_, device);
+}
+
+void KeyboardLink::shareLocks(const KeyReader::Locks& locks) {
+  for (const auto device : grabbed_) {
+    xcb_xkb_latch_lock_state(connection_.get(), device, 0xFF,
+                             static_cast<std::uint8_t>(locks.lockedModifiers), 1,
+                             static_cast<std::uint8_t>(locks.lockedGroup), 0, 0, 0);
+  }
+  flush();
+}
+
+void KeyboardLink::press(XKeycode keycode) {
+  xcb_test_fake_input(connection_.get(), XCB_KEY_PRESS, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+}
+
+void KeyboardLink::release(XKeycode keycode) {
+  xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+}
+
+KeyboardLink::Change KeyboardLink::read(const xcb_generic_event_t& event) {
+  Change change;
+  const auto type = event.response_type & 0x7FU;
+  if (type == XCB_GE_GENERIC) {
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    if (generic.extension != inputOpcode_) return change;
+    if (generic.event_type == XCB_INPUT_KEY_PRESS || generic.event_type == XCB_INPUT_KEY_RELEASE) {
+      const auto& key = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
+      auto kind = PhysicalKey::Kind::release;
+      if (generic.event_type == XCB_INPUT_KEY_PRESS) {
+        kind = (key.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0 ? PhysicalKey::Kind::repeat
+                                                                       : PhysicalKey::Kind::press;
+      }
+      change.key = PhysicalKey{kind, key.deviceid, static_cast<XKeycode>(key.detail)};
+      change.time = key.time;
+    } else if (generic.event_type == XCB_INPUT_HIERARCHY) {
+      constexpr std::uint32_t kInteresting =
+          XCB_INPUT_HIERARCHY_MASK_SLAVE_ADDED | XCB_INPUT_HIERARCHY_MASK_SLAVE_REMOVED |
+          XCB_INPUT_HIERARCHY_MASK_SLAVE_ATTACHED | XCB_INPUT_HIERARCHY_MASK_DEVICE_ENABLED |
+          XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
+      change.keyboardsChanged =
+          (reinterpret_cast<const xcb_input_hierarchy_event_t&>(event).flags & kInteresting) != 0;
+    }
+  } else if (type == xkbFirstEvent_ && xkbFirstEvent_ != 0) {
+    switch (event.pad0) {
+      case XCB_XKB_NEW_KEYBOARD_NOTIFY: {
+        const auto& notify = reinterpret_cast<const xcb_xkb_new_keyboard_notify_event_t&>(event);
+        // The session's map also changes by itself, to that of the keyboard which is typed on.
+        const bool isByTheUser = notify.requestMinor == XCB_XKB_GET_KBD_BY_NAME;
+        if (notify.deviceID != masterKeyboard_) {
+          mapSource_ = 0;
+        } else {
+          change.map = isByTheUser ? MapChange::chosen : MapChange::replaced;
+        }
+        break;
+      }
+      case XCB_XKB_MAP_NOTIFY:
+        change.map = MapChange::keysyms;
+        break;
+      case XCB_XKB_STATE_NOTIFY: {
+        const auto& state = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
+        // Changes made by keys are followed key by key.
+        if (state.keycode == 0) {
+          change.locks =
+              KeyReader::Locks{state.latchedMods, state.lockedMods, state.latchedGroup, state.lockedGroup};
+        }
+        break;
+      }
+      default:
+        break;
+    }
+  }
+  return change;
+}
+
+}  // namespace quorlo

@@ -1,0 +1,122 @@
+#include "x11/keyboard/keyboard_service.h"
+
+#include "base/log.h"
+
+#include <utility>
+
+namespace quorlo {
+
+class KeyboardService::Port : public EventTap::Port {
+ public:
+  Port(KeyboardService& service, std::shared_ptr<TapConversation> conversation)
+      : service_(service), conversation_(std::move(conversation)) {}
+  ~Port() override { service_.closeTap(); }
+  void enable() override { conversation_->enable(); }
+  bool isEnabled() const override { return conversation_->isEnabled(); }
+
+ private:
+  KeyboardService& service_;
+  std::shared_ptr<TapConversation> conversation_;
+};
+
+Result<std::unique_ptr<KeyboardService>> KeyboardService::start(KeyboardOptions options, MainQueue& queue) {
+  std::unique_ptr<KeyboardService> service(new KeyboardService(std::move(options), queue));
+  if (auto status = service->openSession(); !status) return status.error();
+  return service;
+}
+
+Status KeyboardService::openSession() {
+  // Called on the session's thread: only the main thread may look whether this object still lives.
+  auto lost = [this, queue = &queue_, alive = std::weak_ptr<char>(alive_)] {
+    queue->run([this, alive] {
+      if (!alive.expired()) reopenSession();
+    });
+  };
+  auto session = KeyboardSession::open(options_, std::move(lost));
+  if (!session) return session.error();
+  session_ = std::move(session).value();
+  session_->setHotKeys(hotKeys_);
+  session_->setScreenIsLocked(screenIsLocked_);
+  map_.reset();
+  return {};
+}
+
+void KeyboardService::reopenSession() {
+  session_.reset();
+  if (!openSession()) {
+    logError("The X server connection lost: keys can no longer be watched or pressed.");
+    if (const auto report = std::exchange(options_.connectionLost, nullptr)) report();
+    return;
+  }
+  logWarning("The connection for watching keys was ended; watching goes on with another one.");
+  if (conversation_) session_->beginTap(conversation_);
+}
+
+std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
+  if (!session_) return {AccessibilityObstacle::displayIsLost};
+  auto found = session_->obstacles();
+  if (!found.empty()) return found;
+  if (!session_->hasKeyboard()) return {AccessibilityObstacle::noKeyboard};
+  if (keyboardsAreTaken_ || session_->waitsForKeyboard()) return {AccessibilityObstacle::keyboardsAreTaken};
+  return {};
+}
+
+std::unique_ptr<EventTap::Port> KeyboardService::createTap(EventTap::Callback callback, void* userInfo) {
+  if (!isUsable() || conversation_) return nullptr;
+  auto conversation = std::make_shared<TapConversation>(queue_, callback, userInfo);
+  keyboardsAreTaken_ = !session_->beginTap(conversation);
+  if (keyboardsAreTaken_) return nullptr;
+  conversation_ = conversation;
+  return std::make_unique<Port>(*this, std::move(conversation));
+}
+
+void KeyboardService::closeTap() {
+  conversation_->close();
+  conversation_.reset();
+  if (session_) session_->endTap();
+}
+
+void KeyboardService::report(const KeyDownEvent& event) {
+  if (const auto conversation = conversation_) conversation->report(event);
+}
+
+void KeyboardService::setHotKeys(std::set<Shortcut> hotKeys) {
+  hotKeys_ = std::move(hotKeys);
+  if (session_) session_->setHotKeys(hotKeys_);
+}
+
+void KeyboardService::setScreenIsLocked(bool isLocked) {
+  screenIsLocked_ = isLocked;
+  if (session_) session_->setScreenIsLocked(isLocked);
+}
+
+void KeyboardService::beginHold() {
+  if (session_) session_->beginHold();
+}
+
+void KeyboardService::endHold() {
+  if (session_) session_->endHold();
+}
+
+void KeyboardService::noteProgress() {
+  if (session_) session_->noteProgress();
+}
+
+void KeyboardService::post(const std::function<void(KeyStream::Output&)>& keys) {
+  if (session_) session_->post(keys);
+}
+
+const KeyMap* KeyboardService::map() const {
+  if (!isUsable()) return nullptr;
+  if (const auto generation = session_->mapGeneration(); !map_ || mapGeneration_ != generation) {
+    mapGeneration_ = generation;
+    map_ = session_->loadMap();
+  }
+  return map_ ? &*map_ : nullptr;
+}
+
+std::uint32_t KeyboardService::layout() const {
+  return session_ ? session_->currentLayout() : 0;
+}
+
+}  // namespace quorlo

@@ -1,0 +1,256 @@
+#include "x11/keyboard/keyboard_session.h"
+
+#include "base/log.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace quorlo {
+
+namespace {
+
+constexpr std::string_view kWatching = "Watching the keyboards.";
+
+// As applications choose their Compose sequences.
+std::string composeLocale() {
+  for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    if (const char* value = std::getenv(variable); value != nullptr && *value != '\0') return value;
+  }
+  return "C";
+}
+
+}  // namespace
+
+Result<std::unique_ptr<KeyboardSession>> KeyboardSession::open(const KeyboardOptions& options,
+                                                               std::function<void()> lost) {
+  auto connection = XConnection::open(options.display);
+  if (!connection) return connection.error();
+  std::unique_ptr<KeyboardSession> session(new KeyboardSession(std::move(connection).value(), options));
+  session->start(std::move(lost));
+  return session;
+}
+
+KeyboardSession::KeyboardSession(std::unique_ptr<XConnection> connection, KeyboardOptions options)
+    : connection_(std::move(connection)),
+      options_(std::move(options)),
+      link_(*connection_),
+      loop_(*connection_, "keyboard") {
+  if (!link_.obstacles().empty()) return;
+  window_ = connection_->createMessageWindow(XCB_EVENT_MASK_NO_EVENT);
+  askAtom_ = connection_->atom("_QUORLO_KEYBOARD_GUARD");
+  link_.selectEvents();
+  auto map = link_.map();
+  if (!map) return;
+  stream_.emplace(link_, static_cast<KeyStream::Judge&>(*this), KeyReader(std::move(*map), composeLocale()));
+  stream_->setLocks(link_.locks());
+}
+
+KeyboardSession::~KeyboardSession() {
+  if (tapping_) endTap();
+  loop_.stop();
+}
+
+void KeyboardSession::start(std::function<void()> lost) {
+  loop_.start([this](const xcb_generic_event_t& event) { handleEvent(event); }, std::move(lost));
+}
+
+bool KeyboardSession::beginTap(std::shared_ptr<TapConversation> conversation) {
+  if (!stream_) return false;
+  const auto grabbed = std::make_shared<std::atomic<bool>>(false);
+  loop_.postAndWait(
+      [this, conversation = std::move(conversation), grabbed] {
+        conversation_ = conversation;
+        grabbing_ = true;
+        guard_ = GuardProcess::start(options_.guardProgram, connection_->displayName(), window_, askAtom_);
+        *grabbed = takeKeyboards();
+        if (!*grabbed) {
+          grabbing_ = false;
+          conversation_.reset();
+          guard_.reset();
+          return;
+        }
+        lookForKeyboards(kFirstPause);
+      },
+      kPatience);
+  tapping_ = *grabbed;
+  if (waitsForKeyboard()) {
+    logWarning(
+        "WARNING: #x11kS1; There is no keyboard to watch yet: none is plugged in, or another program has grabbed "
+        "it.");
+  } else if (tapping_) {
+    logInfo(kWatching);
+  }
+  return tapping_;
+}
+
+void KeyboardSession::endTap() {
+  tapping_ = false;
+  loop_.postAndWait(
+      [this] {
+        link_.ungrabKeyboards();
+        connection_->sync();
+        // What was typed until then still goes to the applications.
+        while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) handleEvent(*event);
+        stream_->endHold();
+        stream_->drain();
+        grabbing_ = false;
+        stream_->end();
+        conversation_.reset();
+        guard_.reset();
+      },
+      kPatience);
+}
+
+bool KeyboardSession::takeKeyboards() {
+  if (link_.grabKeyboards() == KeyboardLink::Grab::refused) return false;
+  waitsForKeyboard_ = !link_.hasGrabbed();
+  readMap();
+  stream_->letGoOthers(link_.pressedKeys());
+  stream_->begin(link_.heldKeys());
+  return true;
+}
+
+TapVerdict KeyboardSession::keyPressed(const KeyDownEvent& event) {
+  if (!conversation_ || isPassedUnseen(event)) return TapVerdict::pass;
+  return conversation_->ask(event);
+}
+
+void KeyboardSession::keyRepeated(const KeyDownEvent& event) {
+  if (!conversation_ || isPassedUnseen(event)) return;
+  auto notice = event;
+  notice.origin = KeyDownEvent::Origin::posted;
+  conversation_->tell(notice);
+}
+
+bool KeyboardSession::isPassedUnseen(const KeyDownEvent& event) const {
+  return screenIsLocked_ || hotKeys_.contains(normalized({event.keyCode, event.flags}));
+}
+
+void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7FU) == XCB_CLIENT_MESSAGE) {
+    const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+    if (message.type == askAtom_ && guard_) guard_->answered(message.data.data32[0]);
+    return;
+  }
+  const auto change = link_.read(event);
+  if (change.key && grabbing_) {
+    const bool isPress = change.key->kind == PhysicalKey::Kind::press;
+    if (isPress && link_.useMapOf(change.key->device)) readMap();
+    stream_->handle(*change.key);
+    if (guard_ && isPress) guard_->answered(change.time);
+  }
+  if (change.keyboardsChanged && grabbing_) takeNewKeyboards();
+  if (change.map) {
+    if (change.map == KeyboardLink::MapChange::chosen) link_.shareMap();
+    if (change.map == KeyboardLink::MapChange::keysyms) link_.shareKeysyms();
+    readMap();
+  }
+  if (change.locks && stream_) {
+    stream_->setLocks(*change.locks);
+    link_.shareLocks(*change.locks);
+  }
+}
+
+void KeyboardSession::takeNewKeyboards() {
+  const auto grab = link_.grabKeyboards();
+  if (waitsForKeyboard_.exchange(!link_.hasGrabbed()) && !waitsForKeyboard_) logInfo(kWatching);
+  const auto held = link_.heldKeys();
+  stream_->keepOnly({held.begin(), held.end()});
+  // A new keyboard may have been typed on before it was grabbed.
+  if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
+}
+
+// The server tells when a keyboard is plugged in, but not when another program, or the Quorlo before this
+// one, lets go of it.
+void KeyboardSession::lookForKeyboards(std::chrono::milliseconds pause) {
+  if (!waitsForKeyboard_ || !link_.hasKeyboard()) return;
+  loop_.runAt(std::chrono::steady_clock::now() + pause, [this, pause] {
+    if (!grabbing_) return;
+    takeNewKeyboards();
+    lookForKeyboards(std::min(2 * pause, kLongestPause));
+  });
+}
+
+void KeyboardSession::readMap() {
+  if (!stream_) return;
+  auto map = link_.map();
+  if (!map) return;
+  stream_->setMap(std::move(*map));
+  stream_->setLocks(link_.locks());
+  ++mapGeneration_;
+}
+
+void KeyboardSession::setHotKeys(std::set<Shortcut> hotKeys) {
+  loop_.post([this, hotKeys = std::move(hotKeys)] { hotKeys_ = hotKeys; });
+}
+
+void KeyboardSession::beginHold() {
+  if (!tapping_) return;
+  noteProgress();
+  stream_->beginHold();
+  loop_.post([this] {
+    if (!watchingHold_) watchHold();
+  });
+}
+
+void KeyboardSession::endHold() {
+  if (!tapping_) return;
+  stream_->endHold();
+  loop_.post([this] { stream_->drain(); });
+}
+
+void KeyboardSession::noteProgress() {
+  lastProgress_ = std::chrono::steady_clock::now();
+}
+
+void KeyboardSession::watchHold() {
+  watchingHold_ = stream_->isHolding();
+  if (!watchingHold_) return;
+  const auto due = lastProgress_.load() + kHoldPatience;
+  if (due <= std::chrono::steady_clock::now()) {
+    logWarning("Typed keys were held for 2 s without progress of the expansion; they are delivered now.");
+    watchingHold_ = false;
+    stream_->endHold();
+    stream_->drain();
+    return;
+  }
+  loop_.runAt(due, [this] { watchHold(); });
+}
+
+void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) {
+  if (!stream_) return;
+  noteProgress();
+  if (tapping_) {
+    stream_->withoutModifiers(keys);
+  } else {
+    const auto modifiers = link_.pressedModifiers();
+    for (const auto keycode : modifiers) link_.release(keycode);
+    // Pressed again after an earlier post, and let go on the physical keyboard only.
+    link_.releaseXtestKeys();
+    keys(link_);
+    for (const auto keycode : modifiers) link_.press(keycode);
+    link_.flush();
+  }
+  wake();
+}
+
+bool KeyboardSession::hasKeyboard() {
+  const bool result = link_.hasKeyboard();
+  wake();
+  return result;
+}
+
+std::optional<KeyMap> KeyboardSession::loadMap() {
+  auto map = link_.map();
+  wake();
+  return map;
+}
+
+std::uint32_t KeyboardSession::currentLayout() {
+  const auto layout = link_.locks().lockedGroup;
+  wake();
+  return layout;
+}
+
+}  // namespace quorlo

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "base/result.h"
+#include "platform/shortcut.h"
+#include "x11/connection/x_connection.h"
+#include "x11/connection/x_event_loop.h"
+#include "x11/guard/guard_process.h"
+#include "x11/keyboard/key_stream.h"
+#include "x11/keyboard/keyboard_link.h"
+#include "x11/keyboard/tap_conversation.h"
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace quorlo {
+
+struct KeyboardOptions {
+  std::string display;                   // as in DISPLAY; empty for that variable
+  std::filesystem::path guardProgram;    // quorlo-keyboard-guard
+  std::function<void()> connectionLost;  // the X server went away; called once, on the main thread
+};
+
+// One connection to the X server's keyboards with the thread that serves it. Lives until the connection is
+// lost or the program ends. Main thread, but for what runs on its own thread.
+class KeyboardSession : KeyStream::Judge {
+ public:
+  static Result<std::unique_ptr<KeyboardSession>> open(const KeyboardOptions& options,
+                                                       std::function<void()> lost);
+  ~KeyboardSession() override;
+
+  const std::vector<AccessibilityObstacle>& obstacles() const { return link_.obstacles(); }
+
+  // False when no keyboard can be grabbed.
+  bool beginTap(std::shared_ptr<TapConversation> conversation);
+  void endTap();
+  bool isTapping() const { return tapping_; }
+
+  // Combinations to pass on without asking.
+  void setHotKeys(std::set<Shortcut> hotKeys);
+  // Passes all keys on without asking.
+  void setScreenIsLocked(bool isLocked) { screenIsLocked_ = isLocked; }
+
+  void beginHold();
+  void endHold();
+  // A key was posted or the pasteboard read.
+  void noteProgress();
+
+  bool hasKeyboard();
+  // The tap has no keyboard, and takes the first that is plugged in or let go by another program.
+  bool waitsForKeyboard() const { return tapping_ && waitsForKeyboard_; }
+
+  // Posts keys: calls with the way to the applications, on which none of the user's modifiers is held.
+  void post(const std::function<void(KeyStream::Output&)>& keys);
+
+  // Counts the changes of the keyboard map.
+  std::uint64_t mapGeneration() const { return mapGeneration_; }
+  std::optional<KeyMap> loadMap();
+  std::uint32_t currentLayout();
+
+ private:
+  static constexpr std::chrono::seconds kHoldPatience{2};
+  static constexpr std::chrono::milliseconds kPatience{2000};
+  static constexpr std::chrono::milliseconds kFirstPause{50};
+  static constexpr std::chrono::milliseconds kLongestPause{10'000};
+
+  KeyboardSession(std::unique_ptr<XConnection> connection, KeyboardOptions options);
+  void start(std::function<void()> lost);
+
+  // On the session's thread.
+  TapVerdict keyPressed(const KeyDownEvent& event) override;
+  void keyRepeated(const KeyDownEvent& event) override;
+  void handleEvent(const xcb_generic_event_t& event);
+  void readMap();
+  // Whether it is nobody's typing.
+  bool isPassedUnseen(const KeyDownEvent& event) const;
+  bool takeKeyboards();
+  void takeNewKeyboards();
+  void lookForKeyboards(std::chrono::milliseconds pause);
+  void watchHold();
+  // Another thread has waited for a reply, which may have brought events along.
+  void wake() {
+    loop_.post([] {});
+  }
+
+  std::unique_ptr<XConnection> connection_;
+  KeyboardOptions options_;
+  KeyboardLink link_;
+  xcb_window_t window_ = XCB_WINDOW_NONE;
+  xcb_atom_t askAtom_ = XCB_ATOM_NONE;
+  std::optional<KeyStream> stream_;                // present unless there is an obstacle
+  std::unique_ptr<GuardProcess> guard_;            // used on the thread while tapping
+  std::shared_ptr<TapConversation> conversation_;  // on the thread
+  std::set<Shortcut> hotKeys_;                     // on the thread
+  bool tapping_ = false;                           // main thread
+  bool grabbing_ = false;                          // on the thread
+  bool watchingHold_ = false;                      // on the thread
+  std::atomic<bool> screenIsLocked_ = false;
+  std::atomic<bool> waitsForKeyboard_ = false;
+  std::atomic<std::uint64_t> mapGeneration_ = 1;
+  std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};
+  XEventLoop loop_;  // the last: its thread uses all of the others
+};
+
+}  // namespace quorlo

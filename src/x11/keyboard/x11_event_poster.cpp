@@ -1,0 +1,112 @@
+#include "x11/keyboard/x11_event_poster.h"
+
+#include "base/log.h"
+#include "x11/desktop/paste_chords.h"
+#include "x11/keyboard/keyboard_service.h"
+
+#include <xkbcommon/xkbcommon.h>
+
+#include <array>
+
+namespace quorlo {
+
+namespace {
+
+constexpr ModifierFlags kChordModifiers =
+    modifier::kShift | modifier::kControl | modifier::kOption | modifier::kCommand;
+
+struct ModifierKey {
+  ModifierFlags flag;
+  XKeysym keysym;
+  XKeycode usualPlace;
+};
+constexpr auto kModifierKeys = std::to_array<ModifierKey>({
+    {modifier::kCommand, XKB_KEY_Control_L, 37},
+    {modifier::kControl, XKB_KEY_Super_L, 133},
+    {modifier::kOption, XKB_KEY_Alt_L, 64},
+    {modifier::kShift, XKB_KEY_Shift_L, 50},
+});
+
+}  // namespace
+
+X11EventPoster::X11EventPoster(KeyboardService& keyboard, const PasteChords& chords,
+                               std::function<ActiveWindow()> activeWindow,
+                               PasteAnnouncement pasteWillBePosted)
+    : keyboard_(keyboard),
+      chords_(chords),
+      activeWindow_(std::move(activeWindow)),
+      pasteWillBePosted_(std::move(pasteWillBePosted)) {}
+
+void X11EventPoster::postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) {
+  if (keyboard_.map() == nullptr) return;
+  auto chord = chordFor(code, flags);
+  const auto window = activeWindow_();
+  const bool terminal = chords_.pastesFromPrimary(window.bundleIdentifier, window.windowClass);
+  if (const auto paste = pasteChordFor(code, flags, terminal)) {
+    chord = *paste;
+    pasteWillBePosted_({window.window, window.processIdentifier},
+                       terminal ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard);
+  }
+  if (chord.key == 0) {
+    logWarning("The keyboard layout has no key for the code " + std::to_string(code) +
+               "; it is not pressed.");
+    return;
+  }
+  if (location == PostLocation::session) report(code, flags, count);
+  keyboard_.post([&](KeyStream::Output& output) {
+    for (int i = 0; i < count; ++i) {
+      for (const auto modifier : chord.modifiers) output.press(modifier);
+      output.press(chord.key);
+      output.release(chord.key);
+      for (auto it = chord.modifiers.rbegin(); it != chord.modifiers.rend(); ++it) output.release(*it);
+    }
+  });
+}
+
+X11EventPoster::Chord X11EventPoster::chordFor(KeyCode code, ModifierFlags flags) const {
+  const auto& map = *keyboard_.map();
+  const auto layout = keyboard_.layout();
+  Chord chord{map.keyForCode(code, layout), {}};
+  for (const auto& key : kModifierKeys) {
+    if ((flags & key.flag) == 0) continue;
+    const auto keycode = map.keyFor(key.keysym, layout);
+    chord.modifiers.push_back(keycode != 0 ? keycode : key.usualPlace);
+  }
+  return chord;
+}
+
+std::optional<X11EventPoster::Chord> X11EventPoster::pasteChordFor(KeyCode code, ModifierFlags flags,
+                                                                   bool terminal) const {
+  if ((flags & kChordModifiers) != modifier::kCommand) return std::nullopt;
+  const auto& map = *keyboard_.map();
+  const auto layout = keyboard_.layout();
+  const auto keyOfV = map.keyFor(XKB_KEY_v, layout);
+  // The caller may have looked its key up in another layout than the one in effect now.
+  const auto anyKeyOfV = map.keyForInAnyLayout(XKB_KEY_v, layout);
+  if (code != key::kV && keycodeAtPlace(code) != keyOfV && keycodeAtPlace(code) != anyKeyOfV)
+    return std::nullopt;
+  // Toolkits find the shortcut of a key in the other layouts as well; where none has a v, the one chord
+  // that is left has no letter.
+  if (!terminal && anyKeyOfV != 0) {
+    auto chord = chordFor(key::kV, modifier::kCommand);
+    chord.key = anyKeyOfV;
+    return chord;
+  }
+  return chordFor(key::kHelp, modifier::kShift);
+}
+
+void X11EventPoster::report(KeyCode code, ModifierFlags flags, int count) const {
+  const auto& map = *keyboard_.map();
+  const auto layout = keyboard_.layout();
+  const auto keysym =
+      map.keysym(map.keyForCode(code, layout), layout, (flags & modifier::kShift) != 0 ? 1 : 0);
+  KeyDownEvent event{code, flags, {}, KeyDownEvent::Origin::posted};
+  if (const auto named = charactersOfNamedKey(keysym)) {
+    event.characters = {*named};
+  } else if (const auto character = xkb_keysym_to_utf32(keysym); character != 0 && character < 0xD800) {
+    event.characters = {static_cast<char16_t>(character)};
+  }
+  for (int i = 0; i < count; ++i) keyboard_.report(event);
+}
+
+}  // namespace quorlo

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/event_poster.h"
+#include "x11/desktop/active_window.h"
+#include "x11/keyboard/key_translation.h"
+#include "x11/selection/paste_target.h"
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace quorlo {
+
+class KeyboardService;
+class PasteChords;
+
+// Presses keys by XTEST. The paste chord becomes the one that the frontmost application pastes by.
+class X11EventPoster : public EventPoster {
+ public:
+  using PasteAnnouncement = std::function<void(const PasteTarget&, PasteSelection)>;
+
+  // `pasteWillBePosted` is called before each paste chord.
+  X11EventPoster(KeyboardService& keyboard, const PasteChords& chords,
+                 std::function<ActiveWindow()> activeWindow, PasteAnnouncement pasteWillBePosted);
+
+  void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) override;
+
+ private:
+  struct Chord {
+    XKeycode key = 0;
+    std::vector<XKeycode> modifiers;
+  };
+  Chord chordFor(KeyCode code, ModifierFlags flags) const;
+  // Absent when the keys are not those of the paste chord.
+  std::optional<Chord> pasteChordFor(KeyCode code, ModifierFlags flags, bool terminal) const;
+  void report(KeyCode code, ModifierFlags flags, int count) const;
+
+  KeyboardService& keyboard_;
+  const PasteChords& chords_;
+  std::function<ActiveWindow()> activeWindow_;
+  PasteAnnouncement pasteWillBePosted_;
+};
+
+}  // namespace quorlo

@@ -1,0 +1,178 @@
+#include "x11/selection/selection_server.h"
+
+#include "base/log.h"
+#include "x11/connection/client_identity.h"
+
+#include <xcb/xfixes.h>
+
+#include <utility>
+
+namespace quorlo {
+
+namespace {
+
+// A chord waits for no longer than this for a PRIMARY that was not saved in time.
+constexpr std::chrono::milliseconds kLateSaveBudget{100};
+constexpr std::chrono::milliseconds kHandOverBudget{1000};
+
+SelectionOwner::Offer offerOf(const SelectionCopy& copy) {
+  if (copy.items.empty()) return nullptr;
+  std::vector<SelectionOffer::Data> data;
+  for (const auto& representation : copy.items.front().representations()) {
+    data.push_back(std::make_shared<const PasteboardData>(std::get<PasteboardData>(representation.data)));
+  }
+  return std::make_shared<SelectionOffer>(offeredTargets({copy.items, {}, false}, copy.forms),
+                                          std::move(data));
+}
+
+}  // namespace
+
+SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, SelectionOwner::RunProvider runProvider)
+    : x_(x),
+      loop_(loop),
+      owner_(x, loop, tracker_, std::move(runProvider)),
+      reader_(x, loop),
+      clipboard_(x.atom("CLIPBOARD")),
+      clipboardManager_(x.atom("CLIPBOARD_MANAGER")) {
+  if (const auto* xfixes = x.extension(xcb_xfixes_id)) {
+    xfixesEvent_ = xfixes->first_event;
+    x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x.get(), 5, 0));
+    watch(clipboard_);
+    watch(XCB_ATOM_PRIMARY);
+  }
+}
+
+void SelectionServer::watch(xcb_atom_t selection) {
+  xcb_xfixes_select_selection_input(x_.get(), owner_.window(), selection,
+                                    XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                        XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                        XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+}
+
+void SelectionServer::handleEvent(const xcb_generic_event_t& event) {
+  const auto type = event.response_type & 0x7F;
+  if (xfixesEvent_ != 0 && type == xfixesEvent_ + XCB_XFIXES_SELECTION_NOTIFY) {
+    const auto& notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+    return ownerChanged(notify.selection, notify.owner, notify.selection_timestamp);
+  }
+  if (type == XCB_SELECTION_NOTIFY && handedOver_) {
+    const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
+    if (notify.selection == clipboardManager_) return std::exchange(handedOver_, nullptr)();
+  }
+  owner_.handleEvent(event);
+  reader_.handleEvent(event);
+  if (type == XCB_SELECTION_REQUEST || type == XCB_PROPERTY_NOTIFY) closeFinishedPastes();
+}
+
+void SelectionServer::setClipboard(Offer offer) {
+  // A target that hears of a new clipboard while it is pasting may drop the paste, as Chromium does.
+  if (tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
+    owner_.replaceQuietly(clipboard_, std::move(offer));
+    announcementIsDue_ = true;
+    return;
+  }
+  announcementIsDue_ = false;
+  if (!owner_.take(clipboard_, std::move(offer)) && !x_.lost()) {
+    logWarning("WARNING: #x11sS1; Another program took the clipboard while it was being set.");
+  }
+}
+
+void SelectionServer::readClipboard(SelectionReader::Completion completion) {
+  reader_.read(clipboard_, {}, std::move(completion));
+}
+
+void SelectionServer::savePrimary(std::chrono::milliseconds atMost, std::function<void()> done) {
+  // What we own is what we borrowed, and its earlier content is at hand.
+  if (owner_.owns(XCB_ATOM_PRIMARY)) return done();
+  ReadBudget budget;
+  budget.time = atMost;
+  reader_.read(XCB_ATOM_PRIMARY, budget, [this, done = std::move(done)](const SelectionCopy& copy) {
+    savedPrimary_ = offerOf(copy);
+    primarySaved_ = true;
+    done();
+  });
+}
+
+void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection selection,
+                                    std::function<void()> done) {
+  auto client = clientOfWindow(x_, target.window);
+  if (client.processIdentifier == 0) client.processIdentifier = target.processIdentifier;
+  const Offer piece = clipboardOffer();
+  if (!piece || !client.isKnown()) return done();
+
+  const auto announce = [this, client, selection, piece, done = std::move(done)] {
+    if (selection == PasteSelection::clipboardAndPrimary && !owner_.owns(XCB_ATOM_PRIMARY)) {
+      owner_.take(XCB_ATOM_PRIMARY, savedPrimary_);
+    }
+    tracker_.announce(client, selection, piece, PasteTracker::Clock::now());
+    closeFinishedPastes();
+    done();
+  };
+  inTurn(client, [this, selection, announce] {
+    if (selection == PasteSelection::clipboard || primarySaved_) return announce();
+    savePrimary(kLateSaveBudget, announce);
+  });
+}
+
+void SelectionServer::inTurn(const ClientIdentity& target, std::function<void()> task) {
+  const auto now = XEventLoop::Clock::now();
+  waiting_.push_back({target, now + kTurnPatience, std::move(task)});
+  loop_.runAt(now + kTurnPatience, [this] { runWhatIsInTurn(); });
+  runWhatIsInTurn();
+}
+
+void SelectionServer::runWhatIsInTurn() {
+  const auto now = XEventLoop::Clock::now();
+  while (!waiting_.empty()) {
+    auto& first = waiting_.front();
+    if (tracker_.isBusy(first.target, now) && now < first.until) return;
+    const auto next = std::move(first);
+    waiting_.erase(waiting_.begin());
+    tracker_.closeDelivered(next.target);
+    tellOfNewContents();
+    next.task();
+  }
+}
+
+void SelectionServer::handOver(std::function<void()> done) {
+  const auto manager =
+      x_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_.get(), clipboardManager_));
+  const Offer offer = clipboardOffer();
+  if (!offer || offer->isTransient() || !manager || manager->owner == XCB_WINDOW_NONE) return done();
+  handedOver_ = std::move(done);
+  xcb_convert_selection(x_.get(), owner_.window(), clipboardManager_, x_.atom("SAVE_TARGETS"),
+                        x_.atom("QUORLO_SAVE"), XCB_CURRENT_TIME);
+  loop_.runAt(XEventLoop::Clock::now() + kHandOverBudget, [this] {
+    if (handedOver_) std::exchange(handedOver_, nullptr)();
+  });
+}
+
+void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since) {
+  if (!owner_.ownerChanged(selection, owner, since)) return;
+  if (selection == clipboard_) ++foreignChanges_;
+  if (selection == XCB_ATOM_PRIMARY && !owner_.owns(XCB_ATOM_PRIMARY)) {
+    primarySaved_ = false;
+    savedPrimary_.reset();
+  }
+  reader_.ownerChanged(selection, owner);
+}
+
+void SelectionServer::tellOfNewContents() {
+  if (announcementIsDue_ && !tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
+    setClipboard(clipboardOffer());
+  }
+}
+
+void SelectionServer::closeFinishedPastes() {
+  loop_.cancel(pasteTimer_);
+  if (const auto next = tracker_.closeFinished(PasteTracker::Clock::now())) {
+    pasteTimer_ = loop_.runAt(*next, [this] { closeFinishedPastes(); });
+  }
+  tellOfNewContents();
+  runWhatIsInTurn();
+  if (!savedPrimary_ && owner_.owns(XCB_ATOM_PRIMARY) && !tracker_.hasOpenPasteFromPrimary()) {
+    owner_.giveUp(XCB_ATOM_PRIMARY);
+  }
+}
+
+}  // namespace quorlo

@@ -1,0 +1,185 @@
+#include "x11/selection/x11_pasteboard.h"
+
+#include "base/log.h"
+
+#include <chrono>
+#include <future>
+#include <utility>
+#include <vector>
+
+namespace quorlo {
+
+namespace {
+
+// The pasteboard's thread answers within a few round trips; only a server that hangs takes longer.
+constexpr std::chrono::milliseconds kAnswerBudget{1000};
+constexpr std::chrono::milliseconds kReadPrimaryBudget{1000};
+constexpr std::chrono::milliseconds kHandOverBudget{1500};
+constexpr auto kAnnouncementBudget = SelectionServer::kTurnPatience + kAnswerBudget;
+
+}  // namespace
+
+// What this program has set. Providers run here, on the main thread, each at most once.
+class X11Pasteboard::OwnContents {
+ public:
+  OwnContents(const PasteboardContents& contents, const PropertyForms& forms) {
+    auto targets = offeredTargets(contents, forms);
+    std::vector<SelectionOffer::Data> data;
+    for (const auto& item : contents.items) {
+      itemTypes_.push_back(item.types());
+      for (const auto& representation : item.representations()) {
+        const auto* bytes = std::get_if<PasteboardData>(&representation.data);
+        data.push_back(bytes != nullptr ? std::make_shared<const PasteboardData>(*bytes) : nullptr);
+        providers_.push_back(bytes != nullptr ? nullptr
+                                              : std::get<PasteboardItem::Provider>(representation.data));
+      }
+    }
+    data_ = data;
+    offer_ = std::make_shared<SelectionOffer>(std::move(targets), std::move(data));
+  }
+
+  const SelectionServer::Offer& offer() const { return offer_; }
+  std::size_t size() const { return data_.size(); }
+  bool isKnown(std::size_t representation) const { return data_[representation] != nullptr; }
+
+  const SelectionOffer::Data& data(std::size_t representation) {
+    auto& data = data_[representation];
+    if (!data)
+      data = std::make_shared<const PasteboardData>(std::exchange(providers_[representation], nullptr)());
+    return data;
+  }
+
+  std::vector<PasteboardItem> copy(bool mayRunProviders) {
+    std::vector<PasteboardItem> items;
+    std::size_t representation = 0;
+    for (const auto& types : itemTypes_) {
+      auto& item = items.emplace_back();
+      for (const auto& type : types) {
+        if (mayRunProviders || isKnown(representation)) item.setData(type, *data(representation));
+        ++representation;
+      }
+    }
+    return items;
+  }
+
+ private:
+  SelectionServer::Offer offer_;
+  std::vector<std::vector<PasteboardType>> itemTypes_;
+  std::vector<SelectionOffer::Data> data_;
+  std::vector<PasteboardItem::Provider> providers_;
+};
+
+Result<std::unique_ptr<X11Pasteboard>> X11Pasteboard::connect(const std::string& display, MainQueue& queue,
+                                                              Options options) {
+  auto x = XConnection::open(display);
+  if (!x) return x.error();
+  return std::unique_ptr<X11Pasteboard>(new X11Pasteboard(std::move(x).value(), queue, std::move(options)));
+}
+
+X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, Options options)
+    : x_(std::move(x)),
+      queue_(queue),
+      options_(std::move(options)),
+      loop_(*x_, "pasteboard"),
+      server_(*x_, loop_,
+              [this](const auto& offer, std::size_t representation, const std::function<void()>& done) {
+                runProvider(offer, representation, done);
+              }) {
+  // From here on no change of the clipboard goes unnoticed.
+  x_->sync();
+  loop_.start([this](const xcb_generic_event_t& event) { server_.handleEvent(event); },
+              [lost = options_.connectionLost] {
+                if (lost) lost();
+              });
+}
+
+X11Pasteboard::~X11Pasteboard() {
+  if (!x_->lost()) {
+    const auto done = std::make_shared<std::promise<void>>();
+    loop_.post([this, done] {
+      providersAreGone_ = true;
+      server_.handOver([done] { done->set_value(); });
+    });
+    done->get_future().wait_for(kHandOverBudget);
+  }
+  loop_.stop();
+}
+
+void X11Pasteboard::setContents(PasteboardContents contents) {
+  // A target that still has to read the earlier contents gets them, but their providers may go now.
+  if (server_.tracker().hasOpenPaste()) provideAll();
+  own_ = std::make_shared<OwnContents>(contents, forms_);
+  ++ownChanges_;
+  const auto set = [this, offer = own_->offer()] { server_.setClipboard(offer); };
+  if (!loop_.postAndWait(set, kAnswerBudget) && !x_->lost()) {
+    logWarning("WARNING: #x11pB1; The X server has not taken the new clipboard contents within 1 s.");
+  }
+}
+
+void X11Pasteboard::read(ReadCompletion completion) {
+  const bool savePrimary = options_.pastesFromPrimary && options_.pastesFromPrimary();
+  const auto deliverLater = [this, alive = std::weak_ptr<char>(alive_), completion = std::move(completion),
+                             own = own_](const std::shared_ptr<const SelectionCopy>& foreign) {
+    queue_.run([this, alive, completion, own, foreign] {
+      if (alive.expired()) return;
+      if (foreign) return deliver(*foreign, completion);
+      completion(own ? own->copy(own == own_) : std::vector<PasteboardItem>());
+    });
+  };
+  loop_.post([this, savePrimary, deliverLater] {
+    // Both at once; the slower one decides.
+    const auto open = std::make_shared<int>(savePrimary ? 2 : 1);
+    const auto copy = std::make_shared<std::shared_ptr<const SelectionCopy>>();
+    const auto finished = [open, copy, deliverLater] {
+      if (--*open == 0) deliverLater(*copy);
+    };
+    if (savePrimary) server_.savePrimary(kReadPrimaryBudget, finished);
+    if (server_.clipboardOffer()) return finished();
+    server_.readClipboard([copy, finished](SelectionCopy foreign) {
+      *copy = std::make_shared<const SelectionCopy>(std::move(foreign));
+      finished();
+    });
+  });
+}
+
+void X11Pasteboard::deliver(const SelectionCopy& copy, const ReadCompletion& completion) {
+  for (const auto& [type, form] : copy.forms) forms_[type] = form;
+  completion(copy.items);
+}
+
+std::int64_t X11Pasteboard::changeCount() const {
+  return ownChanges_ + server_.foreignChanges();
+}
+
+void X11Pasteboard::pasteWillBePosted(const PasteTarget& target, PasteSelection selection) {
+  const auto done = std::make_shared<std::promise<void>>();
+  loop_.post([this, target, selection, done] {
+    server_.announcePaste(target, selection, [done] { done->set_value(); });
+  });
+  done->get_future().wait_for(kAnnouncementBudget);
+}
+
+// On the pasteboard's thread.
+void X11Pasteboard::runProvider(const SelectionServer::Offer& offer, std::size_t representation,
+                                std::function<void()> done) {
+  if (providersAreGone_) return done();
+  queue_.run([this, alive = std::weak_ptr<char>(alive_), offer, representation, done = std::move(done)] {
+    if (alive.expired()) return;
+    // Contents that were replaced meanwhile have no provider any more: the reader is refused.
+    const auto data = own_ && own_->offer() == offer ? own_->data(representation) : nullptr;
+    loop_.post([offer, representation, data, done] {
+      if (data) offer->setData(representation, data);
+      done();
+    });
+  });
+}
+
+void X11Pasteboard::provideAll() {
+  if (!own_) return;
+  for (std::size_t i = 0; i < own_->size(); ++i) {
+    if (own_->isKnown(i)) continue;
+    loop_.post([offer = own_->offer(), i, data = own_->data(i)] { offer->setData(i, data); });
+  }
+}
+
+}  // namespace quorlo
