@@ -16,10 +16,12 @@ class EventPoster {
  public:
   virtual ~EventPoster() = default;
 
+  // Presses the chord by which the frontmost application pastes what is on the pasteboard, whatever the
+  // keyboard layout is now. The tap sees it as the platform's own paste chord, Command-V.
+  virtual void paste() = 0;
+
   // Presses and releases the key `count` times, back to back, with exactly the modifiers of `flags`:
   // modifiers that the user holds do not leak in, and are held again afterwards if they still are.
-  // Command-V is the platform's paste chord: an adapter may press another chord where the frontmost
-  // application pastes by another.
   virtual void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) = 0;
 };
 

@@ -24,9 +24,7 @@ class KeyboardLayout {
  public:
   virtual ~KeyboardLayout() = default;
 
-  // The key that produces the character without modifiers, or the named key; absent when the layout has
-  // none.
-  virtual std::optional<KeyCode> keyCodeForCharacter(char16_t character) const = 0;
+  // Absent when the layout has no such key.
   virtual std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const = 0;
 
   // What is printed on a key that types a character, "Q" or "Ö"; empty for other keys and codes without

@@ -106,6 +106,20 @@ TEST_F(DesktopTypingTest, AGermanLayoutTypesAndExpandsWithUmlautsAltGrAndDeadKey
   EXPECT_EQ(featherpad.textOnceItIs(inFeatherpad), inFeatherpad);
 }
 
+TEST_F(DesktopTypingTest, ThePasteChordStaysOneWhenTheLayoutChangesWhileQuorloRuns) {
+  setLayout("us(dvorak)");
+  startQuorlo(libraryOf({{"sig", "Kind regards, Ada"}, {"шд", "До свидания"}}));
+  const auto editor = openRichEditor();  // is read without pressing keys
+  std::string expected;
+  for (const auto* layout : {"us(dvorak)", "us", "fr(bepo)", "de(neo)", "ru", "us"}) {
+    const bool isRussian = std::string_view(layout) == "ru";
+    setLayout(layout);
+    type(isRussian ? "шд " : "sig ");
+    expected += isRussian ? "До свидания " : "Kind regards, Ada ";
+    ASSERT_EQ(editor->textOnceItIs(expected), expected) << layout;
+  }
+}
+
 TEST_F(DesktopTypingTest, DeadKeysAndComposeGiveTheComposedCharacter) {
   setLayout("us(intl)", "compose:ralt");
   startQuorlo(libraryOf({{"né", "born"}, {"œuv", "work"}}), kLastSymbol);

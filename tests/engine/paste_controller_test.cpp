@@ -18,7 +18,6 @@ struct PasteTest : ExpansionWorld {
   static std::u16string pressing(std::u16string_view value) {
     return u"%specialKey:value=" + std::u16string(value) + u":specialKey%";
   }
-  static constexpr FakeDesktop::Post kPasteChord{key::kV, 0x100008, PostLocation::session, 1};
 };
 
 TEST_F(PasteTest, TheAbbreviationIsErasedAndThePasteboardGivenBack) {
@@ -27,8 +26,8 @@ TEST_F(PasteTest, TheAbbreviationIsErasedAndThePasteboardGivenBack) {
   desktop.queue.advance(Seconds(0.049));
   EXPECT_TRUE(desktop.posts.empty());
   desktop.queue.advance(Seconds(0.002));
-  EXPECT_EQ(desktop.posts,
-            (std::vector<FakeDesktop::Post>{{key::kBackspace, 0, PostLocation::session, 3}, kPasteChord}));
+  EXPECT_EQ(desktop.posts, (std::vector<FakeDesktop::Post>{{key::kBackspace, 0, PostLocation::session, 3},
+                                                           FakeDesktop::kPaste}));
   EXPECT_TRUE(desktop.pasteboard.hasMarker("org.nspasteboard.TransientType"));
   EXPECT_TRUE(desktop.pasteboard.contents().currentHostOnly);
   EXPECT_EQ(snippet->useCount(), 0);
@@ -56,7 +55,7 @@ TEST_F(PasteTest, WithTheLastSymbolOneCharacterLessIsErased) {
   desktop.posts.clear();
   desktop.press(0, 0, u"\U0001F468\u200D\U0001F469");
   desktop.queue.settle();
-  EXPECT_EQ(desktop.posts, std::vector<FakeDesktop::Post>{kPasteChord});
+  EXPECT_EQ(desktop.posts, std::vector<FakeDesktop::Post>{FakeDesktop::kPaste});
 }
 
 TEST_F(PasteTest, ASnippetFromElsewhereErasesNothing) {
@@ -64,7 +63,7 @@ TEST_F(PasteTest, ASnippetFromElsewhereErasesNothing) {
   std::size_t inserted = 0;
   paste.pasteSnippet(snippet->text(), snippet, {}, [&](std::size_t count) { inserted = count; });
   desktop.queue.settle();
-  EXPECT_EQ(desktop.posts, std::vector<FakeDesktop::Post>{kPasteChord});
+  EXPECT_EQ(desktop.posts, std::vector<FakeDesktop::Post>{FakeDesktop::kPaste});
   EXPECT_EQ(inserted, 1U);
 }
 
@@ -160,10 +159,10 @@ TEST_F(PasteTest, KeysBetweenPiecesArePressedInTextOrder) {
   settings.setRemoveTriggerKey(true);
   desktop.typeAndWait(u"f ");
   EXPECT_EQ(desktop.posts, (std::vector<FakeDesktop::Post>{{key::kBackspace, 0, PostLocation::session, 1},
-                                                           kPasteChord,
+                                                           FakeDesktop::kPaste,
                                                            {key::kTab, 0, PostLocation::session, 1},
                                                            {11, 0x20000, PostLocation::session, 1},
-                                                           kPasteChord,
+                                                           FakeDesktop::kPaste,
                                                            {key::kReturn, 0, PostLocation::session, 1}}));
   EXPECT_EQ(desktop.text(), u"a\tb\n");
 }
@@ -183,7 +182,7 @@ TEST_F(PasteTest, TheCaretGoesBackToTheCursorsPlaceAcrossPieces) {
   EXPECT_EQ(desktop.posts.back(), (FakeDesktop::Post{key::kLeftArrow, 0, PostLocation::annotatedSession, 4}));
   // A clean start: the next expansion moves no caret.
   desktop.typeAndWait(u"d ");
-  EXPECT_EQ(desktop.posts.back(), kPasteChord);
+  EXPECT_EQ(desktop.posts.back(), FakeDesktop::kPaste);
 }
 
 TEST_F(PasteTest, EveryKindOfMacroWorksTogether) {
@@ -290,20 +289,6 @@ TEST_F(PasteTest, AnOwnerThatRefusesItsContentsDoesNotStopTheExpansion) {
   add(u"sig", u"S");
   desktop.typeAndWait(u"sig ");
   EXPECT_EQ(desktop.text(), u"S ");
-}
-
-TEST_F(PasteTest, TheLayoutsKeysAreUsedWithTheUsualOnesToFallBackOn) {
-  const auto snippet = add(u"sig", u"S");
-  const auto chordWith = [&](std::optional<KeyCode> v) {
-    desktop.setLayoutKeys(v);
-    PasteController other{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, ownApplication,
-                           notifications, settings, sound, preparation}};
-    other.pasteSnippet(snippet->text(), snippet, {}, nullptr);
-    desktop.queue.settle();
-    return desktop.posts.back().code;
-  };
-  EXPECT_EQ(chordWith(47), 47);
-  EXPECT_EQ(chordWith(std::nullopt), 9);
 }
 
 TEST(PieceContentsTest, EachTypeOffersWhatSuitsThePlaceWhereItLands) {

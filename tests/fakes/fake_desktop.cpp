@@ -117,6 +117,11 @@ std::unique_ptr<EventTap::Port> FakeDesktop::create(Callback callback, void* use
   return std::make_unique<TapPort>(*this, callback, userInfo);
 }
 
+void FakeDesktop::paste() {
+  posts.push_back(kPaste);
+  press({key::kV, modifier::kLeftCommandEvent, u"v", KeyDownEvent::Origin::posted}, PostLocation::session);
+}
+
 void FakeDesktop::postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) {
   posts.push_back({code, flags, location, count});
   const auto characters = (flags & modifier::kCommand) != 0 ? u"v"
@@ -125,12 +130,14 @@ void FakeDesktop::postKey(KeyCode code, ModifierFlags flags, PostLocation locati
                           : code == key::kSpace             ? u" "
                                                             : u"";
   const KeyDownEvent event{code, flags, characters, KeyDownEvent::Origin::posted};
-  for (int i = 0; i < count; ++i) {
-    if (location == PostLocation::session && isTapEnabled()) {
-      port_->callback(TapEventType::keyDown, &event, port_->userInfo);
-    }
-    if (active_ != nullptr) active_->receive(code, flags, characters, pasteboard);
+  for (int i = 0; i < count; ++i) press(event, location);
+}
+
+void FakeDesktop::press(const KeyDownEvent& posted, PostLocation location) {
+  if (location == PostLocation::session && isTapEnabled()) {
+    port_->callback(TapEventType::keyDown, &posted, port_->userInfo);
   }
+  if (active_ != nullptr) active_->receive(posted.keyCode, posted.flags, posted.characters, pasteboard);
 }
 
 Subscription FakeDesktop::begin() {
@@ -153,10 +160,6 @@ void FakeDesktop::deliverHeldKeys() {
 Subscription FakeDesktop::observeLeftMouseDown(std::function<void()> handler) {
   mouseHandler_ = std::move(handler);
   return Subscription([this] { mouseHandler_ = nullptr; });
-}
-
-std::optional<KeyCode> FakeDesktop::keyCodeForCharacter(char16_t character) const {
-  return character == u'v' ? vKeyCode_ : std::nullopt;
 }
 
 std::optional<KeyCode> FakeDesktop::keyCodeForNamedKey(NamedKey name) const {

@@ -74,7 +74,6 @@ class FakeDesktop : public EventTap,
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
   bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }
   bool holdsKeys() const { return holds_ > 0; }
-  void setLayoutKeys(std::optional<KeyCode> v) { vKeyCode_ = v; }
 
   struct Post {
     KeyCode code;
@@ -83,6 +82,8 @@ class FakeDesktop : public EventTap,
     int count;
     bool operator==(const Post&) const = default;
   };
+  // How paste() stands among the posts.
+  static constexpr Post kPaste{0xFFFF, 0, PostLocation::session, 1};
   std::vector<Post> posts;
   std::vector<std::string> openedUrls;
   std::vector<InstalledApplication> installed;
@@ -90,10 +91,10 @@ class FakeDesktop : public EventTap,
   // Ports.
 
   std::unique_ptr<Port> create(Callback callback, void* userInfo) override;
+  void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
   Subscription begin() override;
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
-  std::optional<KeyCode> keyCodeForCharacter(char16_t character) const override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
   // The native numbers of the fake are the program's own.
@@ -128,6 +129,7 @@ class FakeDesktop : public EventTap,
     bool enabled = true;
   };
 
+  void press(const KeyDownEvent& posted, PostLocation location);
   void deliver(const KeyDownEvent& event);
   void deliverHeldKeys();
 
@@ -141,7 +143,6 @@ class FakeDesktop : public EventTap,
   int holdGeneration_ = 0;  // holds of an earlier one have been ended
   bool trusted_ = true;
   bool refusesTaps_ = false;
-  std::optional<KeyCode> vKeyCode_ = key::kV;
   std::string own_ = "org.quorlo.Quorlo";
 };
 

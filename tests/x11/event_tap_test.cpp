@@ -310,7 +310,7 @@ TEST_F(EventTapTest, EachKeyboardKeepsItsOwnLayoutDuringTheTapAndAfterIt) {
 TEST_F(EventTapTest, ThePasteChordFitsTheApplicationAndTheLayout) {
   const auto pasteChord = [&] {
     window.clear();
-    poster.postKey(key::kV, modifier::kLeftCommandEvent, PostLocation::session, 1);
+    poster.paste();
     keyboard.pumpUntil([&] { return window.log().ends_with("_L>"); });
     return window.typed();
   };
@@ -326,6 +326,9 @@ TEST_F(EventTapTest, ThePasteChordFitsTheApplicationAndTheLayout) {
   EXPECT_EQ(pasteChord(), "<Control_L>v");
   ASSERT_TRUE(setLayout("ru", 0));
   EXPECT_EQ(pasteChord(), "<Shift_L><Insert>") << "no key has a v";
+  window.clear();
+  poster.postKey(key::kV, modifier::kCommand, PostLocation::session, 1);
+  EXPECT_EQ(typedOnceItIs("<Control_L>м"), "<Control_L>м") << "a key of the user's";
   EXPECT_EQ(pastes, (std::vector{PasteSelection::clipboard, PasteSelection::clipboardAndPrimary,
                                  PasteSelection::clipboard, PasteSelection::clipboard}));
 }

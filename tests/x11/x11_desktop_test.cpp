@@ -170,7 +170,7 @@ TEST(X11DesktopTest, EveryKindOfApplicationPastesThePiecesThatWereReplacedAtOnce
   };
   const auto pasteAndReplace = [&](const std::string& text) {
     put(text);
-    x11->eventPoster().postKey(key::kV, modifier::kLeftCommandEvent, PostLocation::session);
+    x11->eventPoster().paste();
     put("the user's");
   };
   const auto expectBothPieces = [&](Application& application) {

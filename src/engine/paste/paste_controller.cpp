@@ -46,7 +46,6 @@ bool isClipboardKey(std::string_view type) {
 PasteController::PasteController(const Dependencies& dependencies)
     : use_(dependencies),
       generalPasteboard(dependencies.generalPasteboard),
-      vKeyCode(use_.layout.keyCodeForCharacter(u'v').value_or(key::kV)),
       deleteKeyCode(use_.layout.keyCodeForNamedKey(NamedKey::deleteBackward).value_or(key::kBackspace)),
       leftArrowKeyCode(use_.layout.keyCodeForNamedKey(NamedKey::leftArrow).value_or(key::kLeftArrow)) {
   use_.notifications.setActionHandler(life_.guard([this](const std::string& category) {
@@ -258,7 +257,7 @@ void PasteController::postPaste() {
 }
 
 void PasteController::pressPasteChord() {
-  use_.poster.postKey(vKeyCode, modifier::kLeftCommandEvent, PostLocation::session);
+  use_.poster.paste();
 }
 
 void PasteController::typeNextSpecialKey() {

@@ -124,7 +124,6 @@ class PasteController {
   AttributedString snippetText;
   std::deque<AttributedString> seperatedSnippetText;
   std::size_t numberOfKeyTypesToGetToCursorPosition = 0;
-  KeyCode vKeyCode;
   KeyCode deleteKeyCode;
   KeyCode leftArrowKeyCode;
   PastingCompletion pastingCompletionHandler;

@@ -12,9 +12,6 @@ namespace quorlo {
 
 namespace {
 
-constexpr ModifierFlags kChordModifiers =
-    modifier::kShift | modifier::kControl | modifier::kOption | modifier::kCommand;
-
 struct ModifierKey {
   ModifierFlags flag;
   XKeysym keysym;
@@ -37,22 +34,30 @@ X11EventPoster::X11EventPoster(KeyboardService& keyboard, const PasteChords& cho
       activeWindow_(std::move(activeWindow)),
       pasteWillBePosted_(std::move(pasteWillBePosted)) {}
 
-void X11EventPoster::postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) {
+void X11EventPoster::paste() {
   if (keyboard_.map() == nullptr) return;
-  auto chord = chordFor(code, flags);
   const auto window = activeWindow_();
   const bool terminal = chords_.pastesFromPrimary(window.bundleIdentifier, window.windowClass);
-  if (const auto paste = pasteChordFor(code, flags, terminal)) {
-    chord = *paste;
-    pasteWillBePosted_({window.window, window.processIdentifier},
-                       terminal ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard);
-  }
+  const auto chord = pasteChord(terminal);
+  pasteWillBePosted_({window.window, window.processIdentifier},
+                     terminal ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard);
+  keyboard_.report({key::kV, modifier::kLeftCommandEvent, u"v", KeyDownEvent::Origin::posted});
+  press(chord, 1);
+}
+
+void X11EventPoster::postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) {
+  if (keyboard_.map() == nullptr) return;
+  const auto chord = chordFor(code, flags);
   if (chord.key == 0) {
     logWarning("The keyboard layout has no key for the code " + std::to_string(code) +
                "; it is not pressed.");
     return;
   }
   if (location == PostLocation::session) report(code, flags, count);
+  press(chord, count);
+}
+
+void X11EventPoster::press(const Chord& chord, int count) const {
   keyboard_.post([&](KeyStream::Output& output) {
     for (int i = 0; i < count; ++i) {
       for (const auto modifier : chord.modifiers) output.press(modifier);
@@ -75,24 +80,14 @@ X11EventPoster::Chord X11EventPoster::chordFor(KeyCode code, ModifierFlags flags
   return chord;
 }
 
-std::optional<X11EventPoster::Chord> X11EventPoster::pasteChordFor(KeyCode code, ModifierFlags flags,
-                                                                   bool terminal) const {
-  if ((flags & kChordModifiers) != modifier::kCommand) return std::nullopt;
-  const auto& map = *keyboard_.map();
-  const auto layout = keyboard_.layout();
-  const auto keyOfV = map.keyFor(XKB_KEY_v, layout);
-  // The caller may have looked its key up in another layout than the one in effect now.
-  const auto anyKeyOfV = map.keyForInAnyLayout(XKB_KEY_v, layout);
-  if (code != key::kV && keycodeAtPlace(code) != keyOfV && keycodeAtPlace(code) != anyKeyOfV)
-    return std::nullopt;
-  // Toolkits find the shortcut of a key in the other layouts as well; where none has a v, the one chord
-  // that is left has no letter.
-  if (!terminal && anyKeyOfV != 0) {
-    auto chord = chordFor(key::kV, modifier::kCommand);
-    chord.key = anyKeyOfV;
-    return chord;
-  }
-  return chordFor(key::kHelp, modifier::kShift);
+// Toolkits find the shortcut of a key in the other layouts as well; where none has a v, the one chord that is
+// left has no letter.
+X11EventPoster::Chord X11EventPoster::pasteChord(bool terminal) const {
+  const auto keyOfV = keyboard_.map()->keyForInAnyLayout(XKB_KEY_v, keyboard_.layout());
+  if (terminal || keyOfV == 0) return chordFor(key::kHelp, modifier::kShift);
+  auto chord = chordFor(key::kV, modifier::kCommand);
+  chord.key = keyOfV;
+  return chord;
 }
 
 void X11EventPoster::report(KeyCode code, ModifierFlags flags, int count) const {

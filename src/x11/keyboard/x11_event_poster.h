@@ -6,7 +6,6 @@
 #include "x11/selection/paste_target.h"
 
 #include <functional>
-#include <optional>
 #include <vector>
 
 namespace quorlo {
@@ -14,7 +13,7 @@ namespace quorlo {
 class KeyboardService;
 class PasteChords;
 
-// Presses keys by XTEST. The paste chord becomes the one that the frontmost application pastes by.
+// Presses keys by XTEST.
 class X11EventPoster : public EventPoster {
  public:
   using PasteAnnouncement = std::function<void(const PasteTarget&, PasteSelection)>;
@@ -23,6 +22,7 @@ class X11EventPoster : public EventPoster {
   X11EventPoster(KeyboardService& keyboard, const PasteChords& chords,
                  std::function<ActiveWindow()> activeWindow, PasteAnnouncement pasteWillBePosted);
 
+  void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) override;
 
  private:
@@ -31,8 +31,8 @@ class X11EventPoster : public EventPoster {
     std::vector<XKeycode> modifiers;
   };
   Chord chordFor(KeyCode code, ModifierFlags flags) const;
-  // Absent when the keys are not those of the paste chord.
-  std::optional<Chord> pasteChordFor(KeyCode code, ModifierFlags flags, bool terminal) const;
+  Chord pasteChord(bool terminal) const;
+  void press(const Chord& chord, int count) const;
   void report(KeyCode code, ModifierFlags flags, int count) const;
 
   KeyboardService& keyboard_;

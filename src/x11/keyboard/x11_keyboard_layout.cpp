@@ -6,10 +6,6 @@
 
 namespace quorlo {
 
-std::optional<KeyCode> X11KeyboardLayout::keyCodeForCharacter(char16_t character) const {
-  return keyCodeForKeysym(xkb_utf32_to_keysym(character));
-}
-
 std::optional<KeyCode> X11KeyboardLayout::keyCodeForNamedKey(NamedKey name) const {
   return keyCodeForKeysym(name == NamedKey::deleteBackward ? XKB_KEY_BackSpace : XKB_KEY_Left);
 }

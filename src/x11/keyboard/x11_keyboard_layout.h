@@ -11,7 +11,6 @@ class X11KeyboardLayout : public KeyboardLayout {
  public:
   explicit X11KeyboardLayout(const KeyboardService& keyboard) : keyboard_(keyboard) {}
 
-  std::optional<KeyCode> keyCodeForCharacter(char16_t character) const override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override;
   std::optional<Shortcut> shortcutOf(const NativeKeyPress& press) const override;
