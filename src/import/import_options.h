@@ -5,7 +5,7 @@
 
 namespace quorlo {
 
-// Into the folders that the file itself names, and into none what stands in none of them.
+// Into the folders that the file itself names, and into All Snippets what stands in none of them.
 struct ImportAsFiled {
   bool operator==(const ImportAsFiled&) const = default;
 };

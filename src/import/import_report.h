@@ -12,7 +12,7 @@ namespace quorlo {
 
 // The snippets that went into one folder, by uuid.
 struct ImportedInto {
-  std::string folder;  // empty for none
+  std::string folder;  // empty for All Snippets
   std::vector<std::string> snippets;
 };
 

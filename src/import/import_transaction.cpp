@@ -4,6 +4,7 @@
 #include "import/file_bytes.h"
 #include "import/work_progress.h"
 #include "store/abbreviation_rules.h"
+#include "store/built_in_folders.h"
 #include "store/library_document.h"
 #include "store/library_editing.h"
 #include "store/localized_format.h"
@@ -66,6 +67,7 @@ ImportTransaction::~ImportTransaction() {
 
 Status ImportTransaction::begin() {
   readFolders();
+  unfiled_ = builtInFolder(context_, CategoryType::AllSnippets);
   if (const auto* titled = std::get_if<ImportIntoTitled>(&options_.destination)) {
     if (isBlank(titled->title)) return Error{toUtf8(localized(u"The new folder has no name. Give it one."))};
     destination_ = folderOfTitle(titled->title);
@@ -113,9 +115,8 @@ void ImportTransaction::addSnippet(const ImportedSnippet& record, const ImportDa
   snippet->setModifiedDate(now_);
   setAbbreviation(*snippet, trimmed(record.abbreviation));
   insert(snippet);
-  auto* const folder = folderFor(record, data);
-  snippet->setCategory(folder);
-  noteAdded(*snippet, folder);
+  snippet->setCategory(folderFor(record, data));
+  noteAdded(*snippet);
   if (duplicates_) duplicates_->add(*snippet);
 }
 
@@ -161,17 +162,19 @@ void ImportTransaction::noteRefusal(const QLSnippet& snippet, std::u16string mes
   report_.notices.push_back({quotation(snippet.displayTitle()), std::move(message)});
 }
 
-void ImportTransaction::noteAdded(const QLSnippet& snippet, const QLCategory* folder) {
+void ImportTransaction::noteAdded(const QLSnippet& snippet) {
   ++report_.addedSnippets;
+  const auto folder = folderOfChoice(snippet);
   const auto [place, isNew] = places_.try_emplace(folder, report_.imported.size());
-  if (isNew) report_.imported.push_back({folder == nullptr ? std::string() : folder->uuid(), {}});
+  if (isNew) report_.imported.push_back({folder, {}});
   report_.imported[place->second].snippets.push_back(snippet.uuid());
 }
 
 QLCategory* ImportTransaction::folderFor(const ImportedSnippet& record, const ImportData& data) {
-  if (destination_ != nullptr || !record.folder || *record.folder >= data.folders.size()) return destination_;
+  if (destination_ != nullptr) return destination_;
+  if (!record.folder || *record.folder >= data.folders.size()) return unfiled_.get();
   const auto& title = data.folders[*record.folder];
-  return isBlank(title) ? nullptr : folderOfTitle(title);
+  return isBlank(title) ? unfiled_.get() : folderOfTitle(title);
 }
 
 QLCategory* ImportTransaction::folderOfTitle(const std::u16string& title) {
@@ -212,7 +215,7 @@ Status ImportTransaction::addLibrary(std::string_view json, const std::filesyste
   inserted_.insert(inserted_.end(), came.added.begin(), came.added.end());
   report_.presentSnippets += came.presentSnippets;
   for (const auto& each : came.addedFolders) report_.addedFolders.push_back(each->uuid());
-  for (const auto& each : came.addedSnippets) noteAdded(*each, each->category().get());
+  for (const auto& each : came.addedSnippets) noteAdded(*each);
   for (const auto& each : came.warnings) noteRefusal(*each.snippet, toUtf16(each.message));
   for (const auto& each : came.added) {
     if (each->entity() != Entity::app) continue;

@@ -52,7 +52,7 @@ class ImportTransaction {
   bool skipsDuplicate(const ImportedSnippet& record, std::u16string_view title, const AttributedString& text);
   void setAbbreviation(QLSnippet& snippet, std::u16string_view abbreviation);
   void noteRefusal(const QLSnippet& snippet, std::u16string message);
-  void noteAdded(const QLSnippet& snippet, const QLCategory* folder);
+  void noteAdded(const QLSnippet& snippet);
   QLCategory* folderFor(const ImportedSnippet& record, const ImportData& data);
   QLCategory* folderOfTitle(const std::u16string& title);
   QLCategory* folderOfUuid(const std::string& uuid) const;
@@ -69,9 +69,10 @@ class ImportTransaction {
   std::vector<std::shared_ptr<ManagedObject>> inserted_;
   std::unordered_map<std::u16string, QLCategory*> userFolders_;  // by title
   std::int64_t lastSort_ = 0;
-  QLCategory* destination_ = nullptr;
+  QLCategory* destination_ = nullptr;    // null as filed
+  std::shared_ptr<QLCategory> unfiled_;  // takes records without a folder; null until the library has it
   std::optional<DuplicateSnippets> duplicates_;
-  std::unordered_map<const QLCategory*, std::size_t> places_;  // in report_.imported
+  std::unordered_map<std::string, std::size_t> places_;  // in report_.imported, by folder
 };
 
 }  // namespace quorlo

@@ -5,6 +5,7 @@
 #include "import/import_transaction.h"
 #include "import/work_progress.h"
 #include "store/folder_types.h"
+#include "store/library_editing.h"
 #include "store/managed_object_context.h"
 #include "store/ql_app.h"
 #include "store/ql_category.h"
@@ -44,8 +45,7 @@ class Undo {
     for (const auto& each : snippets.value()) {
       const auto imported = folderOf.find(each->uuid());
       if (imported == folderOf.end()) continue;
-      const auto folder = each->category();
-      if (isUntouched(*each) && (folder ? folder->uuid() : std::string()) == imported->second) {
+      if (isUntouched(*each) && folderOfChoice(*each) == imported->second) {
         goes_.push_back(each);
         ++undone_.removedSnippets;
       } else {

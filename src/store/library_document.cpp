@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "store/abbreviation_rules.h"
+#include "store/built_in_folders.h"
 #include "store/json_document.h"
 #include "store/library_exchange.h"
 #include "store/managed_object_context.h"
@@ -24,7 +25,11 @@ namespace {
 class LibraryInsertion {
  public:
   LibraryInsertion(ManagedObjectContext& context, const LibraryExchange& library, QLCategory* destination)
-      : context_(context), library_(library), destination_(destination) {}
+      : context_(context),
+        library_(library),
+        destination_(destination),
+        allSnippets_(builtInFolder(context, CategoryType::AllSnippets)),
+        unfiled_(destination != nullptr ? destination : allSnippets_.get()) {}
 
   // Finds what the library already holds, and what the document expects there in vain.
   Status prepare() {
@@ -91,7 +96,7 @@ class LibraryInsertion {
       return;
     }
     const auto found = folderOf_.find(form.uuid);
-    auto* const folder = found == folderOf_.end() ? destination_ : found->second;
+    auto* const folder = found == folderOf_.end() ? unfiled_ : found->second;
     const auto snippet = std::make_shared<QLSnippet>();
     snippet->setUuid(form.uuid);
     snippet->setTitle(form.title.empty() ? titleFromText(form.text.string()) : form.title);
@@ -149,6 +154,8 @@ class LibraryInsertion {
   ManagedObjectContext& context_;
   const LibraryExchange& library_;
   QLCategory* const destination_;
+  const std::shared_ptr<QLCategory> allSnippets_;
+  QLCategory* const unfiled_;  // of snippets without a folder
   const Date now_ = context_.now();
   LibraryReadReport report_;
   std::unordered_map<std::string, QLSnippet*> snippets_;  // in the library before

@@ -36,6 +36,7 @@ struct LibraryReadReport {
 // fault in a document leaves the context as it was, and the error says where it is and what to do.
 // The context is not saved.
 //
+// Snippets in no folder of the document go to All Snippets, if the library has that folder by now.
 // With a destination, a folder of the user's own, all snippets go there and no folder is added.
 Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context,
                                           QLCategory* destination = nullptr);

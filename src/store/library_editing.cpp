@@ -61,6 +61,12 @@ std::shared_ptr<QLSnippet> duplicate(const QLSnippet& snippet) {
   return copy;
 }
 
+std::string folderOfChoice(const QLSnippet& snippet) {
+  const auto folder = snippet.category();
+  const auto isChosen = folder && folder->type() != static_cast<std::int64_t>(CategoryType::AllSnippets);
+  return isChosen ? folder->uuid() : std::string();
+}
+
 bool isDestinationOfMove(const QLCategory& folder) {
   return takesSnippets(folder) || isTrash(folder);
 }

@@ -23,6 +23,10 @@ std::shared_ptr<QLSnippet> duplicate(const QLSnippet& snippet);
 // Whether snippets can be put into the folder; the built-in ones only collect what is elsewhere.
 bool takesSnippets(const QLCategory& folder);
 
+// The uuid of the folder that was chosen for the snippet; empty in All Snippets, where the snippets without a
+// folder belong and repairs put them.
+std::string folderOfChoice(const QLSnippet& snippet);
+
 // Whether snippets can be moved to the folder: one that takes them, or the trash.
 bool isDestinationOfMove(const QLCategory& folder);
 // To such a folder. Out of the trash they are live again.

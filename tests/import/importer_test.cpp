@@ -2,6 +2,7 @@
 
 #include "import/import_report.h"
 #include "import/work_progress.h"
+#include "store/library_document.h"
 #include "store/test_library.h"
 #include "text/utf.h"
 
@@ -220,6 +221,25 @@ TEST_F(ImporterTest, TakesBackWhatNobodyHasTouched) {
   EXPECT_EQ(library.commits.size(), 1U);
   EXPECT_EQ(library.controller.snippet(uuids[0]), nullptr);
   EXPECT_EQ(undoImport(report, context, progress).value().removedSnippets, 0U);
+}
+
+TEST_F(ImporterTest, FilesUnderAllSnippetsAtOnceAndDoesNotTakeRepairsForTheUsersDoing) {
+  const auto data = dataOf({record(u"loose", u"", u"x"), record(u"moved", u"", u"y")});
+  const std::string document = R"({"snippets": [{"text": "from a document", "title": "own"}]})";
+  const auto early = import(data).value();  // before the library has its built-in folders
+  library.controller.createBuiltInFolders();
+  EXPECT_TRUE(library.controller.migrateFolders());
+  EXPECT_EQ(undoImport(early, context, progress).value().removedSnippets, 2U);
+
+  const auto report = import(data).value();
+  const auto all = library.controller.builtInFolder(CategoryType::AllSnippets);
+  const auto& uuids = report.imported.front().snippets;
+  EXPECT_EQ(library.controller.snippet(uuids[0])->category(), all);
+  library.controller.snippet(uuids[1])->setCategory(work.get());
+  EXPECT_EQ(undoImport(report, context, progress).value().keptSnippets, 1U);
+
+  const auto read = readLibrary(document, "document", context);
+  EXPECT_EQ(read.value().addedSnippets.front()->category(), all);
 }
 
 TEST_F(ImporterTest, ReportsWhateverNamesFilesHave) {
