@@ -6,6 +6,7 @@
 #include "engine/expansion_rules.h"
 #include "platform/main_queue.h"
 #include "platform/mouse_monitor.h"
+#include "platform/typing_context.h"
 #include "platform/workspace.h"
 #include "store/expansion_lookup.h"
 #include "store/folder_types.h"
@@ -107,6 +108,10 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
 
 bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   const auto& frontmost = use_.accessibility.frontmostApplication();
+  if (use_.context.obstacle()) {
+    potentialAbbreviation.clear();
+    return false;
+  }
   if (frontmost && frontmost->bundleIdentifier && isApplicationExcluded(*frontmost->bundleIdentifier)) {
     return false;
   }

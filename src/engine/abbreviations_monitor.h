@@ -20,6 +20,7 @@ class MouseMonitor;
 class PersistenceController;
 class QLSnippet;
 class SettingsController;
+class TypingContext;
 class Workspace;
 struct RunningApplication;
 
@@ -33,6 +34,7 @@ class AbbreviationsMonitor {
     EventTap& tap;
     MouseMonitor& mouse;
     Workspace& workspace;
+    TypingContext& context;
     SettingsController& settings;
     AccessibilityManager& accessibility;
     PersistenceController& persistence;

@@ -108,7 +108,7 @@ QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
 
 void Program::Parts::createAbbreviationsMonitor() {
   monitor.emplace(AbbreviationsMonitor::Dependencies{queue, desktop->eventTap(), desktop->mouseMonitor(),
-                                                     desktop->workspace(), settings, accessibility,
+                                                     desktop->workspace(), context, settings, accessibility,
                                                      persistence, persistence.managedObjectContext(), paste});
   shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
 }

@@ -22,6 +22,7 @@
 #include "platform/system_environment.h"
 #include "program/application_service.h"
 #include "program/program.h"
+#include "program/session_typing_context.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
 #include "store/background_context.h"
@@ -102,6 +103,7 @@ struct Program::Parts {
   AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
   Subscription accessibilityAddress = desktop->serveAddress(
       std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
+  SessionTypingContext context{{}};
   ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};

@@ -195,6 +195,23 @@ TEST_F(MonitorTest, PostedKeysChangeTheBufferButNeverExpand) {
   EXPECT_FALSE(monitor.handleKeyDown({0, 0, u"g", KeyDownEvent::Origin::posted}));
 }
 
+TEST_F(MonitorTest, NothingExpandsAndNothingIsRememberedWhereSomethingStandsAgainstIt) {
+  add(u"brb", u"be right back");
+  useLastSymbol();
+  for (const auto obstacle :
+       {TypingObstacle::keyboardIsTaken, TypingObstacle::passwordField, TypingObstacle::inputMethod}) {
+    desktop.front().text.clear();
+    desktop.type(u"br");
+    desktop.setObstacle(obstacle);
+    desktop.typeAndWait(u"b brb");
+    EXPECT_EQ(desktop.text(), u"brb brb");
+    EXPECT_EQ(monitor.typedText(), u"");
+    desktop.setObstacle({});
+    desktop.typeAndWait(u"b brb");
+    EXPECT_EQ(desktop.text(), u"brb brbb be right back");
+  }
+}
+
 TEST_F(MonitorTest, AFailingLookupIsLoggedAndTheKeyPasses) {
   struct Failing : ExpansionLookup {
     Result<std::shared_ptr<QLSnippet>> liveSnippet(std::u16string_view) const override {
@@ -202,8 +219,8 @@ TEST_F(MonitorTest, AFailingLookupIsLoggedAndTheKeyPasses) {
     }
     Result<bool> hasApp(std::string_view, std::int64_t) const override { return Error{"disk on fire"}; }
   } failing;
-  AbbreviationsMonitor broken{
-      {desktop.queue, desktop, desktop, desktop, settings, accessibility, persistence, failing, paste}};
+  AbbreviationsMonitor broken{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
+                               persistence, failing, paste}};
   std::vector<std::string> lines;
   const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
   broken.handleKeyDown({0, 0, u"s", KeyDownEvent::Origin::keyboard});

@@ -96,8 +96,8 @@ struct ExpansionWorld : testing::Test {
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
   PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, ownApplication,
                          notifications, settings, sound, preparation}};
-  AbbreviationsMonitor monitor{
-      {desktop.queue, desktop, desktop, desktop, settings, accessibility, persistence, context, paste}};
+  AbbreviationsMonitor monitor{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
+                                persistence, context, paste}};
 };
 
 }  // namespace quorlo

@@ -8,6 +8,7 @@
 #include "platform/keyboard_layout.h"
 #include "platform/mouse_monitor.h"
 #include "platform/typed_keys_hold.h"
+#include "platform/typing_context.h"
 #include "platform/workspace.h"
 
 #include <deque>
@@ -40,6 +41,7 @@ class FakeDesktop : public EventTap,
                     public MouseMonitor,
                     public KeyboardLayout,
                     public AccessibilityTrust,
+                    public TypingContext,
                     public Workspace {
  public:
   FakeMainQueue queue;
@@ -69,6 +71,7 @@ class FakeDesktop : public EventTap,
 
   void grantTrust(bool trusted) { trusted_ = trusted; }
   void refuseTaps(bool refuse) { refusesTaps_ = refuse; }
+  void setObstacle(std::optional<TypingObstacle> obstacle) { obstacle_ = obstacle; }
   void timeOutTap();
   bool hasTap() const { return port_ != nullptr; }
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
@@ -106,6 +109,7 @@ class FakeDesktop : public EventTap,
     if (trusted_) return {};
     return {AccessibilityObstacle::noXtest};
   }
+  std::optional<TypingObstacle> obstacle() const override { return obstacle_; }
   const RunningApplications& runningApplications() const override { return running_; }
   std::vector<InstalledApplication> installedApplications() const override { return installed; }
   const std::string& ownBundleIdentifier() const override { return own_; }
@@ -142,6 +146,7 @@ class FakeDesktop : public EventTap,
   int holds_ = 0;
   int holdGeneration_ = 0;  // holds of an earlier one have been ended
   bool trusted_ = true;
+  std::optional<TypingObstacle> obstacle_;
   bool refusesTaps_ = false;
   std::string own_ = "org.quorlo.Quorlo";
 };
