@@ -66,6 +66,7 @@ class KeyboardDesktop {
   std::vector<KeyDownEvent> seen;
   std::string seenText;  // the characters of the keyboard's presses
   int timeouts = 0;
+  int unseen = 0;  // notices that keys passed unseen
   int connectionsLost = 0;
 
  private:
