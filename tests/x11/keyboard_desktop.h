@@ -92,7 +92,7 @@ class KeyboardTest : public ::testing::Test {
   VirtualKeyboard& keys() { return desktop_->keyboard(); }
   // What the window has once it is that, or what it has after a while.
   std::string typedOnceItIs(const std::string& text) {
-    keyboard.pumpUntil([&] { return window.typed() == text; }, std::chrono::milliseconds(3000));
+    keyboard.pumpUntil([&] { return window.typed() == text; });
     return window.typed();
   }
 
