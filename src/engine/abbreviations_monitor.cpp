@@ -4,6 +4,7 @@
 #include "base/log.h"
 #include "engine/accessibility_manager.h"
 #include "engine/expansion_rules.h"
+#include "engine/typed_key.h"
 #include "platform/main_queue.h"
 #include "platform/mouse_monitor.h"
 #include "platform/typing_context.h"
@@ -23,22 +24,6 @@ namespace {
 constexpr Seconds kFirstUpdateDelay{0.1};
 constexpr int kLongestTailWithinWord = 29;
 constexpr auto kExcluded = static_cast<std::int64_t>(AppType::Excluded);
-
-bool isResetKey(KeyCode code) {
-  switch (code) {
-    case key::kForwardDelete:
-    case key::kLeftArrow:
-    case key::kRightArrow:
-    case key::kDownArrow:
-    case key::kUpArrow:
-    case key::kReturn:
-    case key::kTab:
-    case key::kSpace:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool isSameApplication(const RunningApplication* a, const RunningApplication* b) {
   if (a == nullptr || b == nullptr) return a == b;
@@ -99,11 +84,9 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
   auto& monitor = *static_cast<AbbreviationsMonitor*>(userInfo);
   if (type == TapEventType::kCGEventTapDisabledByTimeout) {
     logError("ERROR: #4ughugir - kCGEventTapDisabledByTimeout");
-    monitor.potentialAbbreviation.clear();
     if (monitor._eventTap) monitor._eventTap->enable();
     return TapVerdict::pass;
   }
-  if (type == TapEventType::keysPassedUnseen) monitor.potentialAbbreviation.clear();
   if (event == nullptr) return TapVerdict::pass;
   return monitor.handleKeyDown(*event) ? TapVerdict::swallow : TapVerdict::pass;
 }
@@ -124,7 +107,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   const auto trigger = use_.settings.abbreviationsTriggerType();
   bool swallow = false;
   if (mayExpand && trigger == AbbreviationTriggerType::delimiterKey &&
-      use_.settings.activeAbbreviationKeyStrings().contains(event.characters)) {
+      isDelimiter(event, use_.settings.activeAbbreviationKeyStrings())) {
     if (const auto match = findTypedAbbreviation(); match.snippet) {
       if (!folderAllowsExpansion(*match.snippet, frontmost.get())) return false;
       expand(match, event.characters);
@@ -135,7 +118,8 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   editBuffer(event);
   lastActiveApplication = frontmost;
 
-  if (mayExpand && trigger == AbbreviationTriggerType::lastSymbol) {
+  const bool addsText = typedKey(event) == TypedKey::text && !event.characters.empty();
+  if (mayExpand && addsText && trigger == AbbreviationTriggerType::lastSymbol) {
     if (const auto match = findTypedAbbreviation();
         match.snippet && folderAllowsExpansion(*match.snippet, frontmost.get())) {
       expand(match, {});
@@ -146,13 +130,13 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
 }
 
 void AbbreviationsMonitor::editBuffer(const KeyDownEvent& event) {
-  const bool hasSpace = event.characters.find_first_of(u" \u00A0") != std::u16string::npos;
-  if (isResetKey(event.keyCode) || hasSpace || (event.flags & modifier::kCommand) != 0) {
-    potentialAbbreviation.clear();
-  } else if (event.keyCode == key::kBackspace) {
-    potentialAbbreviation.removeLast();
-  } else {
-    potentialAbbreviation.append(event.characters);
+  switch (typedKey(event)) {
+    case TypedKey::end:
+      return potentialAbbreviation.clear();
+    case TypedKey::backspace:
+      return potentialAbbreviation.removeLast();
+    case TypedKey::text:
+      return potentialAbbreviation.append(event.characters);
   }
 }
 

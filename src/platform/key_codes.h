@@ -15,6 +15,7 @@ inline constexpr KeyCode kTab = 48;
 inline constexpr KeyCode kSpace = 49;
 inline constexpr KeyCode kBackspace = 51;
 inline constexpr KeyCode kEscape = 53;
+inline constexpr KeyCode kKeypadEnter = 76;
 inline constexpr KeyCode kHelp = 114;  // the Insert key of a PC keyboard
 inline constexpr KeyCode kHome = 115;
 inline constexpr KeyCode kPageUp = 116;
@@ -38,6 +39,8 @@ inline constexpr ModifierFlags kControl = 0x40000;
 inline constexpr ModifierFlags kOption = 0x80000;
 inline constexpr ModifierFlags kCommand = 0x100000;
 inline constexpr ModifierFlags kLeftCommandEvent = 0x100008;
+// A key pressed with one of these is a command, not typing. The level that AltGr chooses has no flag.
+inline constexpr ModifierFlags kCommands = kControl | kOption | kCommand;
 }  // namespace modifier
 
 // Keys without text carry one of these private-use characters as their characters, from

@@ -56,7 +56,7 @@ constexpr auto kOtherCommandKeys = std::to_array<Name>({
 constexpr auto kTextKeys = std::to_array<Name>({
     {key::kSpace, u"Space"},
     {key::kReturn, u"Return"},
-    {76, u"Num Enter"},
+    {key::kKeypadEnter, u"Num Enter"},
     {key::kTab, u"Tab"},
     {key::kBackspace, u"Backspace"},
     {key::kEscape, u"Esc"},

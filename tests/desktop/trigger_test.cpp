@@ -47,6 +47,23 @@ TEST_F(DesktopTriggerTest, EveryChosenDelimiterExpandsAndOnlyThose) {
   EXPECT_EQ(editor.textOnceItIs(expected), expected);
 }
 
+TEST_F(DesktopTriggerTest, AChordExpandsNothingAndReachesTheApplication) {
+  startQuorlo(delimiters(kSpace | kTab | kReturn));
+  const auto editor = openRichEditor();
+  for (const auto* chord : {"Ctrl+space", "Alt+space", "Super+space", "Ctrl+Tab", "Super+Return"}) {
+    type("sig");
+    keyboard().tap(chord);
+    type(",");
+  }
+  type("sig");
+  keyboard().tap("Shift+Return");
+  type("a");
+  keyboard().tap("KP_Enter");
+  type("brb ");
+  const std::string expected = "sig,sig ,sig ,sig,sig,sig\na\nbe right back ";
+  EXPECT_EQ(editor->textOnceItIs(expected), expected);
+}
+
 TEST_F(DesktopTriggerTest, TheDelimiterIsDroppedWhenTheSettingSaysSo) {
   startQuorlo(delimiters(kSpace | kFullStop, true));
   Featherpad editor(desktop());

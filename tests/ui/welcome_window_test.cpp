@@ -107,6 +107,9 @@ TEST_F(WelcomeWindowTest, TheFieldExpandsAsTheSettingsSay) {
   EXPECT_EQ(tryOut("brb "), QStringLiteral("be right back"));
   settings.setAbbreviationsTriggerType(AbbreviationTriggerType::lastSymbol);
   EXPECT_EQ(tryOut("brb"), QStringLiteral("be right back"));
+  tryOut("brbx");
+  QTest::keyClick(window.findChild<QPlainTextEdit*>(), Qt::Key_Backspace);
+  EXPECT_EQ(window.findChild<QPlainTextEdit*>()->toPlainText(), QStringLiteral("brb")) << "types nothing";
 }
 
 }  // namespace

@@ -9,10 +9,9 @@ namespace quorlo {
 
 namespace {
 
-std::filesystem::path fileOf(const VirtualDesktop& desktop, const std::string& name,
-                             const std::string& text = {}) {
+std::filesystem::path emptyFile(const VirtualDesktop& desktop, const std::string& name) {
   const auto path = desktop.directory() / name;
-  writeFile(path, text);
+  writeFile(path, "");
   return path;
 }
 
@@ -33,7 +32,7 @@ std::filesystem::path freshPath(const VirtualDesktop& desktop, const std::string
 std::filesystem::path featherpadFile(const VirtualDesktop& desktop, const std::string& name) {
   std::filesystem::create_directories(desktop.configHome() / "featherpad");
   writeFile(desktop.configHome() / "featherpad" / "fp.conf", "[text]\nappendEmptyLine=false\n");
-  return fileOf(desktop, name);
+  return emptyFile(desktop, name);
 }
 
 void eraseLast(std::string& utf8) {
@@ -62,8 +61,9 @@ std::string Application::textOnceItIs(const std::string& expected) {
 }
 
 Xterm::Xterm(VirtualDesktop& desktop, const std::string& name)
-    : Application(desktop, {"xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "14", "-e", "sh", "-c",
-                            "stty raw -echo && exec cat >'" + fileOf(desktop, name + ".txt").string() + "'"}),
+    : Application(desktop,
+                  {"xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "14", "-e", "sh", "-c",
+                   "stty raw -echo && exec cat >'" + emptyFile(desktop, name + ".txt").string() + "'"}),
       file_(desktop.directory() / (name + ".txt")) {}
 
 std::string Xterm::bytes() const {
@@ -101,8 +101,8 @@ std::string FileEditor::textOnceItIs(const std::string& expected) {
   return seen;
 }
 
-Mousepad::Mousepad(VirtualDesktop& desktop, const std::string& fileName, const std::string& text)
-    : FileEditor(desktop, {"mousepad", "--disable-server", fileOf(desktop, fileName, text)},
+Mousepad::Mousepad(VirtualDesktop& desktop, const std::string& fileName)
+    : FileEditor(desktop, {"mousepad", "--disable-server", emptyFile(desktop, fileName)},
                  desktop.directory() / fileName) {}
 
 Featherpad::Featherpad(VirtualDesktop& desktop, const std::string& fileName)

@@ -62,8 +62,7 @@ class FileEditor : public Application {
 // GTK 3.
 class Mousepad : public FileEditor {
  public:
-  explicit Mousepad(VirtualDesktop& desktop, const std::string& fileName = "mousepad.txt",
-                    const std::string& text = {});
+  explicit Mousepad(VirtualDesktop& desktop, const std::string& fileName = "mousepad.txt");
 };
 
 // Qt.

@@ -31,7 +31,9 @@ TryOutEdit::TryOutEdit(const SettingsController& settings, const QLSnippetMacroI
 
 void TryOutEdit::keyPressEvent(QKeyEvent* event) {
   const auto trigger = settings_.abbreviationsTriggerType();
-  if (trigger == AbbreviationTriggerType::delimiterKey &&
+  const bool isCommand = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+  const bool typesText = !isCommand && !event->text().isEmpty() && event->key() != Qt::Key_Backspace;
+  if (trigger == AbbreviationTriggerType::delimiterKey && typesText &&
       settings_.activeAbbreviationKeyStrings().contains(event->text().toStdU16String()) &&
       expand(event->text())) {
     return;
@@ -39,7 +41,7 @@ void TryOutEdit::keyPressEvent(QKeyEvent* event) {
   const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if (isReturn) return event->ignore();  // leads on
   QPlainTextEdit::keyPressEvent(event);
-  if (trigger == AbbreviationTriggerType::lastSymbol && !event->text().isEmpty()) expand({});
+  if (trigger == AbbreviationTriggerType::lastSymbol && typesText) expand({});
 }
 
 bool TryOutEdit::expand(const QString& delimiter) {

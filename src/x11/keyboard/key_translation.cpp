@@ -38,7 +38,7 @@ struct NamedKeyEntry {
 // The first keysym with a code is the one that is pressed for it.
 constexpr auto kNamedKeys = std::to_array<NamedKeyEntry>({
     {XKB_KEY_Return, key::kReturn, u'\r'},
-    {XKB_KEY_KP_Enter, 76, u'\r'},
+    {XKB_KEY_KP_Enter, key::kKeypadEnter, u'\r'},
     {XKB_KEY_Tab, key::kTab, u'\t'},
     {XKB_KEY_KP_Tab, key::kTab, u'\t'},
     {XKB_KEY_ISO_Left_Tab, key::kTab, u'\x19'},

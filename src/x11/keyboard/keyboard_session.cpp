@@ -157,10 +157,8 @@ void KeyboardSession::takeNewKeyboards() {
   if (waitsForKeyboard_.exchange(!link_.hasGrabbed()) && !waitsForKeyboard_) logInfo(kWatching);
   const auto held = link_.heldKeys();
   stream_->keepOnly({held.begin(), held.end()});
-  if (grab != KeyboardLink::Grab::some) return;
   // A new keyboard may have been typed on before it was grabbed.
-  stream_->letGoOthers(link_.pressedKeys());
-  conversation_->tellOfUnseenKeys();
+  if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
 }
 
 // The server tells when a keyboard is plugged in, but not when another program, or the Quorlo before this

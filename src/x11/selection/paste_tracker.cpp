@@ -27,7 +27,13 @@ PasteTracker::Instant PasteTracker::lastProgress() const {
 }
 
 Subscription PasteTracker::observe(std::function<void()> changed) {
-  return observers_.add(std::move(changed));
+  const std::lock_guard lock(observersMutex_);
+  const auto id = ++lastObserver_;
+  observers_.emplace(id, std::move(changed));
+  return Subscription([this, id] {
+    const std::lock_guard end(observersMutex_);
+    observers_.erase(id);
+  });
 }
 
 void PasteTracker::announce(const ClientIdentity& target, PasteSelection selection, Offer offer,
@@ -36,7 +42,7 @@ void PasteTracker::announce(const ClientIdentity& target, PasteSelection selecti
     const std::lock_guard lock(mutex_);
     pastes_.push_back({++lastPaste_, target, selection, std::move(offer), now, now, now, {}});
   }
-  observers_.notify();
+  notify();
 }
 
 std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdentity& reader, bool fromPrimary,
@@ -76,7 +82,7 @@ void PasteTracker::progressed(PasteId paste, Instant now) {
     lastProgress_ = now;
     if (auto* found = find(paste)) found->lastActivity = now;
   }
-  observers_.notify();
+  notify();
 }
 
 void PasteTracker::delivered(PasteId paste, Instant now) {
@@ -88,7 +94,7 @@ void PasteTracker::delivered(PasteId paste, Instant now) {
       found->delivered = true;
     }
   }
-  observers_.notify();
+  notify();
 }
 
 bool PasteTracker::hasOpenPaste() const {
@@ -130,13 +136,18 @@ std::optional<PasteTracker::Instant> PasteTracker::closeFinished(Instant now) {
       next = std::min(next.value_or(due), due);
     }
   }
-  if (closedUnread) observers_.notify();
+  if (closedUnread) notify();
   return next;
 }
 
 PasteTracker::Paste* PasteTracker::find(PasteId paste) {
   const auto found = std::ranges::find(pastes_, paste, &Paste::id);
   return found != pastes_.end() ? &*found : nullptr;
+}
+
+void PasteTracker::notify() {
+  const std::lock_guard lock(observersMutex_);
+  for (const auto& [id, changed] : observers_) changed();
 }
 
 }  // namespace quorlo
