@@ -84,9 +84,11 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
   auto& monitor = *static_cast<AbbreviationsMonitor*>(userInfo);
   if (type == TapEventType::kCGEventTapDisabledByTimeout) {
     logError("ERROR: #4ughugir - kCGEventTapDisabledByTimeout");
+    monitor.potentialAbbreviation.clear();
     if (monitor._eventTap) monitor._eventTap->enable();
     return TapVerdict::pass;
   }
+  if (type == TapEventType::keysPassedUnseen) monitor.potentialAbbreviation.clear();
   if (event == nullptr) return TapVerdict::pass;
   return monitor.handleKeyDown(*event) ? TapVerdict::swallow : TapVerdict::pass;
 }

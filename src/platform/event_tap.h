@@ -23,6 +23,7 @@ struct KeyDownEvent {
 
 enum class TapEventType : std::uint32_t {
   keyDown = 10,
+  keysPassedUnseen = 100,
   kCGEventTapDisabledByTimeout = 0xFFFFFFFE,
 };
 
@@ -36,6 +37,10 @@ enum class TapVerdict { pass, swallow };
 // The callback runs on the main thread. An adapter that must wait for it elsewhere gives up after a
 // deadline: it passes the key, disables the tap and calls back with kCGEventTapDisabledByTimeout once the
 // main thread answers again. While the tap is disabled every key passes unseen.
+//
+// keysPassedUnseen: an enabled tap could not see some keys (the screen was locked, the keyboards were let go
+// for a moment). As after kCGEventTapDisabledByTimeout, the keys seen before need not stand in front of the
+// caret any more. The notice comes before the next key.
 class EventTap {
  public:
   // `event` is null unless the type is keyDown, and null for a key-down that could not be read.

@@ -1,16 +1,52 @@
 #include "base/life_token.h"
 #include "base/log.h"
 #include "base/observers.h"
+#include "base/shared_observers.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace quorlo {
 namespace {
+
+TEST(SharedObserversTest, ASubscriptionMayEndInsideItsOwnCallbackAndWaitsForOneOnAnotherThread) {
+  SharedObservers observers;
+  int calls = 0;
+  Subscription own;
+  own = observers.add([&] {
+    ++calls;
+    own.reset();
+  });
+  observers.notify();
+  observers.notify();
+  EXPECT_EQ(calls, 1);
+
+  std::promise<void> entered;
+  std::promise<void> leave;
+  std::atomic<bool> isUnderWay = false;
+  auto other = observers.add([&] {
+    isUnderWay = true;
+    entered.set_value();
+    leave.get_future().wait();
+    isUnderWay = false;
+  });
+  std::thread notifier([&] { observers.notify(); });
+  entered.get_future().wait();
+  auto ended = std::async(std::launch::async, [&] {
+    other.reset();
+    return isUnderWay.load();
+  });
+  leave.set_value();
+  EXPECT_FALSE(ended.get());
+  notifier.join();
+}
 
 TEST(Subscription, EndsOnceWhicheverWayItGoes) {
   int ends = 0;

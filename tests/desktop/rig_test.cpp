@@ -2,6 +2,7 @@
 // it.
 #include "virtual_desktop/applications.h"
 #include "virtual_desktop/wait.h"
+#include "virtual_desktop/window_picture.h"
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,27 @@ TEST_F(VirtualDesktopTest, ErasingAndRollingKeysKeepTheirOrder) {
   desktop_->keyboard().tap("a");
   desktop_->keyboard().release("Shift");
   EXPECT_EQ(xterm.textOnceItIs("hallA"), "hallA");
+}
+
+TEST_F(VirtualDesktopTest, PicturesOfWindowsTellALetterFromACaret) {
+  const std::string text = "Hello Ada";
+  Mousepad typed(*desktop_);
+  desktop_->keyboard().type(text);
+  EXPECT_EQ(typed.textOnceItIs(text), text);
+  const auto pictureOf = [](Mousepad& editor) {
+    editor.activate();
+    return WindowPicture::of(desktop_->connection(), editor.window());
+  };
+  const auto waitUntilAlike = [&](Mousepad& sample) {
+    return waitUntil([&] { return differingColumns(pictureOf(typed), pictureOf(sample)) <= 4; });
+  };
+  Mousepad same(*desktop_, "same.txt", text);
+  EXPECT_TRUE(waitUntilAlike(same));
+  const auto before = pictureOf(typed);
+  desktop_->keyboard().type("m");
+  Mousepad more(*desktop_, "more.txt", text + "m");
+  EXPECT_TRUE(waitUntilAlike(more));
+  EXPECT_GT(differingColumns(before, pictureOf(typed)), 4);
 }
 
 TEST_F(VirtualDesktopTest, AClickMovesTheFocusToTheWindowUnderThePointer) {

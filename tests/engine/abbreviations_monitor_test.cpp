@@ -296,6 +296,17 @@ TEST_F(MonitorTest, ATapDisabledByTimeoutIsEnabledAgain) {
   EXPECT_EQ(lines.back(), "ERROR: #srgojKk");
 }
 
+TEST_F(MonitorTest, KeysThatPassUnseenSeparateWhatIsTypedAroundThem) {
+  const auto typeUnseen = [&] { desktop.typeUnseen(u"x"); };
+  const auto timeOut = [&] { desktop.timeOutTap(); };
+  for (const auto& interrupt : std::initializer_list<std::function<void()>>{typeUnseen, timeOut}) {
+    desktop.type(u"s");
+    interrupt();
+    desktop.typeAndWait(u"ig ");
+    EXPECT_TRUE(desktop.text().ends_with(u"ig ")) << "\"sig\" does not stand there";
+  }
+}
+
 TEST_F(MonitorTest, WithoutPermissionTheSwitchGoesOffAndTheUserIsTold) {
   settings.setAbbreviationsEnabled(false);
   desktop.grantTrust(false);

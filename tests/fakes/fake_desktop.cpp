@@ -112,6 +112,13 @@ void FakeDesktop::timeOutTap() {
   port_->callback(TapEventType::kCGEventTapDisabledByTimeout, nullptr, port_->userInfo);
 }
 
+void FakeDesktop::typeUnseen(std::u16string_view characters) {
+  TapPort* const port = std::exchange(port_, nullptr);
+  type(characters);
+  port_ = port;
+  port->callback(TapEventType::keysPassedUnseen, nullptr, port->userInfo);
+}
+
 std::unique_ptr<EventTap::Port> FakeDesktop::create(Callback callback, void* userInfo) {
   if (!trusted_ || refusesTaps_) return nullptr;
   return std::make_unique<TapPort>(*this, callback, userInfo);

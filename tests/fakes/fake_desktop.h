@@ -73,6 +73,8 @@ class FakeDesktop : public EventTap,
   void refuseTaps(bool refuse) { refusesTaps_ = refuse; }
   void setObstacle(std::optional<TypingObstacle> obstacle) { obstacle_ = obstacle; }
   void timeOutTap();
+  // Types past the tap, which is told.
+  void typeUnseen(std::u16string_view characters);
   bool hasTap() const { return port_ != nullptr; }
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
   bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }

@@ -28,6 +28,7 @@ TEST_F(EventTapTest, KeysPassWithNothingLost) {
   keys().type("secret");
   EXPECT_EQ(typedOnceItIs("<Shift_L>Hellosecret"), "<Shift_L>Hellosecret");
   EXPECT_EQ(keyboard.seenText, "Hello") << "a password is nobody's typing";
+  EXPECT_EQ(keyboard.unseen, 1);
 }
 
 TEST_F(EventTapTest, ASwallowedKeyNeverArrivesNorRepeats) {
@@ -193,6 +194,7 @@ TEST_F(EventTapTest, AKilledProcessLeavesTheKeyboardToWhoWaitsAndNoKeyPressed) {
   EXPECT_TRUE(keyboard.pumpUntil([&] { return window.log() == "a^a"; })) << window.log();
   keys().release(38);
   ASSERT_TRUE(keyboard.pumpUntil([&] { return keyboard.service->obstacles().empty(); }));
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return keyboard.unseen == 1; }));
   keys().type("b");
   EXPECT_EQ(typedOnceItIs("ab"), "ab") << window.log();
   EXPECT_EQ(keyboard.seenText, "b") << "the tap that waited has the keyboard now";

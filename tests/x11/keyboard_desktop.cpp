@@ -124,6 +124,10 @@ bool KeyboardDesktop::startTap() {
           ++self.timeouts;
           return TapVerdict::pass;
         }
+        if (type == TapEventType::keysPassedUnseen) {
+          ++self.unseen;
+          return TapVerdict::pass;
+        }
         self.seen.push_back(*event);
         if (event->origin == KeyDownEvent::Origin::keyboard) self.seenText += toUtf8(event->characters);
         return self.judge ? self.judge(*event) : TapVerdict::pass;

@@ -5,12 +5,16 @@
 // library says, 1 otherwise.
 #include "virtual_desktop/applications.h"
 #include "virtual_desktop/quorlo_program.h"
+#include "virtual_desktop/wait.h"
+#include "virtual_desktop/window_picture.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -30,6 +34,26 @@ std::string textOf(const std::string& library, const std::string& abbreviation) 
   throw std::runtime_error("The library has no snippet with the abbreviation " + abbreviation);
 }
 
+// An editor paints later than it saves. Another one with the same text looks the same, but for the carets.
+bool waitUntilShown(VirtualDesktop& desktop, Mousepad& editor, const std::string& text) {
+  constexpr int kColumnsOfTwoCarets = 4;
+  const auto pictureOf = [&](Mousepad& each) {
+    each.activate();
+    return WindowPicture::of(desktop.connection(), each.window());
+  };
+  std::optional<Mousepad> sample(std::in_place, desktop, "sample.txt", text);
+  WindowPicture expected;
+  const auto isShown = [&] { return differingColumns(expected, pictureOf(editor)) <= kColumnsOfTwoCarets; };
+  const bool looksLikeSample = waitUntil([&] {
+    expected = pictureOf(*sample);
+    return isShown();
+  });
+  const auto sampleWindow = sample->window();
+  sample.reset();
+  const auto sampleIsGone = [&] { return std::ranges::count(desktop.windows().all(), sampleWindow) == 0; };
+  return looksLikeSample && waitUntil([&] { return sampleIsGone() && isShown(); });
+}
+
 int demonstrate(const std::string& program, const std::string& libraryFile, const std::string& picture) {
   const auto library = readFile(libraryFile);
   const auto plain = textOf(library, kPlain);
@@ -47,11 +71,13 @@ int demonstrate(const std::string& program, const std::string& libraryFile, cons
   const auto expected = "Hello Ada, " + plain + " - yours, Charles. PS: " + nested + " (by train) ";
   const auto arrived = editor.textOnceItIs(expected);
 
+  const bool isShown = waitUntilShown(desktop, editor, arrived);
   desktop.screenshot(std::filesystem::absolute(picture));
   std::cout << "Screenshot: " << std::filesystem::absolute(picture).string() << std::endl;
   if (arrived != expected) std::cerr << "Expected: " << expected << "\nQuorlo wrote:\n" << quorlo.log();
   std::cout << "arrived: " << arrived << std::endl;
-  return arrived == expected ? 0 : 1;
+  if (!isShown) std::cerr << "The picture does not show what arrived.\n";
+  return arrived == expected && isShown ? 0 : 1;
 }
 
 }  // namespace

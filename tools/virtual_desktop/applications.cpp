@@ -9,9 +9,10 @@ namespace quorlo {
 
 namespace {
 
-std::filesystem::path emptyFile(const VirtualDesktop& desktop, const std::string& name) {
+std::filesystem::path fileOf(const VirtualDesktop& desktop, const std::string& name,
+                             const std::string& text = {}) {
   const auto path = desktop.directory() / name;
-  writeFile(path, "");
+  writeFile(path, text);
   return path;
 }
 
@@ -32,7 +33,7 @@ std::filesystem::path freshPath(const VirtualDesktop& desktop, const std::string
 std::filesystem::path featherpadFile(const VirtualDesktop& desktop, const std::string& name) {
   std::filesystem::create_directories(desktop.configHome() / "featherpad");
   writeFile(desktop.configHome() / "featherpad" / "fp.conf", "[text]\nappendEmptyLine=false\n");
-  return emptyFile(desktop, name);
+  return fileOf(desktop, name);
 }
 
 void eraseLast(std::string& utf8) {
@@ -61,9 +62,8 @@ std::string Application::textOnceItIs(const std::string& expected) {
 }
 
 Xterm::Xterm(VirtualDesktop& desktop, const std::string& name)
-    : Application(desktop,
-                  {"xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "14", "-e", "sh", "-c",
-                   "stty raw -echo && exec cat >'" + emptyFile(desktop, name + ".txt").string() + "'"}),
+    : Application(desktop, {"xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "14", "-e", "sh", "-c",
+                            "stty raw -echo && exec cat >'" + fileOf(desktop, name + ".txt").string() + "'"}),
       file_(desktop.directory() / (name + ".txt")) {}
 
 std::string Xterm::bytes() const {
@@ -101,8 +101,8 @@ std::string FileEditor::textOnceItIs(const std::string& expected) {
   return seen;
 }
 
-Mousepad::Mousepad(VirtualDesktop& desktop, const std::string& fileName)
-    : FileEditor(desktop, {"mousepad", "--disable-server", emptyFile(desktop, fileName)},
+Mousepad::Mousepad(VirtualDesktop& desktop, const std::string& fileName, const std::string& text)
+    : FileEditor(desktop, {"mousepad", "--disable-server", fileOf(desktop, fileName, text)},
                  desktop.directory() / fileName) {}
 
 Featherpad::Featherpad(VirtualDesktop& desktop, const std::string& fileName)

@@ -62,7 +62,8 @@ class FileEditor : public Application {
 // GTK 3.
 class Mousepad : public FileEditor {
  public:
-  explicit Mousepad(VirtualDesktop& desktop, const std::string& fileName = "mousepad.txt");
+  explicit Mousepad(VirtualDesktop& desktop, const std::string& fileName = "mousepad.txt",
+                    const std::string& text = {});
 };
 
 // Qt.

@@ -1,13 +1,12 @@
 #include "virtual_desktop/window_list.h"
 
 #include "virtual_desktop/wait.h"
+#include "virtual_desktop/xcb_reply.h"
 
 #include <xcb/res.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <memory>
 #include <stdexcept>
 
 namespace quorlo {
@@ -15,12 +14,6 @@ namespace quorlo {
 namespace {
 
 constexpr std::chrono::milliseconds kSettled(40);
-
-struct Free {
-  void operator()(void* reply) const { std::free(reply); }
-};
-template <class T>
-using Reply = std::unique_ptr<T, Free>;
 
 }  // namespace
 

@@ -93,13 +93,7 @@ Subscription X11Workspace::serveAddress(const std::string& address, std::functio
 }
 
 Subscription X11Workspace::observeActiveWindow(std::function<void()> changed) {
-  const std::lock_guard lock(observersMutex_);
-  const auto id = ++lastObserver_;
-  observers_.emplace(id, std::move(changed));
-  return Subscription([this, id] {
-    const std::lock_guard end(observersMutex_);
-    observers_.erase(id);
-  });
+  return activeWindowObservers_.add(std::move(changed));
 }
 
 std::shared_ptr<const X11Workspace::Snapshot> X11Workspace::latest() const {
@@ -149,8 +143,7 @@ void X11Workspace::refresh() {
   }
   publish();
   if (active_ == before) return;
-  const std::lock_guard lock(observersMutex_);
-  for (const auto& [id, changed] : observers_) changed();
+  activeWindowObservers_.notify();
 }
 
 void X11Workspace::publish() {

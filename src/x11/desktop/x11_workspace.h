@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "base/shared_observers.h"
 #include "base/subscription.h"
 #include "platform/workspace.h"
 #include "x11/connection/x_connection.h"
@@ -53,7 +54,7 @@ class X11Workspace : public Workspace {
   // Of the windows that are not this program's the one that was active last; it may be gone.
   xcb_window_t lastForeignWindow() const;
   // Called on the workspace's thread after another window has become active; ask which on another thread.
-  // The subscription may end on any thread except inside the callback; no call is under way after.
+  // The subscription may end on any thread; no call on another one is under way after.
   Subscription observeActiveWindow(std::function<void()> changed);
 
  private:
@@ -103,9 +104,7 @@ class X11Workspace : public Workspace {
   std::map<std::string, std::function<void()>, std::less<>> served_;  // main thread
   mutable std::shared_ptr<const Snapshot> shown_;  // main thread: what runningApplications() has returned
 
-  std::mutex observersMutex_;
-  std::map<std::uint64_t, std::function<void()>> observers_;
-  std::uint64_t lastObserver_ = 0;
+  SharedObservers activeWindowObservers_;
 };
 
 }  // namespace quorlo

@@ -49,7 +49,9 @@ void KeyboardService::reopenSession() {
     return;
   }
   logWarning("The connection for watching keys was ended; watching goes on with another one.");
-  if (conversation_) session_->beginTap(conversation_);
+  if (!conversation_) return;
+  conversation_->tellOfUnseenKeys();
+  session_->beginTap(conversation_);
 }
 
 std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
@@ -88,6 +90,7 @@ void KeyboardService::setHotKeys(std::set<Shortcut> hotKeys) {
 void KeyboardService::setScreenIsLocked(bool isLocked) {
   screenIsLocked_ = isLocked;
   if (session_) session_->setScreenIsLocked(isLocked);
+  if (isLocked && conversation_) conversation_->tellOfUnseenKeys();
 }
 
 void KeyboardService::beginHold() {

@@ -157,8 +157,10 @@ void KeyboardSession::takeNewKeyboards() {
   if (waitsForKeyboard_.exchange(!link_.hasGrabbed()) && !waitsForKeyboard_) logInfo(kWatching);
   const auto held = link_.heldKeys();
   stream_->keepOnly({held.begin(), held.end()});
+  if (grab != KeyboardLink::Grab::some) return;
   // A new keyboard may have been typed on before it was grabbed.
-  if (grab == KeyboardLink::Grab::some) stream_->letGoOthers(link_.pressedKeys());
+  stream_->letGoOthers(link_.pressedKeys());
+  conversation_->tellOfUnseenKeys();
 }
 
 // The server tells when a keyboard is plugged in, but not when another program, or the Quorlo before this

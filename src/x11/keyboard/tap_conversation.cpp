@@ -41,6 +41,12 @@ void TapConversation::tell(const KeyDownEvent& event) {
   queue_.run([self = shared_from_this(), event] { self->report(event); });
 }
 
+void TapConversation::tellOfUnseenKeys() {
+  queue_.run([self = shared_from_this()] {
+    if (!self->isClosed()) self->callback_(TapEventType::keysPassedUnseen, nullptr, self->userInfo_);
+  });
+}
+
 void TapConversation::report(const KeyDownEvent& event) {
   if (!enabled_ || isClosed()) return;
   callback_(TapEventType::keyDown, &event, userInfo_);

@@ -28,6 +28,8 @@ class TapConversation : public std::enable_shared_from_this<TapConversation> {
   TapVerdict ask(const KeyDownEvent& event);
   // A key whose way cannot be changed.
   void tell(const KeyDownEvent& event);
+  // Keys may have passed without a question.
+  void tellOfUnseenKeys();
 
   // Main thread from here on. A key that this program posts.
   void report(const KeyDownEvent& event);

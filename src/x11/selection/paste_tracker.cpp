@@ -27,13 +27,7 @@ PasteTracker::Instant PasteTracker::lastProgress() const {
 }
 
 Subscription PasteTracker::observe(std::function<void()> changed) {
-  const std::lock_guard lock(observersMutex_);
-  const auto id = ++lastObserver_;
-  observers_.emplace(id, std::move(changed));
-  return Subscription([this, id] {
-    const std::lock_guard end(observersMutex_);
-    observers_.erase(id);
-  });
+  return observers_.add(std::move(changed));
 }
 
 void PasteTracker::announce(const ClientIdentity& target, PasteSelection selection, Offer offer,
@@ -42,7 +36,7 @@ void PasteTracker::announce(const ClientIdentity& target, PasteSelection selecti
     const std::lock_guard lock(mutex_);
     pastes_.push_back({++lastPaste_, target, selection, std::move(offer), now, now, now, {}});
   }
-  notify();
+  observers_.notify();
 }
 
 std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdentity& reader, bool fromPrimary,
@@ -82,7 +76,7 @@ void PasteTracker::progressed(PasteId paste, Instant now) {
     lastProgress_ = now;
     if (auto* found = find(paste)) found->lastActivity = now;
   }
-  notify();
+  observers_.notify();
 }
 
 void PasteTracker::delivered(PasteId paste, Instant now) {
@@ -94,7 +88,7 @@ void PasteTracker::delivered(PasteId paste, Instant now) {
       found->delivered = true;
     }
   }
-  notify();
+  observers_.notify();
 }
 
 bool PasteTracker::hasOpenPaste() const {
@@ -136,18 +130,13 @@ std::optional<PasteTracker::Instant> PasteTracker::closeFinished(Instant now) {
       next = std::min(next.value_or(due), due);
     }
   }
-  if (closedUnread) notify();
+  if (closedUnread) observers_.notify();
   return next;
 }
 
 PasteTracker::Paste* PasteTracker::find(PasteId paste) {
   const auto found = std::ranges::find(pastes_, paste, &Paste::id);
   return found != pastes_.end() ? &*found : nullptr;
-}
-
-void PasteTracker::notify() {
-  const std::lock_guard lock(observersMutex_);
-  for (const auto& [id, changed] : observers_) changed();
 }
 
 }  // namespace quorlo

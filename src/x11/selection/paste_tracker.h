@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/shared_observers.h"
 #include "base/subscription.h"
 #include "x11/connection/client_identity.h"
 #include "x11/selection/paste_target.h"
@@ -7,7 +8,6 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -52,7 +52,7 @@ class PasteTracker {
   // When a target last took contents or a part of them; the epoch if never.
   Instant lastProgress() const;
   // Called on the pasteboard's thread after each change of the two above; hand over to a thread of your
-  // own. The subscription may end on any thread except inside the callback; no call is under way after.
+  // own. The subscription may end on any thread; no call on another one is under way after.
   Subscription observe(std::function<void()> changed);
 
   void announce(const ClientIdentity& target, PasteSelection selection, Offer offer, Instant now);
@@ -92,16 +92,13 @@ class PasteTracker {
     Instant closesAt() const;  // the target is treated as all others
   };
   Paste* find(PasteId paste);
-  void notify();
 
   mutable std::mutex mutex_;
   std::vector<Paste> pastes_;  // the oldest first
   PasteId lastPaste_ = 0;
   Instant lastProgress_{};
 
-  std::mutex observersMutex_;
-  std::map<std::uint64_t, std::function<void()>> observers_;
-  std::uint64_t lastObserver_ = 0;
+  SharedObservers observers_;
 };
 
 }  // namespace quorlo

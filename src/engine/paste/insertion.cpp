@@ -1,0 +1,238 @@
+#include "engine/paste/insertion.h"
+
+#include "app/settings/settings_controller.h"
+#include "app/settings/sound_manager.h"
+#include "base/log.h"
+#include "engine/paste/own_windows.h"
+#include "engine/paste/paste_notifications.h"
+#include "engine/paste/pasteboard_keeper.h"
+#include "engine/paste/pasteboard_markers.h"
+#include "engine/paste/piece_contents.h"
+#include "engine/paste/snippet_preparation.h"
+#include "engine/paste/special_keys.h"
+#include "platform/event_poster.h"
+#include "platform/typed_keys_hold.h"
+#include "platform/user_notifications.h"
+#include "store/ql_snippet.h"
+#include "store/snippet_type.h"
+#include "text/graphemes.h"
+#include "text/utf.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+constexpr Seconds kStartDelay{0.05};
+constexpr Seconds kRestoreDelayWithoutPartsDelay{0.2};
+constexpr Seconds kLongestRestoreDelay{1.0};
+
+}  // namespace
+
+Insertion::Insertion(const PasteServices& services, const PasteKeys& keys, PasteboardKeeper& pasteboard,
+                     OwnWindows& ownWindows, InsertionRequest request, std::function<void()> ended)
+    : hold_(services.typedKeys.begin()),
+      use_(services),
+      keys_(keys),
+      pasteboard_(pasteboard),
+      ownWindows_(ownWindows),
+      ended_(std::move(ended)),
+      content_(std::move(request.content)),
+      snippet(std::move(request.snippet)),
+      abbreviationUsedToTriggerPaste(std::move(request.abbreviation)),
+      pastingCompletionHandler(std::move(request.completion)) {}
+
+void Insertion::start() {
+  if (use_.settings.playSound()) use_.sound.play();
+  // During the start delay, since another application takes its time to hand its contents over.
+  pasteboard_.save();
+  after(kStartDelay, &Insertion::prepare);
+}
+
+void Insertion::prepare() {
+  auto prepared = [this](std::optional<PreparedSnippet> result) {
+    isAnswered_ = true;
+    if (result) {
+      insert(std::move(*result));
+    } else {
+      callOff();
+    }
+  };
+  use_.preparation.prepare(std::move(content_), *snippet, life_.guard(std::move(prepared)));
+  if (isAnswered_) return;
+  // While the question is open the user may copy and paste as ever.
+  isAsking_ = true;
+  pasteboard_.leaveToUser();
+}
+
+void Insertion::callOffQuestion() {
+  if (!isAsking_) return;
+  hold_ = use_.typedKeys.begin();
+  use_.preparation.callOff();
+}
+
+void Insertion::callOff() {
+  pasteboard_.leaveToUser();
+  ownWindows_.showLater();
+  end();
+}
+
+void Insertion::insert(PreparedSnippet prepared) {
+  if (std::exchange(isAsking_, false)) {
+    // Asking took the hold away, and the user may have copied something else meanwhile.
+    hold_ = use_.typedKeys.begin();
+    pasteboard_.save();
+  }
+  snippetText = std::move(prepared.snippetText);
+  cursorRange = prepared.cursorRange;
+  cursorPiece_ = prepared.cursorPiece;
+  std::ranges::move(prepared.pieces, std::back_inserter(seperatedSnippetText));
+  if (seperatedSnippetText.empty()) seperatedSnippetText.emplace_back();
+  std::ranges::move(prepared.keys, std::back_inserter(specialKeys_));
+  ownWindows_.hide();
+  pasteboard_.whenSaved(life_.guard([this] { putNextPiece(); }));
+}
+
+void Insertion::putNextPiece() {
+  if (!use_.settings.autoPasteIsEnabled()) {
+    // The user will paste once, so everything has to be there.
+    seperatedSnippetText = {snippetText};
+    cursorRange.reset();
+  }
+  const AttributedString piece = std::move(seperatedSnippetText.front());
+  seperatedSnippetText.pop_front();
+  if (cursorRange) countKeysToCursor(piece);
+  ++pieceIndex_;
+  pieceStart_ += piece.size();
+  ignorePaste = piece.empty();
+  if (!ignorePaste) {
+    pasteboard_.put({{pieceContents(piece, snippet->type().value_or(SnippetType::plainText))},
+                     {PasteboardType(TransientType)},
+                     true});
+  }
+  deleteAbbreviationAndPaste();
+}
+
+void Insertion::countKeysToCursor(const AttributedString& piece) {
+  const auto log = [&](char step) {
+    logInfo(fmt::format("numberOfKeyTypesToGetToCursorPosition {}: {}", step,
+                        numberOfKeyTypesToGetToCursorPosition));
+    logDebug(toUtf8(piece.string()));
+  };
+  if (pieceIndex_ == cursorPiece_) {
+    const auto offset =
+        std::min(cursorRange->location - std::min(cursorRange->location, pieceStart_), piece.size());
+    numberOfKeyTypesToGetToCursorPosition = piece.size() - offset;
+    log('A');
+  } else if (pieceIndex_ > cursorPiece_) {
+    numberOfKeyTypesToGetToCursorPosition += piece.size();
+    log('B');
+  }
+}
+
+void Insertion::deleteAbbreviationAndPaste() {
+  if (!use_.settings.autoPasteIsEnabled()) return notifyAutoPasteOff();
+  const auto& abbreviation = abbreviationUsedToTriggerPaste;
+  if (!abbreviation.empty() && !std::exchange(abbreviationHasBeenRemoved, true)) {
+    auto count = graphemeCount(abbreviation);
+    // The key that completed the abbreviation never reached the application.
+    if (use_.settings.abbreviationsTriggerType() == AbbreviationTriggerType::lastSymbol) --count;
+    if (count > 0)
+      use_.poster.postKey(keys_.deleteKeyCode, 0, PostLocation::session, static_cast<int>(count));
+  }
+  postPaste();
+}
+
+void Insertion::postPaste() {
+  if (!std::exchange(ignorePaste, false)) pressPasteChord();
+  after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::typeNextSpecialKey);
+}
+
+void Insertion::pressPasteChord() {
+  use_.poster.paste();
+}
+
+void Insertion::typeNextSpecialKey() {
+  if (!specialKeys_.empty()) {
+    pressSpecialKey(specialKeys_.front());
+    specialKeys_.pop_front();
+  }
+  pasteNextPartOrFinish();
+}
+
+void Insertion::pressSpecialKey(const KeyStep& key) {
+  if (key.type == kClipboardKey || key.type == kClipboardTextKey) {
+    pasteClipboard(key.type == kClipboardTextKey);
+  } else if (key.type == kCombinationKey) {
+    if (!key.combination) return;
+    use_.poster.postKey(key.combination->keyCode, key.combination->flags, PostLocation::session);
+  } else if (const auto code = specialKeyCode(key.type)) {
+    use_.poster.postKey(*code, 0, PostLocation::session);
+  } else {
+    logWarning("WARNING: #uz84KKlK - " + key.type);
+  }
+}
+
+void Insertion::pasteClipboard(bool textOnly) {
+  PasteboardContents contents{
+      {}, {PasteboardType(autoGeneratedPasteboardType), PasteboardType(TransientType)}, true};
+  for (const auto& item : pasteboard_.saved()) {
+    auto wanted = textOnly ? onlyText(item) : item;
+    if (!wanted.representations().empty()) contents.items.push_back(std::move(wanted));
+  }
+  // Pasting nothing would leave the last piece on the pasteboard to be pasted again.
+  if (contents.items.empty()) return;
+  pasteboard_.put(std::move(contents));
+  pressPasteChord();
+}
+
+void Insertion::pasteNextPartOrFinish() {
+  if (!seperatedSnippetText.empty()) {
+    return after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::putNextPiece);
+  }
+  moveCaretToCursor();
+  if (!use_.settings.restorePateboardItems()) {
+    pasteboard_.keepPiece();
+    return end();
+  }
+  pasteboard_.giveBackAfter(restoreDelay());
+  finishPasting();
+}
+
+void Insertion::moveCaretToCursor() {
+  if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1) return;
+  use_.poster.postKey(keys_.leftArrowKeyCode, 0, PostLocation::annotatedSession,
+                      static_cast<int>(numberOfKeyTypesToGetToCursorPosition));
+}
+
+Seconds Insertion::restoreDelay() const {
+  const Seconds between = use_.settings.pasteBetweenSnippetPartsDelay();
+  return between <= Seconds(0) ? kRestoreDelayWithoutPartsDelay : std::min(between, kLongestRestoreDelay);
+}
+
+void Insertion::finishPasting() {
+  ownWindows_.showLater();
+  if (pastingCompletionHandler) pastingCompletionHandler(graphemeCount(snippetText.string()));
+  end();
+}
+
+void Insertion::notifyAutoPasteOff() {
+  pasteboard_.givePieceToUser();
+  if (use_.settings.showNotificationForExpension()) use_.notifications.post(autoPasteOffNotification());
+  finishPasting();
+}
+
+void Insertion::end() {
+  const auto ended = std::move(ended_);
+  ended();
+}
+
+void Insertion::after(Seconds delay, void (Insertion::*step)()) {
+  use_.queue.runAfter(delay, life_.guard([this, step] { (this->*step)(); }));
+}
+
+}  // namespace quorlo

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "base/life_token.h"
+#include "base/subscription.h"
+#include "engine/paste/paste_services.h"
+#include "macros/prepared_snippet.h"
+#include "platform/main_queue.h"
+#include "text/attributed_string.h"
+#include "text/text_range.h"
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quorlo {
+
+class OwnWindows;
+class PasteboardKeeper;
+class QLSnippet;
+
+struct InsertionRequest {
+  AttributedString content;
+  std::shared_ptr<QLSnippet> snippet;
+  std::u16string abbreviation;
+  std::function<void(std::size_t insertedCharacters)> completion;
+};
+
+// One snippet on its way into the application that the user is typing in. Made for a request and destroyed
+// at its end; each step schedules the next. Main thread.
+//
+//   start -> prepare -> (the user fills in fields) -> insert
+//   -> for each piece: putNextPiece -> deleteAbbreviationAndPaste -> typeNextSpecialKey
+//   -> moveCaretToCursor -> the pasteboard is given back later, the completion runs
+class Insertion {
+ public:
+  // The references must outlive the insertion. `ended` is called once, last of all: it may destroy the
+  // insertion.
+  Insertion(const PasteServices& services, const PasteKeys& keys, PasteboardKeeper& pasteboard,
+            OwnWindows& ownWindows, InsertionRequest request, std::function<void()> ended);
+
+  void start();
+  // Cancels an open question: the user has left it for something else.
+  void callOffQuestion();
+
+ private:
+  void prepare();
+  void callOff();
+  void insert(PreparedSnippet prepared);
+  void putNextPiece();
+  void countKeysToCursor(const AttributedString& piece);
+  void deleteAbbreviationAndPaste();
+  void postPaste();
+  void pressPasteChord();
+  void typeNextSpecialKey();
+  void pressSpecialKey(const KeyStep& key);
+  void pasteClipboard(bool textOnly);
+  void pasteNextPartOrFinish();
+  void moveCaretToCursor();
+  void finishPasting();
+  void notifyAutoPasteOff();
+  void end();
+  Seconds restoreDelay() const;
+  void after(Seconds delay, void (Insertion::*step)());
+
+  // The first member: keys are delivered once all of the others are gone, and may begin the next insertion.
+  Subscription hold_;
+  const PasteServices& use_;
+  const PasteKeys& keys_;
+  PasteboardKeeper& pasteboard_;
+  OwnWindows& ownWindows_;
+  std::function<void()> ended_;
+
+  AttributedString content_;
+  std::shared_ptr<QLSnippet> snippet;
+  std::u16string abbreviationUsedToTriggerPaste;
+  std::function<void(std::size_t)> pastingCompletionHandler;
+
+  bool isAsking_ = false;    // the preparation waits for the user
+  bool isAnswered_ = false;  // the preparation has completed
+
+  AttributedString snippetText;
+  std::deque<AttributedString> seperatedSnippetText;  // pieces still to paste
+  std::deque<KeyStep> specialKeys_;                   // keys still to press
+  std::optional<TextRange> cursorRange;
+  std::size_t cursorPiece_ = 0;
+  std::size_t pieceIndex_ = 0;
+  std::size_t pieceStart_ = 0;  // of the next piece, in snippetText
+  std::size_t numberOfKeyTypesToGetToCursorPosition = 0;
+  bool abbreviationHasBeenRemoved = false;
+  bool ignorePaste = false;
+
+  LifeToken life_;
+};
+
+}  // namespace quorlo
