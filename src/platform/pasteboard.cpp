@@ -29,6 +29,12 @@ std::optional<PasteboardData> PasteboardItem::data(std::string_view type) const 
   return std::get<PasteboardData>(found->data);
 }
 
+bool PasteboardCopy::isWhole() const {
+  if (items.empty()) return losses.empty();
+  return std::ranges::all_of(
+      losses, [](const PasteboardLoss& loss) { return loss.reason == PasteboardLoss::Reason::refused; });
+}
+
 std::optional<std::string> PasteboardItem::text() const {
   const auto bytes = data(pasteboard_type::kPlainText);
   if (!bytes) return std::nullopt;

@@ -54,10 +54,39 @@ struct PasteboardContents {
   bool currentHostOnly = false;
 };
 
+// A type that a copy lacks. The type is empty when the owner did not tell what it had.
+struct PasteboardLoss {
+  enum class Reason {
+    refused,      // the owner offers the type without handing it over
+    notAnswered,  // the owner hangs or is too slow
+    ownerEnded,
+    tooLarge,
+  };
+  PasteboardType type;
+  Reason reason = Reason::refused;
+};
+
+// What was on the pasteboard, without markers.
+struct PasteboardCopy {
+  std::vector<PasteboardItem> items;
+  std::vector<PasteboardLoss> losses;
+  std::int64_t changeCount = 0;  // of the contents that were copied
+
+  // The user misses nothing once the copy is given back. Owners offer types that they always refuse, so a
+  // refusal counts only when nothing else was handed over.
+  bool isWhole() const;
+};
+
 // The general pasteboard, shared by all applications. Main thread.
 class Pasteboard {
  public:
-  using ReadCompletion = std::function<void(std::vector<PasteboardItem>)>;
+  // The two steps of reading. Each is called once, in this order, on the main thread, never inside `read`.
+  struct Reading {
+    // From here on this program may set contents of its own without harm to the copy: the owner has been
+    // asked for everything, or 0.2 s have passed. Optional.
+    std::function<void()> contentsMayBeReplaced;
+    std::function<void(PasteboardCopy)> completed;
+  };
 
   virtual ~Pasteboard() = default;
 
@@ -65,11 +94,16 @@ class Pasteboard {
   // the contents are replaced by anybody.
   virtual void setContents(PasteboardContents contents) = 0;
 
-  // Hands over a copy of everything that is on the pasteboard now, markers left out, within 64 MB and
-  // 1 s; what does not fit the budget, or what its owner refuses, is left out and logged. Later changes
-  // do not affect the copy. The completion is called exactly once, on the main thread, never inside the
-  // call; an empty pasteboard gives no items.
-  virtual void read(ReadCompletion completion) = 0;
+  // The same, but only while the contents are those of `changeCount`. False when another program has
+  // replaced them: then its contents stay.
+  [[nodiscard]] virtual bool setContentsIfUnchanged(PasteboardContents contents,
+                                                    std::int64_t changeCount) = 0;
+
+  // Copies everything that is on the pasteboard now. Later changes do not affect the copy, except that it
+  // starts over when another program replaces the contents before this program may. What the owner does
+  // not hand over within the adapter's budget is a loss, which is also logged. An empty pasteboard gives
+  // no items and no losses.
+  virtual void read(Reading reading) = 0;
 
   // Changes whenever anybody replaces the contents.
   virtual std::int64_t changeCount() const = 0;

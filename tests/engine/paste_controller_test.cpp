@@ -285,7 +285,7 @@ TEST_F(PasteTest, OurOwnWindowsStepAsideForThePaste) {
 }
 
 TEST_F(PasteTest, AnOwnerThatRefusesItsContentsDoesNotStopTheExpansion) {
-  desktop.pasteboard.refuseReads();
+  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::refused);
   add(u"sig", u"S");
   desktop.typeAndWait(u"sig ");
   EXPECT_EQ(desktop.text(), u"S ");

@@ -4,9 +4,11 @@
 #include "platform/pasteboard.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quorlo {
 
@@ -19,9 +21,22 @@ class FakePasteboard : public Pasteboard {
     ++changeCount_;
   }
 
-  void read(ReadCompletion completion) override {
-    queue_.run([completion = std::move(completion),
-                items = readable_ ? contents_.items : decltype(contents_.items){}] { completion(items); });
+  bool setContentsIfUnchanged(PasteboardContents contents, std::int64_t changeCount) override {
+    if (changeCount != changeCount_) return false;
+    setContents(std::move(contents));
+    return true;
+  }
+
+  void read(Reading reading) override {
+    PasteboardCopy copy{contents_.items, {}, changeCount_};
+    if (loss_) copy = {{}, {{{}, *loss_}}, changeCount_};
+    if (reading.contentsMayBeReplaced) queue_.run(std::move(reading.contentsMayBeReplaced));
+    auto complete = [completed = std::move(reading.completed), copy = std::move(copy)] { completed(copy); };
+    if (ownerIsSlow_) {
+      late_.push_back(std::move(complete));
+    } else {
+      queue_.run(std::move(complete));
+    }
   }
 
   std::int64_t changeCount() const override { return changeCount_; }
@@ -44,14 +59,22 @@ class FakePasteboard : public Pasteboard {
 
   bool hasMarker(std::string_view type) const { return std::ranges::count(contents_.markers, type) > 0; }
 
-  // The owner refuses to hand anything over.
-  void refuseReads() { readable_ = false; }
+  // The owner hands nothing over.
+  void loseCopies(PasteboardLoss::Reason reason) { loss_ = reason; }
+  // Copies are completed when `completeCopies` is called.
+  void makeOwnerSlow() { ownerIsSlow_ = true; }
+  void completeCopies() {
+    ownerIsSlow_ = false;
+    for (auto& complete : std::exchange(late_, {})) queue_.run(std::move(complete));
+  }
 
  private:
   MainQueue& queue_;
   PasteboardContents contents_;
   std::int64_t changeCount_ = 0;
-  bool readable_ = true;
+  std::optional<PasteboardLoss::Reason> loss_;
+  bool ownerIsSlow_ = false;
+  std::vector<MainQueue::Task> late_;
 };
 
 }  // namespace quorlo

@@ -29,6 +29,8 @@ TEST(FakePasteboard, KeepsTheContract) {
   };
   expectContentsToBeReadBack(pasteboard, runUntil);
   expectACopyToOutliveLaterContents(pasteboard, runUntil);
+  const auto copyElsewhere = [&](std::string_view text) { pasteboard.copyFromElsewhere(text); };
+  expectOnlyUnchangedContentsToBeReplaced(pasteboard, copyElsewhere, runUntil);
 }
 
 TEST(FakeUserDefaults, KeepTheContract) {

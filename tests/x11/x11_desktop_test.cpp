@@ -224,7 +224,7 @@ TEST(X11DesktopTest, AServerThatGoesAwayIsReportedOnceAndNothingHangs) {
   item.setText("text");
   x11->pasteboard().setContents({{item}, {}, false});
   std::optional<std::vector<PasteboardItem>> read;
-  x11->pasteboard().read([&](std::vector<PasteboardItem> items) { read = std::move(items); });
+  x11->pasteboard().read({{}, [&](PasteboardCopy copy) { read = std::move(copy.items); }});
   EXPECT_TRUE(queue.pumpUntil([&] { return read.has_value(); }));
   EXPECT_TRUE(x11->workspace().runningApplications().empty());
   x11.reset();

@@ -13,10 +13,12 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <latch>
 #include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace quorlo {
@@ -111,6 +113,32 @@ TEST_F(X11PasteboardTest, KeepsTheContract) {
   const RunUntil until = [this](const auto& condition) { return runUntil(condition); };
   expectContentsToBeReadBack(*pasteboard_, until);
   expectACopyToOutliveLaterContents(*pasteboard_, until);
+  const auto copyElsewhere = [this](std::string_view text) {
+    const auto before = pasteboard_->changeCount();
+    owner_.own(kClipboard, {{kUtf8, {bytes(text)}}});
+    ASSERT_TRUE(runUntil([&] { return pasteboard_->changeCount() != before; }));
+  };
+  expectOnlyUnchangedContentsToBeReplaced(*pasteboard_, copyElsewhere, until);
+}
+
+// The notice of another owner may still be on its way: the server decides who was first.
+TEST_F(X11PasteboardTest, AProgramThatTakesTheClipboardAtTheSameTimeKeepsIt) {
+  for (int i = 0; i < 100; ++i) {
+    pasteboard_->setContents(text("piece"));
+    const auto own = pasteboard_->changeCount();
+    // The server's clock counts milliseconds.
+    const auto later = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
+    waitUntil([&] { return std::chrono::steady_clock::now() > later; });
+    std::latch start(2);
+    std::thread copier([&] {
+      start.arrive_and_wait();
+      owner_.own(kClipboard, {{kUtf8, {bytes("the user's")}}});
+    });
+    start.arrive_and_wait();
+    std::ignore = pasteboard_->setContentsIfUnchanged(text("given back"), own);
+    copier.join();
+    ASSERT_EQ(owner_.ownerOf(kClipboard), "this") << i;
+  }
 }
 
 TEST_F(X11PasteboardTest, OffersTextUnderEveryNameThatApplicationsAskFor) {

@@ -50,14 +50,14 @@ void FillInController::callOff() {
 }
 
 void FillInController::showClipboard() {
-  use_.generalPasteboard.read(question_->guard([this](const std::vector<PasteboardItem>& items) {
-    for (const auto& item : items) {
-      const auto text = item.text();
-      if (!text) continue;
-      session_->setClipboard(AttributedString(toUtf16(*text)));
-      return use_.view.refreshPreview();
-    }
-  }));
+  use_.generalPasteboard.read({{}, question_->guard([this](const PasteboardCopy& copy) {
+                                 for (const auto& item : copy.items) {
+                                   const auto text = item.text();
+                                   if (!text) continue;
+                                   session_->setClipboard(AttributedString(toUtf16(*text)));
+                                   return use_.view.refreshPreview();
+                                 }
+                               })});
 }
 
 // From here on keys are for the window that the user came from. They wait until it has the focus again, and

@@ -17,13 +17,12 @@ void PasteboardKeeper::save() {
   pasteboardItems.clear();
   isSaved_ = generalPasteboard.changeCount() == changeCountOfLastPiece_;  // a piece that stayed
   if (isSaved_) return;
-  generalPasteboard.read(
-      life_.guard([this, generation = ++readGeneration_](std::vector<PasteboardItem> items) {
-        if (generation != readGeneration_) return;
-        pasteboardItems = std::move(items);
-        isSaved_ = true;
-        if (auto next = std::exchange(whenSaved_, nullptr)) next();
-      }));
+  generalPasteboard.read({{}, life_.guard([this, generation = ++readGeneration_](PasteboardCopy copy) {
+                            if (generation != readGeneration_) return;
+                            pasteboardItems = std::move(copy.items);
+                            isSaved_ = true;
+                            if (auto next = std::exchange(whenSaved_, nullptr)) next();
+                          })});
 }
 
 void PasteboardKeeper::whenSaved(std::function<void()> next) {

@@ -15,10 +15,16 @@ SelectionOwner::SelectionOwner(XConnection& x, XEventLoop& loop, PasteTracker& t
       sender_(x, loop),
       window_(x.createMessageWindow(XCB_EVENT_MASK_PROPERTY_CHANGE)) {}
 
-bool SelectionOwner::take(xcb_atom_t selection, Offer offer) {
-  // The server's own time: the latest there is, so that no earlier owner can refuse it.
-  xcb_set_selection_owner(x_.get(), window_, selection, XCB_CURRENT_TIME);
-  owned_.insert_or_assign(selection, Owned{std::move(offer)});
+bool SelectionOwner::take(xcb_atom_t selection, Offer offer, xcb_timestamp_t time) {
+  // Without a time the server's own counts: the latest there is, so that no earlier owner can refuse it.
+  xcb_set_selection_owner(x_.get(), window_, selection, time);
+  owned_.insert_or_assign(selection, Owned{std::move(offer), time});
+  return stillOwns(selection);
+}
+
+// A notice of another owner may be older than our last taking of the selection: the server knows.
+bool SelectionOwner::stillOwns(xcb_atom_t selection) {
+  if (!owned_.contains(selection)) return false;
   const auto owner = x_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_.get(), selection));
   if (owner && owner->owner == window_) return true;
   owned_.erase(selection);
@@ -42,7 +48,7 @@ void SelectionOwner::handleEvent(const xcb_generic_event_t& event) {
       answer(reinterpret_cast<const xcb_selection_request_event_t&>(event));
       break;
     case XCB_SELECTION_CLEAR:
-      checkOwnership(reinterpret_cast<const xcb_selection_clear_event_t&>(event).selection);
+      stillOwns(reinterpret_cast<const xcb_selection_clear_event_t&>(event).selection);
       break;
     default:
       break;
@@ -51,18 +57,11 @@ void SelectionOwner::handleEvent(const xcb_generic_event_t& event) {
 
 bool SelectionOwner::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since) {
   if (owner != window_) {
-    checkOwnership(selection);
+    stillOwns(selection);
     return true;
   }
   if (const auto found = owned_.find(selection); found != owned_.end()) found->second.since = since;
   return false;
-}
-
-// A notice of another owner may be older than our last taking of the selection: the server knows.
-void SelectionOwner::checkOwnership(xcb_atom_t selection) {
-  if (!owned_.contains(selection)) return;
-  const auto owner = x_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_.get(), selection));
-  if (!owner || owner->owner != window_) owned_.erase(selection);
 }
 
 void SelectionOwner::answer(const xcb_selection_request_event_t& event) {

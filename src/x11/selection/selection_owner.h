@@ -31,13 +31,18 @@ class SelectionOwner {
   xcb_window_t window() const { return window_; }
 
   // Takes the selection. When it returns the server knows; false when another program was quicker. An
-  // empty offer is owned all the same: everything asked of it is refused.
-  bool take(xcb_atom_t selection, Offer offer);
+  // empty offer is owned all the same: everything asked of it is refused. With the time of the selection's
+  // last change it is taken only if no other program has taken it since (ICCCM 2.1).
+  bool take(xcb_atom_t selection, Offer offer, xcb_timestamp_t time = XCB_CURRENT_TIME);
   // Offers other contents without telling the programs that watch the selection. Only while owned.
   void replaceQuietly(xcb_atom_t selection, Offer offer) { owned_.at(selection).offer = std::move(offer); }
   void giveUp(xcb_atom_t selection);
   bool owns(xcb_atom_t selection) const { return owned_.contains(selection); }
   Offer offer(xcb_atom_t selection) const;  // null while not owned
+  // Of the last taking; XCB_CURRENT_TIME while the server has not reported it.
+  xcb_timestamp_t since(xcb_atom_t selection) const { return owned_.at(selection).since; }
+  // Asks the server, which knows of takers that have not been reported yet.
+  bool stillOwns(xcb_atom_t selection);
 
   void handleEvent(const xcb_generic_event_t& event);
   // As the server reports it. True when it tells of another owner than this one.
@@ -62,7 +67,6 @@ class SelectionOwner {
   };
   using RequestPtr = std::shared_ptr<Request>;
 
-  void checkOwnership(xcb_atom_t selection);
   void answer(const xcb_selection_request_event_t& event);
   void convert(const RequestPtr& request, std::size_t index);
   void convertContents(const RequestPtr& request, std::size_t index, const Offer& offer,

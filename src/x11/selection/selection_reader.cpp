@@ -13,9 +13,22 @@ namespace quorlo {
 
 namespace {
 
+using Reason = PasteboardLoss::Reason;
+
 constexpr std::string_view kTargets = "TARGETS";
-constexpr std::string_view kPropertyName = "QUORLO_SELECTION";
-constexpr std::chrono::seconds kDrainPatience{5};
+// An owner that has not told its targets by then is asked for the usual ones, so that the requests are in
+// its queue when the selection is taken.
+constexpr std::chrono::milliseconds kGuessAfter{150};
+
+const std::vector<std::string>& usualTargets() {
+  static const std::vector<std::string> kNames{"UTF8_STRING",
+                                               "STRING",
+                                               std::string(pasteboard_type::kHtml),
+                                               std::string(pasteboard_type::kPng),
+                                               "text/uri-list",
+                                               "x-special/gnome-copied-files"};
+  return kNames;
+}
 
 std::string_view asText(const std::vector<std::uint8_t>& bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -40,21 +53,65 @@ void addPlainText(PasteboardItem& item) {
   }
 }
 
+std::string_view description(Reason reason) {
+  switch (reason) {
+    case Reason::refused:
+      return "refused by its owner";
+    case Reason::notAnswered:
+      return "not handed over in time";
+    case Reason::ownerEnded:
+      return "not handed over before its owner ended";
+    case Reason::tooLarge:
+      return "larger than the budget";
+  }
+  return "";
+}
+
 }  // namespace
+
+SelectionReader::Fetch* SelectionReader::Read::find(xcb_window_t window) {
+  const auto found = std::ranges::find(fetches, window, &Fetch::window);
+  return found != fetches.end() ? &*found : nullptr;
+}
+
+bool SelectionReader::Read::hasAskedFor(std::string_view target) const {
+  return std::ranges::find(fetches, target, &Fetch::target) != fetches.end();
+}
+
+// With the owner's list at hand, what was asked for by a guess counts only when it is on the list.
+bool SelectionReader::Read::isContent(std::string_view target) const {
+  return target != kTargets && (wanted.empty() || std::ranges::find(wanted, target) != wanted.end());
+}
+
+std::ptrdiff_t SelectionReader::Read::rankOf(std::string_view target) const {
+  return std::ranges::find(wanted, target) - wanted.begin();
+}
 
 SelectionReader::~SelectionReader() {
   for (auto& read : reads_) abandon(read);
-  for (const auto& drain : drains_) xcb_destroy_window(x_.get(), drain.window);
 }
 
-void SelectionReader::read(xcb_atom_t selection, ReadBudget budget, Completion completion) {
-  const auto deadline = XEventLoop::Clock::now() + budget.time;
-  auto& read = reads_.emplace_back(
-      Read{selection, budget, std::move(completion), deadline, 0, budget.bytes, true, {}});
-  read.timer = loop_.runAt(deadline, [this, &read] { finish(read); });
-  const auto owner = x_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_.get(), selection));
+void SelectionReader::read(xcb_atom_t selection, ReadBudget budget, Reading reading) {
+  auto& read = reads_.emplace_back();
+  read.selection = selection;
+  read.budget = budget;
+  read.reading = std::move(reading);
+  read.ownersTimeTimer =
+      loop_.runAt(XEventLoop::Clock::now() + kOwnersTime, [this, &read] { letBeTaken(read); });
+  start(read);
+}
+
+void SelectionReader::start(Read& read) {
+  const auto now = XEventLoop::Clock::now();
+  read.bytesLeft = read.budget.bytes;
+  read.lastProgress = now;
+  const auto owner =
+      x_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_.get(), read.selection));
   if (!owner || owner->owner == XCB_WINDOW_NONE) return finish(read);
+  watchOwner(read, owner->owner);
   ask(read, {std::string(kTargets)});
+  read.guessTimer = loop_.runAt(now + kGuessAfter, [this, &read] { guess(read); });
+  watchSilence(read);
 }
 
 void SelectionReader::handleEvent(const xcb_generic_event_t& event) {
@@ -62,10 +119,10 @@ void SelectionReader::handleEvent(const xcb_generic_event_t& event) {
   if (type == XCB_SELECTION_NOTIFY) {
     const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
     const bool refused = notify.property == XCB_ATOM_NONE;
-    if (drain(notify.requestor, refused)) return;
+    if (abandoned_.answered(notify.requestor, refused)) return;
     for (auto& read : reads_) {
-      const auto fetch = std::ranges::find(read.fetches, notify.requestor, &Fetch::window);
-      if (fetch == read.fetches.end() || fetch->state != State::waiting) continue;
+      auto* fetch = read.find(notify.requestor);
+      if (fetch == nullptr || fetch->state != State::waiting) continue;
       if (refused) {
         fetch->state = State::refused;
       } else {
@@ -75,17 +132,16 @@ void SelectionReader::handleEvent(const xcb_generic_event_t& event) {
     }
   } else if (type == XCB_PROPERTY_NOTIFY) {
     const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-    if (notify.state != XCB_PROPERTY_NEW_VALUE) return;
+    if (notify.state != XCB_PROPERTY_NEW_VALUE || abandoned_.written(notify.window)) return;
     for (auto& read : reads_) {
-      const auto fetch = std::ranges::find(read.fetches, notify.window, &Fetch::window);
-      if (fetch == read.fetches.end()) continue;
+      auto* fetch = read.find(notify.window);
+      if (fetch == nullptr) continue;
       if (fetch->state != State::receiving) return;
       receive(read, *fetch, false);
       return advance(read);
     }
-    // Before the owner has sent its answer the window must stay.
-    const auto drained = std::ranges::find(drains_, notify.window, &Drain::window);
-    if (drained != drains_.end() && drained->receiving) drain(notify.window, false);
+  } else if (type == XCB_DESTROY_NOTIFY) {
+    ownerEnded(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
   }
 }
 
@@ -94,30 +150,57 @@ void SelectionReader::ownerChanged(xcb_atom_t selection, xcb_window_t newOwner) 
     auto& read = *it++;  // finishing takes it off the list
     if (read.selection != selection) continue;
     if (newOwner == XCB_WINDOW_NONE) {
-      finish(read);
-      continue;
+      ownerEnded(read.owner);
+      return;
     }
+    if (read.mayBeTaken || read.isTaken) continue;
     abandon(read);
-    read.bytesLeft = read.budget.bytes;
-    read.askedForTargets = true;
-    ask(read, {std::string(kTargets)});
+    read.knowsWanted = false;
+    read.wanted.clear();
+    start(read);
   }
 }
 
-void SelectionReader::ask(Read& read, std::vector<std::string> targets) {
-  const auto property = x_.atom(kPropertyName);
+void SelectionReader::ownerEnded(xcb_window_t owner) {
+  for (auto it = reads_.begin(); it != reads_.end();) {
+    auto& read = *it++;
+    if (read.owner != owner) continue;
+    read.ownerEnded = true;
+    finish(read);
+  }
+}
+
+void SelectionReader::taken(xcb_atom_t selection) {
+  for (auto& read : reads_) {
+    if (read.selection == selection) read.isTaken = true;
+  }
+}
+
+void SelectionReader::ask(Read& read, const std::vector<std::string>& targets) {
+  const auto property = x_.atom(kSelectionProperty);
   const auto atoms = x_.atoms(targets);
   for (std::size_t i = 0; i < targets.size(); ++i) {
+    if (read.hasAskedFor(targets[i])) continue;
     const auto window = x_.createMessageWindow(XCB_EVENT_MASK_PROPERTY_CHANGE);
     xcb_convert_selection(x_.get(), window, read.selection, atoms[i], property, XCB_CURRENT_TIME);
-    read.fetches.push_back({window, std::move(targets[i]), State::waiting, {}, {}});
+    read.fetches.push_back({window, targets[i], State::waiting, {}, {}});
   }
+}
+
+void SelectionReader::guess(Read& read) {
+  if (!read.isTaken) ask(read, usualTargets());
+}
+
+void SelectionReader::letBeTaken(Read& read) {
+  if (std::exchange(read.mayBeTaken, true)) return;
+  if (read.reading.mayBeTaken) read.reading.mayBeTaken();
 }
 
 // Takes what stands in the fetch's property: the data, the announcement of an incremental transfer, or a
 // piece of one. Deleting the property is the sign for the owner to go on.
 void SelectionReader::receive(Read& read, Fetch& fetch, bool isFirst) {
-  const auto property = x_.atom(kPropertyName);
+  read.lastProgress = XEventLoop::Clock::now();
+  const auto property = x_.atom(kSelectionProperty);
   const auto words = static_cast<std::uint32_t>(read.bytesLeft / 4 + 1);
   const auto value = x_.reply(xcb_get_property_reply, xcb_get_property(x_.get(), 1, fetch.window, property,
                                                                        XCB_GET_PROPERTY_TYPE_ANY, 0, words));
@@ -137,13 +220,10 @@ void SelectionReader::receive(Read& read, Fetch& fetch, bool isFirst) {
   }
   if (value->bytes_after > 0 || size > read.bytesLeft) {
     read.bytesLeft += fetch.bytes.size();
-    fetch.bytes.clear();
+    fetch.bytes = {};
     // A property that was too long to be read whole is still there: the owner waits for its deletion.
     if (value->bytes_after > 0) xcb_delete_property(x_.get(), fetch.window, property);
-    if (!isFirst) {
-      drains_.push_back({std::exchange(fetch.window, XCB_WINDOW_NONE), true, XEventLoop::Clock::now()});
-      if (!drainTimerRunning_) dropStalledDrains();
-    }
+    if (!isFirst) abandoned_.add(std::exchange(fetch.window, XCB_WINDOW_NONE), true);
     fetch.state = State::tooLarge;
     return;
   }
@@ -154,94 +234,124 @@ void SelectionReader::receive(Read& read, Fetch& fetch, bool isFirst) {
 }
 
 void SelectionReader::advance(Read& read) {
-  if (std::ranges::any_of(read.fetches, &Fetch::isOpen)) return;
-  if (!read.askedForTargets) return finish(read);
-  read.askedForTargets = false;
-  const Fetch answer = std::move(read.fetches.front());
-  read.fetches.clear();
-  xcb_destroy_window(x_.get(), answer.window);
+  if (!read.knowsWanted && !read.fetches.front().isOpen()) {
+    learnTargets(read);
+    if (read.offersNothing) return finish(read);
+  }
+  if (read.knowsWanted && std::ranges::none_of(read.fetches, &Fetch::isOpen)) finish(read);
+}
+
+void SelectionReader::learnTargets(Read& read) {
+  const auto& answer = read.fetches.front();
+  read.knowsWanted = true;
+  loop_.cancel(read.guessTimer);
+  read.wanted.clear();
   if (answer.state == State::complete) {
     const XProperty list{XCB_ATOM_ATOM, answer.form.format, answer.bytes};
-    auto targets = targetsToSave(x_.atomNames(list.cardinals()));
-    if (targets.empty()) return finish(read);
-    ask(read, std::move(targets));
-  } else {
+    read.wanted = targetsToSave(x_.atomNames(list.cardinals()));
+    read.offersNothing = read.wanted.empty();
+    if (!read.isTaken) ask(read, read.wanted);
+  } else if (!read.isTaken) {
     // An owner that knows only text and does not say so.
     ask(read, {"UTF8_STRING", "STRING"});
   }
+  letBeTaken(read);
 }
 
 void SelectionReader::abandon(Read& read) {
   for (auto& fetch : read.fetches) {
     if (fetch.window == XCB_WINDOW_NONE) continue;
-    if (fetch.isOpen()) {
-      drains_.push_back({fetch.window, fetch.state == State::receiving, XEventLoop::Clock::now()});
+    if (fetch.isOpen() && !read.ownerEnded) {
+      abandoned_.add(fetch.window, fetch.state == State::receiving);
     } else {
       xcb_destroy_window(x_.get(), fetch.window);
     }
   }
   read.fetches.clear();
-  if (!drains_.empty() && !drainTimerRunning_) dropStalledDrains();
+  watchOwner(read, XCB_WINDOW_NONE);
+  for (const auto timer : {read.guessTimer, read.silenceTimer}) loop_.cancel(timer);
 }
 
 void SelectionReader::finish(Read& read) {
-  PasteboardItem item;
   SelectionCopy copy;
-  std::string leftOut;
+  copy.losses = lossesOf(read);
+  logLosses(read, copy.losses);
+  PasteboardItem item;
+  std::ranges::stable_sort(read.fetches, {}, [&](const Fetch& fetch) { return read.rankOf(fetch.target); });
   for (auto& fetch : read.fetches) {
-    if (fetch.state == State::complete && !read.askedForTargets) {
-      if (fetch.form.type != fetch.target || fetch.form.format != 8) copy.forms[fetch.target] = fetch.form;
-      item.setData(fetch.target, std::move(fetch.bytes));
-      continue;
-    }
-    const std::string_view reason = fetch.state == State::refused    ? "refused by its owner"
-                                    : fetch.state == State::tooLarge ? "larger than the budget"
-                                                                     : "not handed over in time";
-    leftOut += fmt::format("{}{} ({})", leftOut.empty() ? "" : ", ",
-                           read.askedForTargets ? "everything" : fetch.target, reason);
-  }
-  if (!leftOut.empty()) {
-    logWarning(fmt::format("WARNING: #x11sR1; Left out of the copy of the selection {}: {}.",
-                           x_.atomName(read.selection), leftOut));
+    if (fetch.state != State::complete || !read.isContent(fetch.target)) continue;
+    if (fetch.form.type != fetch.target || fetch.form.format != 8) copy.forms[fetch.target] = fetch.form;
+    item.setData(fetch.target, std::move(fetch.bytes));
   }
   if (!item.representations().empty()) {
     addPlainText(item);
     copy.items.push_back(std::move(item));
   }
   abandon(read);
-  loop_.cancel(read.timer);
-  const auto completion = std::move(read.completion);
+  loop_.cancel(read.ownersTimeTimer);
+  letBeTaken(read);
+  const auto completed = std::move(read.reading.completed);
   reads_.remove_if([&](const Read& each) { return &each == &read; });
-  completion(std::move(copy));
+  completed(std::move(copy));
 }
 
-bool SelectionReader::drain(xcb_window_t window, bool refused) {
-  const auto found = std::ranges::find(drains_, window, &Drain::window);
-  if (found == drains_.end()) return false;
-  const auto value = x_.reply(
-      xcb_get_property_reply,
-      xcb_get_property(x_.get(), 1, window, x_.atom(kPropertyName), XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
-  xcb_delete_property(x_.get(), window, x_.atom(kPropertyName));
-  const bool isEmpty = !value || value->bytes_after == 0;
-  const bool incremental = value && value->type == x_.atom("INCR");
-  found->receiving = found->receiving || incremental;
-  found->lastActivity = XEventLoop::Clock::now();
-  if (refused || !found->receiving || (isEmpty && !incremental)) {
-    xcb_destroy_window(x_.get(), window);
-    drains_.erase(found);
+std::vector<PasteboardLoss> SelectionReader::lossesOf(const Read& read) const {
+  std::vector<PasteboardLoss> losses;
+  const auto unanswered = read.ownerEnded ? Reason::ownerEnded : Reason::notAnswered;
+  if (!read.knowsWanted && !read.fetches.empty()) losses.push_back({{}, unanswered});
+  for (const auto& fetch : read.fetches) {
+    if (fetch.state == State::complete || !read.isContent(fetch.target)) continue;
+    // Of an owner that does not tell its targets nothing is known to be missing.
+    if (read.wanted.empty() && (fetch.state == State::refused || !read.knowsWanted)) continue;
+    losses.push_back({fetch.target, fetch.state == State::refused    ? Reason::refused
+                                    : fetch.state == State::tooLarge ? Reason::tooLarge
+                                                                     : unanswered});
   }
-  return true;
+  for (const auto& target : read.wanted) {
+    if (!read.hasAskedFor(target)) losses.push_back({target, unanswered});
+  }
+  return losses;
 }
 
-void SelectionReader::dropStalledDrains() {
-  const auto now = XEventLoop::Clock::now();
-  std::erase_if(drains_, [&](const Drain& drain) {
-    if (drain.lastActivity + kDrainPatience > now) return false;
-    xcb_destroy_window(x_.get(), drain.window);
-    return true;
-  });
-  drainTimerRunning_ = !drains_.empty();
-  if (drainTimerRunning_) loop_.runAt(now + kDrainPatience, [this] { dropStalledDrains(); });
+void SelectionReader::logLosses(const Read& read, const std::vector<PasteboardLoss>& losses) const {
+  if (losses.empty()) return;
+  std::string text;
+  for (const auto& loss : losses) {
+    text += fmt::format("{}{} ({})", text.empty() ? "" : ", ", loss.type.empty() ? "everything" : loss.type,
+                        description(loss.reason));
+  }
+  logWarning(fmt::format("WARNING: #x11sR1; Left out of the copy of the selection {}: {}.",
+                         x_.atomName(read.selection), text));
+}
+
+void SelectionReader::watchSilence(Read& read) {
+  const auto due = read.lastProgress + read.budget.silence;
+  if (due <= XEventLoop::Clock::now()) return finish(read);
+  read.silenceTimer = loop_.runAt(due, [this, &read] { watchSilence(read); });
+}
+
+// The owner's end is noticed by its window: once the selection is taken, the server reports nothing else.
+void SelectionReader::watchOwner(Read& read, xcb_window_t owner) {
+  const auto former = std::exchange(read.owner, owner);
+  const auto isWatched = [this](xcb_window_t window) {
+    return std::ranges::find(reads_, window, &Read::owner) != reads_.end();
+  };
+  if (owner != XCB_WINDOW_NONE) selectEndOf(owner, true);
+  if (former != XCB_WINDOW_NONE && !isWatched(former)) selectEndOf(former, false);
+}
+
+// A window that owns a selection may also be the requestor of a transfer, which selects events of its own.
+void SelectionReader::selectEndOf(xcb_window_t window, bool wanted) {
+  const auto attributes =
+      x_.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x_.get(), window));
+  if (!attributes) return;
+  std::uint32_t mask = attributes->your_event_mask;
+  if (wanted) {
+    mask |= XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  } else if (mask == XCB_EVENT_MASK_STRUCTURE_NOTIFY) {
+    mask = XCB_EVENT_MASK_NO_EVENT;
+  }
+  xcb_change_window_attributes(x_.get(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
 }  // namespace quorlo

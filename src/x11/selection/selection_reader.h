@@ -3,6 +3,7 @@
 #include "platform/pasteboard.h"
 #include "x11/connection/x_connection.h"
 #include "x11/connection/x_event_loop.h"
+#include "x11/selection/abandoned_transfers.h"
 #include "x11/selection/selection_offer.h"
 
 #include <chrono>
@@ -10,8 +11,8 @@
 #include <cstdint>
 #include <functional>
 #include <list>
-#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorlo {
@@ -19,32 +20,44 @@ namespace quorlo {
 // What another program had in a selection.
 struct SelectionCopy {
   std::vector<PasteboardItem> items;
+  std::vector<PasteboardLoss> losses;
   PropertyForms forms;  // of those targets that were answered in an unusual form
 };
 
 struct ReadBudget {
   std::size_t bytes = std::size_t{64} << 20U;
-  std::chrono::milliseconds time{1000};
+  std::chrono::milliseconds silence{1000};  // without an answer or a part of one
 };
 
 // Copies what other programs offer in a selection, within a budget. All targets are asked for at once,
 // each by a window of its own: some owners keep one transfer per window only. On the loop's thread.
+//
+// Requests that are in an owner's queue are answered even when the owner loses the selection afterwards. So
+// the selection may be taken while the copy is still under way.
 class SelectionReader {
  public:
-  using Completion = std::function<void(SelectionCopy)>;
+  struct Reading {
+    // The selection may be taken without harm to the copy: the requests are in the owner's queue, or
+    // kOwnersTime is over. Called once, before `completed`.
+    std::function<void()> mayBeTaken;
+    std::function<void(SelectionCopy)> completed;  // once
+  };
+  static constexpr std::chrono::milliseconds kOwnersTime{200};
 
-  SelectionReader(XConnection& x, XEventLoop& loop) : x_(x), loop_(loop) {}
+  SelectionReader(XConnection& x, XEventLoop& loop) : x_(x), loop_(loop), abandoned_(x, loop) {}
   ~SelectionReader();
   SelectionReader(const SelectionReader&) = delete;
   SelectionReader& operator=(const SelectionReader&) = delete;
 
-  // Calls back once, at the latest when the time is used up, with what has come whole by then; what is
-  // left out is logged. No owner gives an empty copy. Not for a selection of this connection's own.
-  void read(xcb_atom_t selection, ReadBudget budget, Completion completion);
+  // No owner gives an empty copy. Not for a selection of this connection's own.
+  void read(xcb_atom_t selection, ReadBudget budget, Reading reading);
 
   void handleEvent(const xcb_generic_event_t& event);
-  // The owner being read is gone: a read ends with what has come from it, or starts over with the new one.
+  // Another program has taken the selection, or its owner is gone. A read whose selection may not be taken
+  // yet starts over with the new owner.
   void ownerChanged(xcb_atom_t selection, xcb_window_t newOwner);
+  // This connection has taken the selection: nothing more can be asked of its former owner.
+  void taken(xcb_atom_t selection);
 
  private:
   enum class State { waiting, receiving, complete, refused, tooLarge };
@@ -59,34 +72,45 @@ class SelectionReader {
   struct Read {
     xcb_atom_t selection = XCB_ATOM_NONE;
     ReadBudget budget;
-    Completion completion;
-    XEventLoop::Clock::time_point deadline;
-    XEventLoop::TimerId timer = 0;
+    Reading reading;
+    xcb_window_t owner = XCB_WINDOW_NONE;
+    XEventLoop::Clock::time_point lastProgress;
+    XEventLoop::TimerId silenceTimer = 0;
+    XEventLoop::TimerId guessTimer = 0;
+    XEventLoop::TimerId ownersTimeTimer = 0;
     std::size_t bytesLeft = 0;
-    bool askedForTargets = true;
-    std::vector<Fetch> fetches;
+    bool mayBeTaken = false;
+    bool isTaken = false;
+    bool ownerEnded = false;
+    bool knowsWanted = false;         // the owner has answered for its targets
+    bool offersNothing = false;       // worth saving
+    std::vector<std::string> wanted;  // empty for an owner that does not tell its targets
+    std::vector<Fetch> fetches;       // the first is for the targets
+    Fetch* find(xcb_window_t window);
+    bool hasAskedFor(std::string_view target) const;
+    bool isContent(std::string_view target) const;
+    std::ptrdiff_t rankOf(std::string_view target) const;
   };
-  // The window of a transfer nobody waits for any more. It stays until the owner is through with it: there
-  // are owners that do not survive the window's going away.
-  struct Drain {
-    xcb_window_t window = XCB_WINDOW_NONE;
-    bool receiving = false;
-    XEventLoop::Clock::time_point lastActivity;
-  };
-
-  void ask(Read& read, std::vector<std::string> targets);
+  void start(Read& read);
+  void ask(Read& read, const std::vector<std::string>& targets);
+  void guess(Read& read);
+  void letBeTaken(Read& read);
   void abandon(Read& read);
   void receive(Read& read, Fetch& fetch, bool isFirst);
   void advance(Read& read);
+  void learnTargets(Read& read);
   void finish(Read& read);
-  bool drain(xcb_window_t window, bool refused);
-  void dropStalledDrains();
+  std::vector<PasteboardLoss> lossesOf(const Read& read) const;
+  void logLosses(const Read& read, const std::vector<PasteboardLoss>& losses) const;
+  void watchSilence(Read& read);
+  void watchOwner(Read& read, xcb_window_t owner);
+  void selectEndOf(xcb_window_t window, bool wanted);
+  void ownerEnded(xcb_window_t owner);
 
   XConnection& x_;
   XEventLoop& loop_;
+  AbandonedTransfers abandoned_;
   std::list<Read> reads_;
-  std::vector<Drain> drains_;
-  bool drainTimerRunning_ = false;
 };
 
 }  // namespace quorlo

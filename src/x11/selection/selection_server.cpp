@@ -65,6 +65,7 @@ void SelectionServer::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void SelectionServer::setClipboard(Offer offer) {
+  reader_.taken(clipboard_);
   // A target that hears of a new clipboard while it is pasting may drop the paste, as Chromium does.
   if (tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
     owner_.replaceQuietly(clipboard_, std::move(offer));
@@ -77,20 +78,34 @@ void SelectionServer::setClipboard(Offer offer) {
   }
 }
 
-void SelectionServer::readClipboard(SelectionReader::Completion completion) {
-  reader_.read(clipboard_, {}, std::move(completion));
+bool SelectionServer::setClipboardIfUnchanged(Offer offer, std::int64_t foreignChanges) {
+  if (foreignChanges_ != foreignChanges) return false;
+  if (tracker_.hasOpenPaste() && owner_.stillOwns(clipboard_)) {
+    setClipboard(std::move(offer));
+    return true;
+  }
+  const auto lastChange = owner_.owns(clipboard_) ? owner_.since(clipboard_) : lastForeignChange_;
+  if (!owner_.take(clipboard_, std::move(offer), lastChange)) return false;
+  reader_.taken(clipboard_);
+  announcementIsDue_ = false;
+  return true;
 }
 
-void SelectionServer::savePrimary(std::chrono::milliseconds atMost, std::function<void()> done) {
+void SelectionServer::readClipboard(SelectionReader::Reading reading) {
+  reader_.read(clipboard_, {}, std::move(reading));
+}
+
+void SelectionServer::savePrimary(std::chrono::milliseconds silence, std::function<void()> done) {
   // What we own is what we borrowed, and its earlier content is at hand.
   if (owner_.owns(XCB_ATOM_PRIMARY)) return done();
   ReadBudget budget;
-  budget.time = atMost;
-  reader_.read(XCB_ATOM_PRIMARY, budget, [this, done = std::move(done)](const SelectionCopy& copy) {
+  budget.silence = silence;
+  const auto saved = [this, done = std::move(done)](const SelectionCopy& copy) {
     savedPrimary_ = offerOf(copy);
     primarySaved_ = true;
     done();
-  });
+  };
+  reader_.read(XCB_ATOM_PRIMARY, budget, {{}, saved});
 }
 
 void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection selection,
@@ -149,7 +164,10 @@ void SelectionServer::handOver(std::function<void()> done) {
 
 void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since) {
   if (!owner_.ownerChanged(selection, owner, since)) return;
-  if (selection == clipboard_) ++foreignChanges_;
+  if (selection == clipboard_) {
+    lastForeignChange_ = since;
+    ++foreignChanges_;
+  }
   if (selection == XCB_ATOM_PRIMARY && !owner_.owns(XCB_ATOM_PRIMARY)) {
     primarySaved_ = false;
     savedPrimary_.reset();
@@ -158,9 +176,9 @@ void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb
 }
 
 void SelectionServer::tellOfNewContents() {
-  if (announcementIsDue_ && !tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
-    setClipboard(clipboardOffer());
-  }
+  if (!announcementIsDue_ || tracker_.hasOpenPaste()) return;
+  announcementIsDue_ = false;
+  if (owner_.owns(clipboard_)) owner_.take(clipboard_, clipboardOffer(), owner_.since(clipboard_));
 }
 
 void SelectionServer::closeFinishedPastes() {

@@ -36,10 +36,12 @@ class SelectionServer {
   void setClipboard(Offer offer);
   // Null when the clipboard is not this program's.
   Offer clipboardOffer() const { return owner_.offer(clipboard_); }
-  void readClipboard(SelectionReader::Completion completion);
+  // The same, but only if no other program has taken the clipboard since so many had; false otherwise.
+  bool setClipboardIfUnchanged(Offer offer, std::int64_t foreignChanges);
+  void readClipboard(SelectionReader::Reading reading);
 
   // Copies PRIMARY, so that it can be borrowed without delay. `done` is called once.
-  void savePrimary(std::chrono::milliseconds atMost, std::function<void()> done);
+  void savePrimary(std::chrono::milliseconds silence, std::function<void()> done);
   // See X11Pasteboard::pasteWillBePosted. `done` is called when the chord may be posted: at the latest
   // after kTurnPatience and the time that saving PRIMARY may take.
   static constexpr std::chrono::milliseconds kTurnPatience{1000};
@@ -71,6 +73,7 @@ class SelectionServer {
   xcb_atom_t clipboardManager_;
   std::uint8_t xfixesEvent_ = 0;
   std::atomic<std::int64_t> foreignChanges_ = 0;
+  xcb_timestamp_t lastForeignChange_ = XCB_CURRENT_TIME;  // of the clipboard; unknown before the first
   bool primarySaved_ = false;
   Offer savedPrimary_;  // null when PRIMARY was empty
   bool announcementIsDue_ = false;

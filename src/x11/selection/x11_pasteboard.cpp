@@ -106,45 +106,119 @@ X11Pasteboard::~X11Pasteboard() {
 }
 
 void X11Pasteboard::setContents(PasteboardContents contents) {
+  const auto offer = adopt(contents);
+  const auto set = [this, offer] { server_.setClipboard(offer); };
+  if (!loop_.postAndWait(set, kAnswerBudget)) warnOfLateServer();
+}
+
+bool X11Pasteboard::setContentsIfUnchanged(PasteboardContents contents, std::int64_t changeCount) {
+  const auto foreignChanges = server_.foreignChanges();
+  if (changeCount != ownChanges_ + foreignChanges) return false;
+  const auto former = own_;
+  const auto offer = adopt(contents);
+  const auto isSet = std::make_shared<bool>(false);
+  const auto set = [this, offer, foreignChanges, isSet] {
+    *isSet = server_.setClipboardIfUnchanged(offer, foreignChanges);
+  };
+  if (!loop_.postAndWait(set, kAnswerBudget)) {
+    warnOfLateServer();
+  } else if (!*isSet) {
+    own_ = former;
+    --ownChanges_;
+    return false;
+  }
+  return true;
+}
+
+// Makes the contents those that were set last.
+SelectionServer::Offer X11Pasteboard::adopt(const PasteboardContents& contents) {
   // A target that still has to read the earlier contents gets them, but their providers may go now.
   if (server_.tracker().hasOpenPaste()) provideAll();
   own_ = std::make_shared<OwnContents>(contents, forms_);
   ++ownChanges_;
-  const auto set = [this, offer = own_->offer()] { server_.setClipboard(offer); };
-  if (!loop_.postAndWait(set, kAnswerBudget) && !x_->lost()) {
-    logWarning("WARNING: #x11pB1; The X server has not taken the new clipboard contents within 1 s.");
-  }
+  return own_->offer();
 }
 
-void X11Pasteboard::read(ReadCompletion completion) {
+void X11Pasteboard::warnOfLateServer() const {
+  if (x_->lost()) return;
+  logWarning("WARNING: #x11pB1; The X server has not taken the new clipboard contents within 1 s.");
+}
+
+// The two selections that a read may have to copy. Each step is over when it is over for all of them.
+class X11Pasteboard::Copying {
+ public:
+  Copying(int selections, std::function<void()> mayBeReplaced, std::function<void(Copying&)> completed)
+      : untilReplaceable_(selections),
+        untilComplete_(selections),
+        mayBeReplaced_(std::move(mayBeReplaced)),
+        completed_(std::move(completed)) {}
+
+  void mayBeTaken() {
+    if (--untilReplaceable_ == 0) mayBeReplaced_();
+  }
+  void complete() {
+    if (--untilComplete_ == 0) completed_(*this);
+  }
+
+  std::shared_ptr<SelectionCopy> foreign;  // null for this program's own contents
+  std::int64_t foreignChanges = 0;
+
+ private:
+  int untilReplaceable_;
+  int untilComplete_;
+  std::function<void()> mayBeReplaced_;
+  std::function<void(Copying&)> completed_;
+};
+
+void X11Pasteboard::read(Reading reading) {
   const bool savePrimary = options_.pastesFromPrimary && options_.pastesFromPrimary();
-  const auto deliverLater = [this, alive = std::weak_ptr<char>(alive_), completion = std::move(completion),
-                             own = own_](const std::shared_ptr<const SelectionCopy>& foreign) {
-    queue_.run([this, alive, completion, own, foreign] {
-      if (alive.expired()) return;
-      if (foreign) return deliver(*foreign, completion);
-      completion(own ? own->copy(own == own_) : std::vector<PasteboardItem>());
+  const auto onMainThread = [this, alive = std::weak_ptr<char>(alive_)](std::function<void()> task) {
+    queue_.run([alive, task = std::move(task)] {
+      if (!alive.expired()) task();
     });
   };
-  loop_.post([this, savePrimary, deliverLater] {
-    // Both at once; the slower one decides.
-    const auto open = std::make_shared<int>(savePrimary ? 2 : 1);
-    const auto copy = std::make_shared<std::shared_ptr<const SelectionCopy>>();
-    const auto finished = [open, copy, deliverLater] {
-      if (--*open == 0) deliverLater(*copy);
+  const auto mayBeReplaced = [onMainThread, notify = std::move(reading.contentsMayBeReplaced)] {
+    if (notify) onMainThread(notify);
+  };
+  const auto completed = [this, onMainThread, own = own_, ownChanges = ownChanges_,
+                          notify = std::move(reading.completed)](Copying& copying) {
+    onMainThread(
+        [this, own, ownChanges, notify, foreignChanges = copying.foreignChanges, foreign = copying.foreign] {
+          notify(copyOf(own, foreign.get(), ownChanges + foreignChanges));
+        });
+  };
+  const auto copying = std::make_shared<Copying>(savePrimary ? 2 : 1, mayBeReplaced, completed);
+  loop_.post([this, savePrimary, copying] {
+    if (savePrimary) {
+      server_.savePrimary(kReadPrimaryBudget, [copying] {
+        copying->mayBeTaken();
+        copying->complete();
+      });
+    }
+    const auto mayBeTaken = [this, copying] {
+      copying->foreignChanges = server_.foreignChanges();
+      copying->mayBeTaken();
     };
-    if (savePrimary) server_.savePrimary(kReadPrimaryBudget, finished);
-    if (server_.clipboardOffer()) return finished();
-    server_.readClipboard([copy, finished](SelectionCopy foreign) {
-      *copy = std::make_shared<const SelectionCopy>(std::move(foreign));
-      finished();
-    });
+    if (server_.clipboardOffer()) {
+      mayBeTaken();
+      return copying->complete();
+    }
+    server_.readClipboard({mayBeTaken, [copying](SelectionCopy foreign) {
+                             copying->foreign = std::make_shared<SelectionCopy>(std::move(foreign));
+                             copying->complete();
+                           }});
   });
 }
 
-void X11Pasteboard::deliver(const SelectionCopy& copy, const ReadCompletion& completion) {
-  for (const auto& [type, form] : copy.forms) forms_[type] = form;
-  completion(copy.items);
+// `own` is what was on the pasteboard where no other program's contents were.
+PasteboardCopy X11Pasteboard::copyOf(const std::shared_ptr<OwnContents>& own, SelectionCopy* foreign,
+                                     std::int64_t changeCount) {
+  if (foreign != nullptr) {
+    for (const auto& [type, form] : foreign->forms) forms_[type] = form;
+    return {std::move(foreign->items), std::move(foreign->losses), changeCount};
+  }
+  if (!own) return {{}, {}, changeCount};
+  return {own->copy(own == own_), {}, changeCount};
 }
 
 std::int64_t X11Pasteboard::changeCount() const {

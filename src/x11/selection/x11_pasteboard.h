@@ -38,7 +38,8 @@ class X11Pasteboard : public Pasteboard {
   ~X11Pasteboard() override;
 
   void setContents(PasteboardContents contents) override;
-  void read(ReadCompletion completion) override;
+  bool setContentsIfUnchanged(PasteboardContents contents, std::int64_t changeCount) override;
+  void read(Reading reading) override;
   std::int64_t changeCount() const override;
 
   // To be called on the main thread before a paste chord is posted. From then on the target is served
@@ -51,13 +52,17 @@ class X11Pasteboard : public Pasteboard {
   PasteTracker& pasteTracker() { return server_.tracker(); }
 
  private:
+  class Copying;
   class OwnContents;
 
   X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, Options options);
   void runProvider(const SelectionServer::Offer& offer, std::size_t representation,
                    std::function<void()> done);
   void provideAll();
-  void deliver(const SelectionCopy& copy, const ReadCompletion& completion);
+  SelectionServer::Offer adopt(const PasteboardContents& contents);
+  void warnOfLateServer() const;
+  PasteboardCopy copyOf(const std::shared_ptr<OwnContents>& own, SelectionCopy* foreign,
+                        std::int64_t changeCount);
 
   std::unique_ptr<XConnection> x_;
   MainQueue& queue_;
