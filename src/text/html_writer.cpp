@@ -6,7 +6,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <string_view>
 
 namespace quorlo {
@@ -106,7 +108,11 @@ class Writer {
     for (auto i = run.range.location; i < run.range.end(); ++i) {
       if (!isSpecial(text_[i])) continue;
       writeWord(wordStart, i);
-      writeSpecial(i, run.attributes);
+      if (text_[i] == u' ') {
+        i = writeBlanks(i, run.range.end());
+      } else {
+        writeSpecial(i, run.attributes);
+      }
       wordStart = i + 1;
     }
     writeWord(wordStart, run.range.end());
@@ -130,7 +136,30 @@ class Writer {
   void writeWord(std::size_t start, std::size_t end) {
     if (start == end) return;
     out_ += escaped(toUtf8(text_.substr(start, end - start)));
-    spaceCollapses_ = false;
+    blankIsDropped_ = false;
+  }
+
+  // Writes the blanks from `start` on and returns where the last of them is. Every reader keeps a single
+  // blank between words. Others need their own style for browsers and Qt, and a reference for LibreOffice,
+  // which knows no such style and still drops a blank that begins a line or follows another one: that one
+  // does not wrap.
+  std::size_t writeBlanks(std::size_t start, std::size_t limit) {
+    const auto end = std::min(text_.find_first_not_of(u' ', start), limit);
+    auto count = end - start;
+    if (blankIsDropped_) {
+      out_ += "&nbsp;";
+      --count;
+    }
+    const bool lastInLine = end == text_.size() || isLineBreak(text_[end]);
+    if (count == 1 && !lastInLine) {
+      out_ += ' ';
+    } else if (count > 0) {
+      out_ += "<span style=\"white-space:pre-wrap\">";
+      for (std::size_t i = 0; i < count; ++i) out_ += "&#32;";
+      out_ += "</span>";
+    }
+    blankIsDropped_ = count > 0;
+    return end - 1;
   }
 
   void writeSpecial(std::size_t i, const TextAttributes& attributes) {
@@ -138,31 +167,24 @@ class Writer {
     if (isLineBreak(c)) {
       const bool secondHalf = c == u'\n' && i > 0 && text_[i - 1] == u'\r';
       if (!secondHalf) out_ += "<br>";
-      spaceCollapses_ = true;
-    } else if (c == u' ') {
-      // A space stays an ordinary one, at which lines may wrap, where a word comes before and something
-      // other than a line break comes behind.
-      const bool lastInLine = i + 1 == text_.size() || isLineBreak(text_[i + 1]);
-      const bool kept = !spaceCollapses_ && !lastInLine;
-      out_ += kept ? " " : "&nbsp;";
-      spaceCollapses_ = kept;
+      blankIsDropped_ = true;
     } else if (c == 0xA0) {
       out_ += "&nbsp;";
-      spaceCollapses_ = false;
+      blankIsDropped_ = false;
     } else if (c == u'\t') {
       out_ += "<span style=\"white-space:pre\">&#9;</span>";
-      spaceCollapses_ = false;
+      blankIsDropped_ = false;
     } else if (c == kObjectReplacement && attributes.image && attributes.image->bytes) {
       out_ += fmt::format("<img src=\"data:{};base64,{}\">", escaped(attributes.image->mediaType),
                           toBase64(*attributes.image->bytes));
-      spaceCollapses_ = false;
+      blankIsDropped_ = false;
     }
   }
 
   std::u16string_view text_;
   std::string out_{kHead};
   Tags tags_;                   // of the run being written
-  bool spaceCollapses_ = true;  // an ordinary space written here would not be seen
+  bool blankIsDropped_ = true;  // by a reader, of an ordinary blank written here
 };
 
 }  // namespace

@@ -65,6 +65,16 @@ TEST_F(DesktopRulesTest, FormattedTextKeepsItsStyleAndPlainTextTakesThatOfItsPla
   EXPECT_EQ(plain.textOnceItIs("Hi Ada!"), "Hi Ada!");
 }
 
+TEST_F(DesktopRulesTest, TheBlanksOfFormattedTextArriveAsBlanks) {
+  startQuorlo(R"({"snippets": [
+    {"text": {"string": "Hi  Ada!", "runs": [{"location": 4, "length": 3, "bold": true}]},
+     "abbreviation": "hia"}]})");
+  const auto rich = openRichEditor();
+  type("hia hia .");
+  EXPECT_EQ(rich->textOnceItIs("Hi  Ada! Hi  Ada! ."), "Hi  Ada! Hi  Ada! .");
+  EXPECT_EQ(rich->html().find("\u00A0"), std::string::npos) << rich->html();
+}
+
 TEST_F(DesktopRulesTest, AbbreviationsAreOffUntilTheUserSwitchesThemOnAndARunningQuorloSeesItAtOnce) {
   Mousepad editor(desktop());
   startQuorlo();

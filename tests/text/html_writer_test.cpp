@@ -23,7 +23,13 @@ TEST(HtmlWriter, WritesPlainTextWithoutAnyStyle) {
       {u"a < b && \"c\" > 'd'", "a &lt; b &amp;&amp; &quot;c&quot; &gt; 'd'"},
       {u"one\ntwo\r\nthree\rfour\u2028five\u2029six\u0085seven",
        "one<br>two<br>three<br>four<br>five<br>six<br>seven"},
-      {u" a b  c   d ", "&nbsp;a b &nbsp;c &nbsp; d&nbsp;"},
+      {u"a b", "a b"},
+      {u"  a", "&nbsp; a"},
+      {u"a  b", "a<span style=\"white-space:pre-wrap\">&#32;&#32;</span>b"},
+      {u"a \n   b ",
+       "a<span style=\"white-space:pre-wrap\">&#32;</span><br>"
+       "&nbsp;<span style=\"white-space:pre-wrap\">&#32;&#32;</span>b"
+       "<span style=\"white-space:pre-wrap\">&#32;</span>"},
       {u"if:\n\tx", "if:<br><span style=\"white-space:pre\">&#9;</span>x"},
       {std::u16string(u"a\0b\x1B\xD83D\uFFFCz", 7), "ab\uFFFDz"},
   };
