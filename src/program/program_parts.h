@@ -103,7 +103,7 @@ struct Program::Parts {
   AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
   Subscription accessibilityAddress = desktop->serveAddress(
       std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
-  SessionTypingContext context{{}};
+  SessionTypingContext context{{.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); }}};
   ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};

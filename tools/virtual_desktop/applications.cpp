@@ -109,10 +109,25 @@ Featherpad::Featherpad(VirtualDesktop& desktop, const std::string& fileName)
     : FileEditor(desktop, {"featherpad", "--standalone", featherpadFile(desktop, fileName)},
                  desktop.directory() / fileName) {}
 
+namespace {
+
+const char* argumentOf(RichEditor::Kind kind) {
+  switch (kind) {
+    case RichEditor::Kind::kChat:
+      return "--chat";
+    case RichEditor::Kind::kCompleting:
+      return "--completing";
+    case RichEditor::Kind::kEditor:
+      break;
+  }
+  return "--editor";
+}
+
+}  // namespace
+
 RichEditor::RichEditor(VirtualDesktop& desktop, const std::string& program, Kind kind,
                        const std::string& name)
-    : Application(desktop,
-                  {program, freshDirectory(desktop, name), kind == Kind::kChat ? "--chat" : "--editor"}),
+    : Application(desktop, {program, freshDirectory(desktop, name), argumentOf(kind)}),
       directory_(desktop.directory() / name) {}
 
 std::string RichEditor::text() {

@@ -72,10 +72,11 @@ class Featherpad : public FileEditor {
   explicit Featherpad(VirtualDesktop& desktop, const std::string& fileName = "featherpad.txt");
 };
 
-// Our own rich-text editor (tests/desktop/apps); with kChat, Return sends and empties the field.
+// Our own rich-text editor (tests/desktop/apps); with kChat, Return sends and empties the field; with
+// kCompleting, what is typed opens a popup that grabs the keyboard.
 class RichEditor : public Application {
  public:
-  enum class Kind { kEditor, kChat };
+  enum class Kind { kEditor, kChat, kCompleting };
 
   // The program's path; every editor of a desktop has a name of its own.
   RichEditor(VirtualDesktop& desktop, const std::string& program, Kind kind = Kind::kEditor,

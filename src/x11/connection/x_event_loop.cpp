@@ -23,9 +23,10 @@ XEventLoop::~XEventLoop() {
   close(wakeUp_);
 }
 
-void XEventLoop::start(EventHandler onEvent, Task onConnectionLost) {
+void XEventLoop::start(EventHandler onEvent, Task onConnectionLost, Task onEventsHandled) {
   onEvent_ = std::move(onEvent);
   onConnectionLost_ = std::move(onConnectionLost);
+  onEventsHandled_ = std::move(onEventsHandled);
   thread_ = std::thread([this] { run(); });
   pthread_setname_np(thread_.native_handle(), threadName_.c_str());
 }
@@ -115,6 +116,7 @@ void XEventLoop::run() {
 void XEventLoop::readEvents() {
   if (connectionLost_) return;
   while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) onEvent_(*event);
+  if (onEventsHandled_) onEventsHandled_();
   if (connection_.lost()) {
     connectionLost_ = true;
     onConnectionLost_();

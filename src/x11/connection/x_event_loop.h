@@ -33,8 +33,9 @@ class XEventLoop {
   XEventLoop(const XEventLoop&) = delete;
   XEventLoop& operator=(const XEventLoop&) = delete;
 
-  // Once. Both are called on the loop's thread.
-  void start(EventHandler onEvent, Task onConnectionLost);
+  // Once. All are called on the loop's thread; `onEventsHandled` after each batch of events, before a waiting
+  // `catchUp` returns.
+  void start(EventHandler onEvent, Task onConnectionLost, Task onEventsHandled = {});
   // Ends the thread and waits for it; tasks and timers not yet run are dropped. Not from the loop's thread.
   void stop();
 
@@ -63,6 +64,7 @@ class XEventLoop {
   int wakeUp_;  // eventfd
   EventHandler onEvent_;
   Task onConnectionLost_;
+  Task onEventsHandled_;
   bool connectionLost_ = false;
   // False only while the thread sleeps: set before it takes anything from the connection.
   std::atomic<bool> busy_ = true;

@@ -171,6 +171,9 @@ HotKeyCenter& X11Desktop::hotKeyCenter() {
 void X11Desktop::setScreenIsLocked(bool isLocked) {
   parts_->keyboard->setScreenIsLocked(isLocked);
 }
+bool X11Desktop::keyboardIsTaken() const {
+  return parts_->workspace->keyboardIsTaken();
+}
 AccessibilityTrust& X11Desktop::accessibilityTrust() {
   return *parts_->trust;
 }

@@ -50,6 +50,9 @@ class X11Desktop {
   HotKeyCenter& hotKeyCenter();
   // From now on the event tap sees no key, or sees them again.
   void setScreenIsLocked(bool isLocked);
+  // Whether a lock screen, a prompt or another program has the keyboard for itself; asked after the active
+  // application.
+  bool keyboardIsTaken() const;
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
   // The workspace calls `open` for the address, one of the home platform that means nothing to this desktop.

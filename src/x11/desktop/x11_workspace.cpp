@@ -35,20 +35,24 @@ X11Workspace::X11Workspace(std::unique_ptr<XConnection> x, Options options)
       x_(std::move(x)),
       loop_(*x_, "workspace"),
       refreshTask_([this] { refresh(); }),
+      grabs_(*x_),
       desktopFiles_(options_.applicationDirectories),
       activeWindowAtom_(x_->atom("_NET_ACTIVE_WINDOW")),
       clientListAtom_(x_->atom("_NET_CLIENT_LIST")),
       windowManagerAtom_(x_->atom("_NET_SUPPORTING_WM_CHECK")) {
-  const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+  const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | KeyboardGrabWatch::kRootEvents;
   xcb_change_window_attributes(x_->get(), x_->root(), XCB_CW_EVENT_MASK, &mask);
   loop_.start([this](const xcb_generic_event_t& event) { handleEvent(event); },
               [lost = options_.connectionLost] {
                 if (lost) lost();
-              });
+              },
+              [this] { grabs_.settle(active_); });
   loop_.postAndWait(
       [this] {
         findWindowManager();
         refresh();
+        grabs_.begin();
+        grabs_.settle(active_);
       },
       kFirstStatePatience);
 }
@@ -104,6 +108,7 @@ std::shared_ptr<const X11Workspace::Snapshot> X11Workspace::latest() const {
 }
 
 void X11Workspace::handleEvent(const xcb_generic_event_t& event) {
+  grabs_.handleEvent(event);
   if ((event.response_type & 0x7F) != XCB_PROPERTY_NOTIFY) return;
   const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
   if (notify.atom != activeWindowAtom_ && notify.atom != clientListAtom_ && notify.atom != windowManagerAtom_)

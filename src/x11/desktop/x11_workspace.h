@@ -8,6 +8,7 @@
 #include "x11/connection/x_event_loop.h"
 #include "x11/desktop/active_window.h"
 #include "x11/desktop/desktop_files.h"
+#include "x11/desktop/keyboard_grab_watch.h"
 
 #include <atomic>
 #include <cstdint>
@@ -51,6 +52,9 @@ class X11Workspace : public Workspace {
 
   // Any thread but the workspace's own.
   ActiveWindow activeWindow() const;
+  // Whether another program than the active one, or a prompt, has the keyboard for itself, as of the last
+  // question for the active window or the applications. Main thread.
+  bool keyboardIsTaken() const { return grabs_.keyboardIsTaken(); }
   // Of the windows that are not this program's the one that was active last; it may be gone.
   xcb_window_t lastForeignWindow() const;
   // Called on the workspace's thread after another window has become active; ask which on another thread.
@@ -87,6 +91,7 @@ class X11Workspace : public Workspace {
   std::unique_ptr<XConnection> x_;
   mutable XEventLoop loop_;
   XEventLoop::Task refreshTask_;
+  KeyboardGrabWatch grabs_;
 
   DesktopFiles desktopFiles_;
   xcb_atom_t activeWindowAtom_;

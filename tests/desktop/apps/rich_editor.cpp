@@ -1,8 +1,10 @@
-// test-rich-editor DIRECTORY [--chat]
+// test-rich-editor DIRECTORY [--chat] [--completing]
 //
 // A rich-text editor that writes what it holds to DIRECTORY/plain.txt and rich.html after every change. With
 // --chat, Return sends: the text is appended as a line to DIRECTORY/sent.txt and the field emptied.
+// With --completing, a popup that grabs the keyboard offers completions of what was typed.
 #include <QApplication>
+#include <QCompleter>
 #include <QDir>
 #include <QFile>
 #include <QKeyEvent>
@@ -13,10 +15,15 @@ namespace {
 
 class Editor : public QTextEdit {
  public:
-  Editor(const QString& directory, bool chat) : directory_(directory), chat_(chat) {
+  Editor(const QString& directory, bool chat, bool completing) : directory_(directory), chat_(chat) {
     setWindowTitle("Rich editor");
     setFontPointSize(20);
     connect(this, &QTextEdit::textChanged, this, [this] { write(); });
+    if (completing) {
+      completer_.setWidget(this);
+      completer_.setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+      connect(this, &QTextEdit::textChanged, this, [this] { completer_.complete(QRect(0, 40, 200, 20)); });
+    }
     write();
   }
 
@@ -48,6 +55,7 @@ class Editor : public QTextEdit {
 
   QDir directory_;
   bool chat_;
+  QCompleter completer_{QStringList{"one", "two"}};
 };
 
 }  // namespace
@@ -55,8 +63,8 @@ class Editor : public QTextEdit {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList words = QCoreApplication::arguments();
-  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat]");
-  Editor editor(words[1], words.contains("--chat"));
+  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat] [--completing]");
+  Editor editor(words[1], words.contains("--chat"), words.contains("--completing"));
   editor.resize(600, 300);
   editor.show();
   return QApplication::exec();
