@@ -47,6 +47,10 @@ TEST(SelectionOffer, SavesOneRasterImageEveryVectorImageAndAllElse) {
                              "text/uri-list", ""}),
               ElementsAre("image/png", "image/svg+xml", "x-kde-passwordManagerHint", "text/uri-list"));
   EXPECT_THAT(targetsToSave({"image/jpeg", "image/bmp"}), ElementsAre("image/jpeg"));
+  EXPECT_THAT(targetsToSave({"application/x-qt-image", "image/png",
+                             "application/x-openoffice-bitmap;windows_formatname=\"Bitmap\""}),
+              ElementsAre("image/png"));
+  EXPECT_THAT(targetsToSave({"application/x-qt-image"}), ElementsAre("application/x-qt-image"));
 }
 
 TEST(SelectionOffer, MarkersAndProtocolAreNoContents) {

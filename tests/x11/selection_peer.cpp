@@ -26,6 +26,7 @@ SelectionPeer::SelectionPeer(const std::string& display)
 void SelectionPeer::own(const std::string& selection, Answers answers) {
   answers_ = std::move(answers);
   asked_.clear();
+  isOwner_ = true;
   xcb_set_selection_owner(x_->get(), window_, x_->atom(selection), XCB_CURRENT_TIME);
   x_->sync();
 }
@@ -49,6 +50,9 @@ void SelectionPeer::handle(const xcb_generic_event_t& event) {
   switch (event.response_type & 0x7F) {
     case XCB_SELECTION_REQUEST:
       return answer(reinterpret_cast<const xcb_selection_request_event_t&>(event));
+    case XCB_SELECTION_CLEAR:
+      isOwner_ = false;
+      return;
     case XCB_SELECTION_NOTIFY:
       notified_ = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
       return;
@@ -76,13 +80,13 @@ void SelectionPeer::answer(const xcb_selection_request_event_t& request) {
             request.property};
 
   const auto known = answers_.find(target);
-  if (target == "TARGETS" && known == answers_.end()) {
+  if (isOwner_ && target == "TARGETS" && known == answers_.end()) {
     std::vector<std::string> names{"TARGETS", "TIMESTAMP", "MULTIPLE"};
     for (const auto& [name, unused] : answers_) names.push_back(name);
     const auto atoms = x_->atoms(names);
     xcb_change_property(x_->get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM,
                         32, static_cast<std::uint32_t>(atoms.size()), atoms.data());
-  } else if (known == answers_.end() || known->second.manner == refuse) {
+  } else if (!isOwner_ || known == answers_.end() || known->second.manner == refuse) {
     notify.property = XCB_ATOM_NONE;
   } else if (known->second.manner == silence) {
     return;

@@ -13,7 +13,8 @@
 namespace quorlo {
 
 // Another application as far as selections go, with a connection of its own: takes a selection and answers
-// for it well or badly, and reads what others offer. Answers only within its own calls.
+// for it well or badly, and reads what others offer. Answers only within its own calls. Like the toolkits it
+// refuses what it is asked for after another program has taken its selection.
 class SelectionPeer {
  public:
   // What it does when asked for one target.
@@ -61,6 +62,7 @@ class SelectionPeer {
   std::unique_ptr<XConnection> x_;
   xcb_window_t window_;
   Answers answers_;
+  bool isOwner_ = false;
   std::vector<std::string> asked_;
   std::map<std::pair<xcb_window_t, xcb_atom_t>, Sending> sending_;
 

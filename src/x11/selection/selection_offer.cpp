@@ -93,18 +93,28 @@ bool isMarkerTarget(std::string_view target) {
   return target.starts_with(kMarkerPrefix) || target == kPasswordHint;
 }
 
+bool isPicture(std::string_view target) {
+  return target.starts_with("image/") && target.find("svg") == std::string_view::npos;
+}
+
 std::vector<std::string> targetsToSave(const std::vector<std::string>& offered) {
   static constexpr std::array<std::string_view, 4> kServerObjects{"PIXMAP", "BITMAP", "COLORMAP", "DRAWABLE"};
+  static constexpr std::array<std::string_view, 2> kPicturesOnceMore{"application/x-qt-image",
+                                                                     "application/x-openoffice-bitmap"};
   const bool hasPng = contains(offered, pasteboard_type::kPng);
-  bool hasImage = false;
+  const bool hasPicture = std::ranges::any_of(offered, isPicture);
+  const auto isPictureOnceMore = [&](std::string_view target) {
+    return hasPicture && contains(kPicturesOnceMore, target.substr(0, target.find(';')));
+  };
+  bool savesPicture = false;
   std::vector<std::string> result;
   for (const auto& target : offered) {
     // The password hint is kept: without it the restored password would enter clipboard histories.
     if (target.empty() || isProtocolTarget(target) || target.starts_with(kMarkerPrefix)) continue;
-    if (contains(kServerObjects, target) || contains(result, target)) continue;
-    if (target.starts_with("image/") && target.find("svg") == std::string::npos) {
-      if (hasPng ? target != pasteboard_type::kPng : hasImage) continue;
-      hasImage = true;
+    if (contains(kServerObjects, target) || isPictureOnceMore(target) || contains(result, target)) continue;
+    if (isPicture(target)) {
+      if (hasPng ? target != pasteboard_type::kPng : savesPicture) continue;
+      savesPicture = true;
     }
     result.push_back(target);
   }

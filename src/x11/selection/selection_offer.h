@@ -47,9 +47,12 @@ PasteboardData encoded(const PasteboardData& data, OfferedTarget::Encoding encod
 bool isProtocolTarget(std::string_view target);
 bool isMarkerTarget(std::string_view target);
 
+// A picture of pixels, which its owner encodes when it is asked for.
+bool isPicture(std::string_view target);
+
 // Those of an owner's targets that are worth saving, in the order given: no protocol targets, no
-// markers, no server-side bitmaps, and of the images only the lossless and the vector forms (toolkits
-// offer to convert a picture into dozens of formats, and take seconds when asked for all of them).
+// markers, no server-side bitmaps, and of several encodings of a picture only one, PNG where it is offered:
+// toolkits offer dozens, and take seconds for each.
 std::vector<std::string> targetsToSave(const std::vector<std::string>& offered);
 
 // Contents set by this program, as other programs see them. The data belongs to the pasteboard's thread.

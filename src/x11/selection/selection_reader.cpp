@@ -236,8 +236,9 @@ void SelectionReader::receive(Read& read, Fetch& fetch, bool isFirst) {
 void SelectionReader::advance(Read& read) {
   if (!read.knowsWanted && !read.fetches.front().isOpen()) {
     learnTargets(read);
-    if (read.offersNothing) return finish(read);
+    if (!read.offered.empty() && read.wanted.empty()) return finish(read);
   }
+  askForAnotherPicture(read);
   if (read.knowsWanted && std::ranges::none_of(read.fetches, &Fetch::isOpen)) finish(read);
 }
 
@@ -248,14 +249,30 @@ void SelectionReader::learnTargets(Read& read) {
   read.wanted.clear();
   if (answer.state == State::complete) {
     const XProperty list{XCB_ATOM_ATOM, answer.form.format, answer.bytes};
-    read.wanted = targetsToSave(x_.atomNames(list.cardinals()));
-    read.offersNothing = read.wanted.empty();
+    read.offered = x_.atomNames(list.cardinals());
+    read.wanted = targetsToSave(read.offered);
     if (!read.isTaken) ask(read, read.wanted);
   } else if (!read.isTaken) {
     // An owner that knows only text and does not say so.
     ask(read, {"UTF8_STRING", "STRING"});
   }
   letBeTaken(read);
+}
+
+// Owners refuse encodings that they offer; the next one offered takes the place of a refused one.
+void SelectionReader::askForAnotherPicture(Read& read) {
+  bool isRefused = false;
+  for (const auto& fetch : read.fetches) {
+    if (!isPicture(fetch.target)) continue;
+    if (fetch.state != State::refused) return;
+    isRefused = true;
+  }
+  const auto next = std::ranges::find_if(read.offered, [&](const std::string& target) {
+    return isPicture(target) && !read.hasAskedFor(target);
+  });
+  if (!isRefused || read.isTaken || next == read.offered.end()) return;
+  std::ranges::replace_if(read.wanted, isPicture, *next);
+  ask(read, {*next});
 }
 
 void SelectionReader::abandon(Read& read) {

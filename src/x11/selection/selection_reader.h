@@ -24,6 +24,7 @@ struct SelectionCopy {
   PropertyForms forms;  // of those targets that were answered in an unusual form
 };
 
+// What a copy may cost. Encoding a picture of two large screens takes an owner five seconds.
 struct ReadBudget {
   std::size_t bytes = std::size_t{64} << 20U;
   std::chrono::milliseconds silence{1000};  // without an answer or a part of one
@@ -82,9 +83,9 @@ class SelectionReader {
     bool mayBeTaken = false;
     bool isTaken = false;
     bool ownerEnded = false;
-    bool knowsWanted = false;         // the owner has answered for its targets
-    bool offersNothing = false;       // worth saving
-    std::vector<std::string> wanted;  // empty for an owner that does not tell its targets
+    bool knowsWanted = false;  // the owner has answered for its targets
+    std::vector<std::string> offered;
+    std::vector<std::string> wanted;  // of what is offered; empty for an owner that does not tell
     std::vector<Fetch> fetches;       // the first is for the targets
     Fetch* find(xcb_window_t window);
     bool hasAskedFor(std::string_view target) const;
@@ -99,6 +100,7 @@ class SelectionReader {
   void receive(Read& read, Fetch& fetch, bool isFirst);
   void advance(Read& read);
   void learnTargets(Read& read);
+  void askForAnotherPicture(Read& read);
   void finish(Read& read);
   std::vector<PasteboardLoss> lossesOf(const Read& read) const;
   void logLosses(const Read& read, const std::vector<PasteboardLoss>& losses) const;

@@ -11,27 +11,18 @@ namespace quorlo {
 
 namespace {
 
-// A chord waits for no longer than this for a PRIMARY that was not saved in time.
-constexpr std::chrono::milliseconds kLateSaveBudget{100};
 constexpr std::chrono::milliseconds kHandOverBudget{1000};
-
-SelectionOwner::Offer offerOf(const SelectionCopy& copy) {
-  if (copy.items.empty()) return nullptr;
-  std::vector<SelectionOffer::Data> data;
-  for (const auto& representation : copy.items.front().representations()) {
-    data.push_back(std::make_shared<const PasteboardData>(std::get<PasteboardData>(representation.data)));
-  }
-  return std::make_shared<SelectionOffer>(offeredTargets({copy.items, {}, false}, copy.forms),
-                                          std::move(data));
-}
 
 }  // namespace
 
-SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, SelectionOwner::RunProvider runProvider)
+SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget budget,
+                                 SelectionOwner::RunProvider runProvider)
     : x_(x),
       loop_(loop),
+      budget_(budget),
       owner_(x, loop, tracker_, std::move(runProvider)),
       reader_(x, loop),
+      primary_(owner_, reader_),
       clipboard_(x.atom("CLIPBOARD")),
       clipboardManager_(x.atom("CLIPBOARD_MANAGER")) {
   if (const auto* xfixes = x.extension(xcb_xfixes_id)) {
@@ -92,20 +83,7 @@ bool SelectionServer::setClipboardIfUnchanged(Offer offer, std::int64_t foreignC
 }
 
 void SelectionServer::readClipboard(SelectionReader::Reading reading) {
-  reader_.read(clipboard_, {}, std::move(reading));
-}
-
-void SelectionServer::savePrimary(std::chrono::milliseconds silence, std::function<void()> done) {
-  // What we own is what we borrowed, and its earlier content is at hand.
-  if (owner_.owns(XCB_ATOM_PRIMARY)) return done();
-  ReadBudget budget;
-  budget.silence = silence;
-  const auto saved = [this, done = std::move(done)](const SelectionCopy& copy) {
-    savedPrimary_ = offerOf(copy);
-    primarySaved_ = true;
-    done();
-  };
-  reader_.read(XCB_ATOM_PRIMARY, budget, {{}, saved});
+  reader_.read(clipboard_, budget_, std::move(reading));
 }
 
 void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection selection,
@@ -116,16 +94,13 @@ void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection se
   if (!piece || !client.isKnown()) return done();
 
   const auto announce = [this, client, selection, piece, done = std::move(done)] {
-    if (selection == PasteSelection::clipboardAndPrimary && !owner_.owns(XCB_ATOM_PRIMARY)) {
-      owner_.take(XCB_ATOM_PRIMARY, savedPrimary_);
-    }
     tracker_.announce(client, selection, piece, PasteTracker::Clock::now());
     closeFinishedPastes();
     done();
   };
   inTurn(client, [this, selection, announce] {
-    if (selection == PasteSelection::clipboard || primarySaved_) return announce();
-    savePrimary(kLateSaveBudget, announce);
+    if (selection == PasteSelection::clipboard) return announce();
+    primary_.borrow(budget_, announce);
   });
 }
 
@@ -168,10 +143,7 @@ void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb
     lastForeignChange_ = since;
     ++foreignChanges_;
   }
-  if (selection == XCB_ATOM_PRIMARY && !owner_.owns(XCB_ATOM_PRIMARY)) {
-    primarySaved_ = false;
-    savedPrimary_.reset();
-  }
+  if (selection == XCB_ATOM_PRIMARY && !owner_.owns(XCB_ATOM_PRIMARY)) primary_.ownerChanged();
   reader_.ownerChanged(selection, owner);
 }
 
@@ -188,9 +160,7 @@ void SelectionServer::closeFinishedPastes() {
   }
   tellOfNewContents();
   runWhatIsInTurn();
-  if (!savedPrimary_ && owner_.owns(XCB_ATOM_PRIMARY) && !tracker_.hasOpenPasteFromPrimary()) {
-    owner_.giveUp(XCB_ATOM_PRIMARY);
-  }
+  if (!tracker_.hasOpenPasteFromPrimary()) primary_.pastesAreOver();
 }
 
 }  // namespace quorlo

@@ -2,6 +2,7 @@
 
 #include "x11/connection/x_connection.h"
 #include "x11/connection/x_event_loop.h"
+#include "x11/selection/borrowed_primary.h"
 #include "x11/selection/paste_target.h"
 #include "x11/selection/paste_tracker.h"
 #include "x11/selection/selection_owner.h"
@@ -18,16 +19,13 @@ namespace quorlo {
 // The pasteboard's side of the X server: owns CLIPBOARD while the contents are this program's, copies it
 // while they are another's, and borrows PRIMARY for pastes into terminals.
 //
-// PRIMARY is saved before it is taken. While it is borrowed, its target reads the piece and everybody else
-// what was there before; if nothing was there it is given up once the target has read. So nobody needs to
-// put it back.
-//
 // Everything runs on the loop's thread, except where something else is said.
 class SelectionServer {
  public:
   using Offer = SelectionOwner::Offer;
 
-  SelectionServer(XConnection& x, XEventLoop& loop, SelectionOwner::RunProvider runProvider);
+  SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget budget,
+                  SelectionOwner::RunProvider runProvider);
 
   void handleEvent(const xcb_generic_event_t& event);
 
@@ -40,10 +38,10 @@ class SelectionServer {
   bool setClipboardIfUnchanged(Offer offer, std::int64_t foreignChanges);
   void readClipboard(SelectionReader::Reading reading);
 
-  // Copies PRIMARY, so that it can be borrowed without delay. `done` is called once.
-  void savePrimary(std::chrono::milliseconds silence, std::function<void()> done);
+  // Copies PRIMARY, so that it can be borrowed without delay.
+  void savePrimary() { primary_.save(budget_); }
   // See X11Pasteboard::pasteWillBePosted. `done` is called when the chord may be posted: at the latest
-  // after kTurnPatience and the time that saving PRIMARY may take.
+  // after kTurnPatience and the time that the owner of PRIMARY is given.
   static constexpr std::chrono::milliseconds kTurnPatience{1000};
   void announcePaste(const PasteTarget& target, PasteSelection selection, std::function<void()> done);
 
@@ -66,16 +64,16 @@ class SelectionServer {
 
   XConnection& x_;
   XEventLoop& loop_;
+  ReadBudget budget_;
   PasteTracker tracker_;
   SelectionOwner owner_;
   SelectionReader reader_;
+  BorrowedPrimary primary_;
   xcb_atom_t clipboard_;
   xcb_atom_t clipboardManager_;
   std::uint8_t xfixesEvent_ = 0;
   std::atomic<std::int64_t> foreignChanges_ = 0;
   xcb_timestamp_t lastForeignChange_ = XCB_CURRENT_TIME;  // of the clipboard; unknown before the first
-  bool primarySaved_ = false;
-  Offer savedPrimary_;  // null when PRIMARY was empty
   bool announcementIsDue_ = false;
   XEventLoop::TimerId pasteTimer_ = 0;
   std::function<void()> handedOver_;

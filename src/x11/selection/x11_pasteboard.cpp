@@ -13,7 +13,6 @@ namespace {
 
 // The pasteboard's thread answers within a few round trips; only a server that hangs takes longer.
 constexpr std::chrono::milliseconds kAnswerBudget{1000};
-constexpr std::chrono::milliseconds kReadPrimaryBudget{1000};
 constexpr std::chrono::milliseconds kHandOverBudget{1500};
 constexpr auto kAnnouncementBudget = SelectionServer::kTurnPatience + kAnswerBudget;
 
@@ -81,7 +80,7 @@ X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, O
       queue_(queue),
       options_(std::move(options)),
       loop_(*x_, "pasteboard"),
-      server_(*x_, loop_,
+      server_(*x_, loop_, options_.readBudget,
               [this](const auto& offer, std::size_t representation, const std::function<void()>& done) {
                 runProvider(offer, representation, done);
               }) {
@@ -144,81 +143,47 @@ void X11Pasteboard::warnOfLateServer() const {
   logWarning("WARNING: #x11pB1; The X server has not taken the new clipboard contents within 1 s.");
 }
 
-// The two selections that a read may have to copy. Each step is over when it is over for all of them.
-class X11Pasteboard::Copying {
- public:
-  Copying(int selections, std::function<void()> mayBeReplaced, std::function<void(Copying&)> completed)
-      : untilReplaceable_(selections),
-        untilComplete_(selections),
-        mayBeReplaced_(std::move(mayBeReplaced)),
-        completed_(std::move(completed)) {}
-
-  void mayBeTaken() {
-    if (--untilReplaceable_ == 0) mayBeReplaced_();
-  }
-  void complete() {
-    if (--untilComplete_ == 0) completed_(*this);
-  }
-
-  std::shared_ptr<SelectionCopy> foreign;  // null for this program's own contents
-  std::int64_t foreignChanges = 0;
-
- private:
-  int untilReplaceable_;
-  int untilComplete_;
-  std::function<void()> mayBeReplaced_;
-  std::function<void(Copying&)> completed_;
-};
-
 void X11Pasteboard::read(Reading reading) {
-  const bool savePrimary = options_.pastesFromPrimary && options_.pastesFromPrimary();
+  const bool savesPrimary = options_.pastesFromPrimary && options_.pastesFromPrimary();
   const auto onMainThread = [this, alive = std::weak_ptr<char>(alive_)](std::function<void()> task) {
     queue_.run([alive, task = std::move(task)] {
       if (!alive.expired()) task();
     });
   };
-  const auto mayBeReplaced = [onMainThread, notify = std::move(reading.contentsMayBeReplaced)] {
-    if (notify) onMainThread(notify);
+  const auto changeCount = std::make_shared<std::int64_t>(ownChanges_);
+  const auto mayBeReplaced = [this, onMainThread, changeCount,
+                              step = std::move(reading.contentsMayBeReplaced)] {
+    *changeCount += server_.foreignChanges();
+    if (step) onMainThread(step);
   };
-  const auto completed = [this, onMainThread, own = own_, ownChanges = ownChanges_,
-                          notify = std::move(reading.completed)](Copying& copying) {
-    onMainThread(
-        [this, own, ownChanges, notify, foreignChanges = copying.foreignChanges, foreign = copying.foreign] {
-          notify(copyOf(own, foreign.get(), ownChanges + foreignChanges));
-        });
+  const auto completed = [this, onMainThread, changeCount, own = own_, step = std::move(reading.completed)](
+                             const std::shared_ptr<SelectionCopy>& foreign) {
+    onMainThread([this, changeCount, own, step, foreign] {
+      auto copy = foreign ? copyOf(*foreign) : copyOf(own);
+      copy.changeCount = *changeCount;
+      step(std::move(copy));
+    });
   };
-  const auto copying = std::make_shared<Copying>(savePrimary ? 2 : 1, mayBeReplaced, completed);
-  loop_.post([this, savePrimary, copying] {
-    if (savePrimary) {
-      server_.savePrimary(kReadPrimaryBudget, [copying] {
-        copying->mayBeTaken();
-        copying->complete();
-      });
-    }
-    const auto mayBeTaken = [this, copying] {
-      copying->foreignChanges = server_.foreignChanges();
-      copying->mayBeTaken();
-    };
+  loop_.post([this, savesPrimary, mayBeReplaced, completed] {
+    if (savesPrimary) server_.savePrimary();
     if (server_.clipboardOffer()) {
-      mayBeTaken();
-      return copying->complete();
+      mayBeReplaced();
+      return completed(nullptr);
     }
-    server_.readClipboard({mayBeTaken, [copying](SelectionCopy foreign) {
-                             copying->foreign = std::make_shared<SelectionCopy>(std::move(foreign));
-                             copying->complete();
+    server_.readClipboard({mayBeReplaced, [completed](SelectionCopy foreign) {
+                             completed(std::make_shared<SelectionCopy>(std::move(foreign)));
                            }});
   });
 }
 
-// `own` is what was on the pasteboard where no other program's contents were.
-PasteboardCopy X11Pasteboard::copyOf(const std::shared_ptr<OwnContents>& own, SelectionCopy* foreign,
-                                     std::int64_t changeCount) {
-  if (foreign != nullptr) {
-    for (const auto& [type, form] : foreign->forms) forms_[type] = form;
-    return {std::move(foreign->items), std::move(foreign->losses), changeCount};
-  }
-  if (!own) return {{}, {}, changeCount};
-  return {own->copy(own == own_), {}, changeCount};
+PasteboardCopy X11Pasteboard::copyOf(SelectionCopy& foreign) {
+  for (const auto& [type, form] : foreign.forms) forms_[type] = form;
+  return {std::move(foreign.items), std::move(foreign.losses)};
+}
+
+PasteboardCopy X11Pasteboard::copyOf(const std::shared_ptr<OwnContents>& own) {
+  if (!own) return {};
+  return {own->copy(own == own_), {}};
 }
 
 std::int64_t X11Pasteboard::changeCount() const {

@@ -29,6 +29,7 @@ class X11Pasteboard : public Pasteboard {
     // thread.
     std::function<bool()> pastesFromPrimary;
     std::function<void()> connectionLost;  // once, on a thread of the pasteboard's
+    ReadBudget readBudget = {};
   };
 
   static Result<std::unique_ptr<X11Pasteboard>> connect(const std::string& display, MainQueue& queue,
@@ -52,7 +53,6 @@ class X11Pasteboard : public Pasteboard {
   PasteTracker& pasteTracker() { return server_.tracker(); }
 
  private:
-  class Copying;
   class OwnContents;
 
   X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, Options options);
@@ -61,8 +61,9 @@ class X11Pasteboard : public Pasteboard {
   void provideAll();
   SelectionServer::Offer adopt(const PasteboardContents& contents);
   void warnOfLateServer() const;
-  PasteboardCopy copyOf(const std::shared_ptr<OwnContents>& own, SelectionCopy* foreign,
-                        std::int64_t changeCount);
+  // What another program had, and what this program has set.
+  PasteboardCopy copyOf(SelectionCopy& foreign);
+  PasteboardCopy copyOf(const std::shared_ptr<OwnContents>& own);
 
   std::unique_ptr<XConnection> x_;
   MainQueue& queue_;
