@@ -33,6 +33,7 @@ class KeyStreamTest : public ::testing::Test, KeyStream::Output, KeyStream::Judg
     stream.drain();
   }
 
+  KeyReader::Locks serverLocks;
   std::string log;
   std::u16string judged, repeated;
   std::function<TapVerdict(const std::u16string&)> judge = [](const std::u16string&) {
@@ -49,6 +50,7 @@ class KeyStreamTest : public ::testing::Test, KeyStream::Output, KeyStream::Judg
   void press(XKeycode keycode) override { log += name(keycode) + " "; }
   void release(XKeycode keycode) override { log += "^" + name(keycode) + " "; }
   void flush() override {}
+  KeyReader::Locks locks() override { return serverLocks; }
   TapVerdict keyPressed(const KeyDownEvent& event) override {
     judged += event.characters;
     return judge(event.characters);
@@ -63,6 +65,16 @@ TEST_F(KeyStreamTest, AKeyThatIsDownOnTwoKeyboardsIsLetGoWithTheLastOfThem) {
   EXPECT_EQ(log, "a ^a a ");
   up(kA, 10);
   EXPECT_EQ(log, "a ^a a ^a ");
+}
+
+TEST_F(KeyStreamTest, WithStickyKeysTheServerTellsAfterEachKeyWhatHoldsForTheNext) {
+  stream.setStickyKeys(true);
+  serverLocks.latchedModifiers = 1;  // the server's answer to the Shift that was tapped
+  tap(kShift);
+  serverLocks = {};
+  tap(kA);
+  tap(kB);
+  EXPECT_EQ(judged, u"Ab");
 }
 
 TEST_F(KeyStreamTest, AModifierReleasedDuringAHoldIsPressedAgainOnlyIfAKeyNeedsIt) {

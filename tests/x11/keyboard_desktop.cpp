@@ -1,6 +1,7 @@
 #include "x11/keyboard_desktop.h"
 
 #include "text/utf.h"
+#include "x11/connection/xcb_xkb.h"
 
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
@@ -103,6 +104,38 @@ void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, 
   xcb_input_xi_change_property(connection->get(), deviceNamed(desktop, name), XCB_PROP_MODE_REPLACE, 8,
                                connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, value.data());
   connection->sync();
+}
+
+namespace {
+
+// Runs `task` on a connection that may use XKB.
+template <class Task>
+auto withXkb(const VirtualDesktop& desktop, Task task) {
+  const auto connection = std::move(XConnection::open(desktop.display())).value();
+  xkb_x11_setup_xkb_extension(connection->get(), 1, 0, XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr,
+                              nullptr, nullptr);
+  return task(*connection);
+}
+
+}  // namespace
+
+void setStickyKeys(const VirtualDesktop& desktop, bool isOn) {
+  withXkb(desktop, [&](const XConnection& connection) {
+    const std::array<std::uint8_t, 32> repeats{};
+    xcb_xkb_set_controls(connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                         XCB_XKB_BOOL_CTRL_STICKY_KEYS, isOn ? XCB_XKB_BOOL_CTRL_STICKY_KEYS : 0,
+                         XCB_XKB_CONTROL_CONTROLS_ENABLED, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                         repeats.data());
+    connection.sync();
+  });
+}
+
+bool stickyKeys(const VirtualDesktop& desktop) {
+  return withXkb(desktop, [](const XConnection& connection) {
+    const auto controls = connection.reply(xcb_xkb_get_controls_reply,
+                                           xcb_xkb_get_controls(connection.get(), XCB_XKB_ID_USE_CORE_KBD));
+    return controls && (controls->enabledControls & XCB_XKB_BOOL_CTRL_STICKY_KEYS) != 0;
+  });
 }
 
 KeyboardDesktop::KeyboardDesktop(VirtualDesktop& desktop) {

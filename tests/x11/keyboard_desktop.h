@@ -48,6 +48,10 @@ std::uint16_t deviceNamed(const VirtualDesktop& desktop, const std::string& name
 // As when the keyboard is plugged in or out.
 void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled);
 
+// Of the session's keyboard, as a settings dialog sets it.
+void setStickyKeys(const VirtualDesktop& desktop, bool isOn);
+bool stickyKeys(const VirtualDesktop& desktop);
+
 // The keyboard service on a virtual desktop, with a tap whose verdicts the test gives.
 class KeyboardDesktop {
  public:

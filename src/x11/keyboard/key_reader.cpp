@@ -90,10 +90,22 @@ void KeyReader::setMap(KeyMap map) {
 }
 
 void KeyReader::setLocks(const Locks& locks) {
+  const bool isSame =
+      locks.latchedModifiers == xkb_state_serialize_mods(state_.get(), XKB_STATE_MODS_LATCHED) &&
+      locks.lockedModifiers == xkb_state_serialize_mods(state_.get(), XKB_STATE_MODS_LOCKED) &&
+      static_cast<std::uint32_t>(locks.latchedGroup) ==
+          xkb_state_serialize_layout(state_.get(), XKB_STATE_LAYOUT_LATCHED) &&
+      locks.lockedGroup == xkb_state_serialize_layout(state_.get(), XKB_STATE_LAYOUT_LOCKED);
+  if (isSame) return;
   xkb_state_update_mask(state_.get(), xkb_state_serialize_mods(state_.get(), XKB_STATE_MODS_DEPRESSED),
                         locks.latchedModifiers, locks.lockedModifiers,
                         xkb_state_serialize_layout(state_.get(), XKB_STATE_LAYOUT_DEPRESSED),
                         static_cast<std::uint32_t>(locks.latchedGroup), locks.lockedGroup);
+}
+
+bool KeyReader::hasLatches() const {
+  return xkb_state_serialize_mods(state_.get(), XKB_STATE_MODS_LATCHED) != 0 ||
+         xkb_state_serialize_layout(state_.get(), XKB_STATE_LAYOUT_LATCHED) != 0;
 }
 
 bool KeyReader::isActive(const char* modifier) const {

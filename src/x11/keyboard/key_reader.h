@@ -52,6 +52,7 @@ class KeyReader {
 
   // What is locked or latched for the session, Caps Lock and the layout in effect, not by keys seen here.
   void setLocks(const Locks& locks);
+  bool hasLatches() const;
 
  private:
   KeyDownEvent read(XKeycode keycode) const;

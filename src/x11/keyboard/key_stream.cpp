@@ -65,6 +65,7 @@ void KeyStream::drain() {
         }
         break;
     }
+    if (hasStickyKeys_ || reader_.hasLatches()) reader_.setLocks(output_.locks());
   }
   output_.flush();
 }
@@ -189,6 +190,11 @@ std::vector<XKeycode> KeyStream::releaseModifiers() {
 void KeyStream::setMap(KeyMap map) {
   const std::lock_guard lock(mutex_);
   reader_.setMap(std::move(map));
+}
+
+void KeyStream::setStickyKeys(bool isOn) {
+  const std::lock_guard lock(mutex_);
+  hasStickyKeys_ = isOn;
 }
 
 void KeyStream::setLocks(const KeyReader::Locks& locks) {

@@ -35,6 +35,8 @@ class KeyStream {
     virtual void press(XKeycode keycode) = 0;
     virtual void release(XKeycode keycode) = 0;
     virtual void flush() = 0;
+    // What is locked and latched after all keys pressed so far. Waits for the server.
+    virtual KeyReader::Locks locks() = 0;
   };
   // Called without the lock.
   class Judge {
@@ -82,6 +84,9 @@ class KeyStream {
 
   void setMap(KeyMap map);
   void setLocks(const KeyReader::Locks& locks);
+  // Modifiers that are tapped hold for the next key, by rules that only the server knows: it is asked after
+  // every key.
+  void setStickyKeys(bool isOn);
 
  private:
   void handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock);
@@ -101,6 +106,7 @@ class KeyStream {
   std::set<XKeycode> down_;  // as applications see it
   std::deque<PhysicalKey> queue_;
   bool holding_ = false;
+  bool hasStickyKeys_ = false;
   std::optional<XKeycode> judgedEarlier_;  // passed, but a hold began while it was judged
   std::vector<XKeycode> pausedModifiers_;  // held when the hold began
 };

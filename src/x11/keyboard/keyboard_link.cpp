@@ -2,7 +2,6 @@
 
 #include "base/log.h"
 #include "x11/connection/xcb_xkb.h"
-#include "x11/keyboard/keyboard_maps.h"
 
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
@@ -18,8 +17,6 @@ namespace {
 
 constexpr std::uint16_t kAllDevices = 0;
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
-constexpr std::uint16_t kLocks = XCB_XKB_STATE_PART_MODIFIER_LOCK | XCB_XKB_STATE_PART_MODIFIER_LATCH |
-                                 XCB_XKB_STATE_PART_GROUP_LOCK | XCB_XKB_STATE_PART_GROUP_LATCH;
 
 constexpr std::string_view kWaylandDevices = "xwayland-";  // of Xwayland, by their names
 
@@ -43,13 +40,14 @@ KeyboardLink::KeyboardLink(XConnection& connection) : connection_(connection) {
 }
 
 void KeyboardLink::findObstacles() {
+  KeyboardEvents::Numbers numbers;
   const auto* input = connection_.extension(xcb_input_id);
   const auto version = input == nullptr
                            ? nullptr
                            : connection_.reply(xcb_input_xi_query_version_reply,
                                                xcb_input_xi_query_version(connection_.get(), 2, 2));
   if (version && version->major_version >= 2) {
-    inputOpcode_ = input->major_opcode;
+    numbers.inputOpcode = input->major_opcode;
   } else {
     obstacles_.push_back(AccessibilityObstacle::noXInput2);
   }
@@ -57,15 +55,18 @@ void KeyboardLink::findObstacles() {
   if (!hasXtest) obstacles_.push_back(AccessibilityObstacle::noXtest);
   if (xkb_x11_setup_xkb_extension(connection_.get(), XKB_X11_MIN_MAJOR_XKB_VERSION,
                                   XKB_X11_MIN_MINOR_XKB_VERSION, XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS,
-                                  nullptr, nullptr, &xkbFirstEvent_, nullptr) == 0) {
+                                  nullptr, nullptr, &numbers.xkbFirstEvent, nullptr) == 0) {
     obstacles_.push_back(AccessibilityObstacle::noXkb);
     return;
   }
   const auto core = xkb_x11_get_core_keyboard_device_id(connection_.get());
   masterKeyboard_ = core > 0 ? static_cast<Device>(core) : Device{3};
-  if (inputOpcode_ == 0) return;
+  numbers.masterKeyboard = masterKeyboard_;
+  events_ = KeyboardEvents(numbers);
+  if (numbers.inputOpcode == 0) return;
   const auto keyboards = findKeyboards();
   xtestKeyboard_ = keyboards.xtest;
+  maps_ = MapSharing(connection_, xtestKeyboard_);
   if (keyboards.ofWayland) obstacles_.insert(obstacles_.begin(), AccessibilityObstacle::waylandSession);
   if (hasXtest && xtestKeyboard_ == 0) obstacles_.push_back(AccessibilityObstacle::noXtest);
 }
@@ -73,32 +74,6 @@ void KeyboardLink::findObstacles() {
 bool KeyboardLink::hasKeyboard() const {
   const auto keyboards = findKeyboards();
   return !keyboards.attached.empty() || keyboards.floating > 0;
-}
-
-void KeyboardLink::selectEvents() {
-  const struct {
-    xcb_input_event_mask_t header{kAllDevices, 1};
-    std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_HIERARCHY;
-  } hierarchy;
-  xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &hierarchy.header);
-  xcb_xkb_select_events_details_t details{};
-  details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
-  details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
-  details.affectState = kLocks;
-  details.stateDetails = kLocks;
-  constexpr std::uint16_t kWhich = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY |
-                                   XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
-  constexpr std::uint16_t kMap = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
-  xcb_xkb_select_events_aux(connection_.get(), masterKeyboard_, kWhich, 0, 0, kMap, kMap, &details);
-}
-
-// The map of a keyboard that floats is changed without a word to the session's.
-void KeyboardLink::selectMapChanges(Device device) const {
-  xcb_xkb_select_events_details_t details{};
-  details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
-  details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
-  xcb_xkb_select_events_aux(connection_.get(), device, XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY, 0, 0, 0, 0,
-                            &details);
 }
 
 bool KeyboardLink::isXtest(Device device) const {
@@ -134,32 +109,45 @@ KeyboardLink::Keyboards KeyboardLink::findKeyboards() const {
 KeyboardLink::Grab KeyboardLink::grabKeyboards() {
   const auto keyboards = findKeyboards();
   if (keyboards.attached.empty()) return Grab::nothingNew;
+  // A keyboard that is plugged in later has the session's attention once it is typed on.
+  const bool isFirst = grabbed_.empty();
   bool anyGrabbed = false;
   for (const auto device : keyboards.attached) {
-    const auto reply = connection_.reply(
-        xcb_input_xi_grab_device_reply,
-        xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_NONE, device,
-                                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &kKeyMask));
-    if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+    const bool isGrabbed = grab(device);
+    anyGrabbed = anyGrabbed || isGrabbed;
+    if (isGrabbed) {
       grabbed_.insert(device);
-      selectMapChanges(device);
-      anyGrabbed = true;
+      maps_.forget(device);
+      copyControls(connection_, masterKeyboard_, device, ControlsShare::whileFloating);
     } else {
       grabbed_.erase(device);  // the server ended a grab there was
       logWarning("A keyboard cannot be watched: another program has grabbed it.");
     }
   }
+  if (!anyGrabbed) return Grab::refused;
   // Keys come to the applications from the XTEST keyboard now, which has a map of its own.
-  useMapOf(keyboards.attached.front());
-  return anyGrabbed ? Grab::some : Grab::refused;
+  if (isFirst) useMapOf(*grabbed_.begin());
+  followLocks(locks());
+  return Grab::some;
+}
+
+bool KeyboardLink::grab(Device device) const {
+  const auto reply = connection_.reply(
+      xcb_input_xi_grab_device_reply,
+      xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_NONE, device,
+                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &kKeyMask));
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 void KeyboardLink::ungrabKeyboards() {
+  followMap();
   for (const auto device : grabbed_) {
+    copyControls(connection_, masterKeyboard_, device, ControlsShare::whole);
+    copyFeedback(connection_, masterKeyboard_, device);
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, device);
   }
   grabbed_.clear();
-  mapSource_ = 0;
+  maps_.forgetAll();
   connection_.flush();
 }
 
@@ -214,33 +202,31 @@ std::optional<KeyMap> KeyboardLink::map() const {
   return KeyMap::ofServer(connection_.get(), xtestKeyboard_);
 }
 
-KeyReader::Locks KeyboardLink::locks() const {
+KeyReader::Locks KeyboardLink::locks() {
   const auto state =
       connection_.reply(xcb_xkb_get_state_reply, xcb_xkb_get_state(connection_.get(), masterKeyboard_));
   if (!state) return {};
   return {state->latchedMods, state->lockedMods, state->latchedGroup, state->lockedGroup};
 }
 
-bool KeyboardLink::useMapOf(Device keyboard) {
-  if (std::exchange(mapSource_, keyboard) == keyboard) return false;
-  return copyKeyboardMap(connection_, keyboard, xtestKeyboard_);
+bool KeyboardLink::noteMapChange(Device device) {
+  if (grabbed_.contains(device)) maps_.forget(device);
+  return device == masterKeyboard_;
 }
 
-void KeyboardLink::shareMap() {
-  for (const auto device : grabbed_) copyKeyboardMap(connection_, xtestKeyboard_, device);
-}
-
-void KeyboardLink::shareKeysyms() {
-  for (const auto device : grabbed_) copyKeysyms(connection_, xtestKeyboard_, device);
-}
-
-void KeyboardLink::shareLocks(const KeyReader::Locks& locks) {
+void KeyboardLink::followControls() {
   for (const auto device : grabbed_) {
-    xcb_xkb_latch_lock_state(connection_.get(), device, 0xFF,
-                             static_cast<std::uint8_t>(locks.lockedModifiers), 1,
-                             static_cast<std::uint8_t>(locks.lockedGroup), 0, 0, 0);
+    copyControls(connection_, masterKeyboard_, device, ControlsShare::whileFloating);
   }
-  flush();
+}
+
+void KeyboardLink::followLocks(const KeyReader::Locks& locks) {
+  for (const auto device : grabbed_) lock(device, locks);
+}
+
+void KeyboardLink::lock(Device device, const KeyReader::Locks& locks) const {
+  xcb_xkb_latch_lock_state(connection_.get(), device, 0xFF, static_cast<std::uint8_t>(locks.lockedModifiers),
+                           1, static_cast<std::uint8_t>(locks.lockedGroup), 0, 0, 0);
 }
 
 void KeyboardLink::press(XKeycode keycode) {
@@ -249,61 +235,6 @@ void KeyboardLink::press(XKeycode keycode) {
 
 void KeyboardLink::release(XKeycode keycode) {
   xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-}
-
-KeyboardLink::Change KeyboardLink::read(const xcb_generic_event_t& event) {
-  Change change;
-  const auto type = event.response_type & 0x7FU;
-  if (type == XCB_GE_GENERIC) {
-    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-    if (generic.extension != inputOpcode_) return change;
-    if (generic.event_type == XCB_INPUT_KEY_PRESS || generic.event_type == XCB_INPUT_KEY_RELEASE) {
-      const auto& key = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
-      auto kind = PhysicalKey::Kind::release;
-      if (generic.event_type == XCB_INPUT_KEY_PRESS) {
-        kind = (key.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0 ? PhysicalKey::Kind::repeat
-                                                                       : PhysicalKey::Kind::press;
-      }
-      change.key = PhysicalKey{kind, key.deviceid, static_cast<XKeycode>(key.detail)};
-      change.time = key.time;
-    } else if (generic.event_type == XCB_INPUT_HIERARCHY) {
-      constexpr std::uint32_t kInteresting =
-          XCB_INPUT_HIERARCHY_MASK_SLAVE_ADDED | XCB_INPUT_HIERARCHY_MASK_SLAVE_REMOVED |
-          XCB_INPUT_HIERARCHY_MASK_SLAVE_ATTACHED | XCB_INPUT_HIERARCHY_MASK_DEVICE_ENABLED |
-          XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
-      change.keyboardsChanged =
-          (reinterpret_cast<const xcb_input_hierarchy_event_t&>(event).flags & kInteresting) != 0;
-    }
-  } else if (type == xkbFirstEvent_ && xkbFirstEvent_ != 0) {
-    switch (event.pad0) {
-      case XCB_XKB_NEW_KEYBOARD_NOTIFY: {
-        const auto& notify = reinterpret_cast<const xcb_xkb_new_keyboard_notify_event_t&>(event);
-        // The session's map also changes by itself, to that of the keyboard which is typed on.
-        const bool isByTheUser = notify.requestMinor == XCB_XKB_GET_KBD_BY_NAME;
-        if (notify.deviceID != masterKeyboard_) {
-          mapSource_ = 0;
-        } else {
-          change.map = isByTheUser ? MapChange::chosen : MapChange::replaced;
-        }
-        break;
-      }
-      case XCB_XKB_MAP_NOTIFY:
-        change.map = MapChange::keysyms;
-        break;
-      case XCB_XKB_STATE_NOTIFY: {
-        const auto& state = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
-        // Changes made by keys are followed key by key.
-        if (state.keycode == 0) {
-          change.locks =
-              KeyReader::Locks{state.latchedMods, state.lockedMods, state.latchedGroup, state.lockedGroup};
-        }
-        break;
-      }
-      default:
-        break;
-    }
-  }
-  return change;
 }
 
 }  // namespace quorlo

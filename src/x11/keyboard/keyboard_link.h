@@ -4,6 +4,9 @@
 #include "x11/connection/x_connection.h"
 #include "x11/keyboard/key_reader.h"
 #include "x11/keyboard/key_stream.h"
+#include "x11/keyboard/keyboard_controls.h"
+#include "x11/keyboard/keyboard_events.h"
+#include "x11/keyboard/map_sharing.h"
 
 #include <cstdint>
 #include <optional>
@@ -18,8 +21,11 @@ namespace quorlo {
 // device, through which keys are pressed for the applications. Physical keyboards that are grabbed float:
 // applications see nothing of them, and nothing that is done to the session's keyboard reaches them.
 //
-// Keyboards are grabbed, shared with and asked for by one thread; keys may be pressed, and the map, the locks
-// and what is pressed be asked for, from any.
+// While they float they follow what other programs do to the session's keyboard, so that keys are read as
+// applications read them, and the keyboards are as the user wants them when they are let go.
+//
+// Keyboards are grabbed, changed and asked for by one thread; keys may be pressed, and the map, the locks and
+// what is pressed be asked for, from any.
 class KeyboardLink : public KeyStream::Output {
  public:
   using Device = std::uint16_t;
@@ -32,7 +38,8 @@ class KeyboardLink : public KeyStream::Output {
   // The keyboards in use, grabbed ones too.
   bool hasKeyboard() const;
 
-  void selectEvents();
+  void selectEvents() const { events_.select(connection_); }
+  KeyboardChange read(const xcb_generic_event_t& event) const { return events_.read(event); }
 
   enum class Grab { nothingNew, some, refused };
   // Grabs the keyboards that are not grabbed yet. Refused when there are some and none can be grabbed.
@@ -50,31 +57,23 @@ class KeyboardLink : public KeyStream::Output {
 
   // The map that applications see for keys pressed through `press`.
   std::optional<KeyMap> map() const;
-  KeyReader::Locks locks() const;
+  KeyReader::Locks locks() override;
+  // The session's keyboard makes a modifier that is tapped hold for the next key.
+  bool hasStickyKeys() const { return quorlo::hasStickyKeys(connection_, masterKeyboard_); }
   // Makes the keys pressed from now on those of this keyboard, since each may have a layout of its own. True
-  // when the map has changed by that.
-  bool useMapOf(Device keyboard);
-  // The session's keyboard map or locks were changed: the floating keyboards follow.
-  void shareMap();
-  void shareKeysyms();
-  void shareLocks(const KeyReader::Locks& locks);
+  // when the map that applications see is another one.
+  bool useMapOf(Device keyboard) { return maps_.useMapOf(keyboard, grabbed_); }
+  // A keyboard map was changed. True when it may be the session's: `followMap` is to be called.
+  bool noteMapChange(Device device);
+  // The grabbed keyboards take over what was changed of the session's keyboard. True when the map that
+  // applications see is another one.
+  bool followMap() { return maps_.follow(grabbed_); }
+  void followControls();
+  void followLocks(const KeyReader::Locks& locks);
 
   void press(XKeycode keycode) override;
   void release(XKeycode keycode) override;
   void flush() override { connection_.flush(); }
-
-  // The session's map is that of another keyboard now; the user has chosen one for all keyboards; single
-  // keysyms are others.
-  enum class MapChange { replaced, chosen, keysyms };
-  // What an event says; at most one of these.
-  struct Change {
-    std::optional<PhysicalKey> key;
-    std::uint32_t time = 0;  // of the key, in milliseconds of the server
-    bool keyboardsChanged = false;
-    std::optional<MapChange> map;
-    std::optional<KeyReader::Locks> locks;
-  };
-  Change read(const xcb_generic_event_t& event);
 
  private:
   struct Keyboards {
@@ -86,17 +85,17 @@ class KeyboardLink : public KeyStream::Output {
   Keyboards findKeyboards() const;
   void findObstacles();
   bool isXtest(Device device) const;
-  void selectMapChanges(Device device) const;
+  bool grab(Device device) const;
+  void lock(Device device, const KeyReader::Locks& locks) const;
   void appendHeldKeys(Device device, HeldKeys& held) const;
 
   XConnection& connection_;
   std::vector<AccessibilityObstacle> obstacles_;
-  std::uint8_t inputOpcode_ = 0;
-  std::uint8_t xkbFirstEvent_ = 0;
+  KeyboardEvents events_;
   Device masterKeyboard_ = 0;
   Device xtestKeyboard_ = 0;
   std::set<Device> grabbed_;
-  Device mapSource_ = 0;  // the keyboard whose map the XTEST keyboard has; 0 when in doubt
+  MapSharing maps_{connection_, 0};
 };
 
 }  // namespace quorlo

@@ -1,27 +1,21 @@
 #include "x11/keyboard/keyboard_maps.h"
 
 #include "base/log.h"
+#include "x11/connection/raw_request.h"
 #include "x11/connection/xcb_xkb.h"
-
-#include <sys/uio.h>
-#include <xcb/xcbext.h>
-#include <xcb/xinput.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorlo {
 
 namespace {
 
-// In the order in which the request that loads a map wants them.
-struct Components {
-  std::string keycodes, types, compatibility, symbols;
-  bool operator==(const Components&) const = default;
-};
+using Components = KeyboardComponents;
 
 Components componentsOf(const XConnection& connection, std::uint16_t device) {
   constexpr std::uint32_t kWhich = XCB_XKB_NAME_DETAIL_KEYCODES | XCB_XKB_NAME_DETAIL_SYMBOLS |
@@ -59,12 +53,8 @@ void loadMap(const XConnection& connection, std::uint16_t device, const Componen
   request.need = kNeeded;
   request.want = kNeeded;
   request.load = 1;
-  std::array<iovec, 4> parts{};  // xcb keeps the first two for itself
-  parts[2] = {&request, sizeof request};
-  parts[3] = {names.data(), names.size()};
-  const xcb_protocol_request_t description{2, &xcb_xkb_id, XCB_XKB_GET_KBD_BY_NAME, 0};
   const xcb_xkb_get_kbd_by_name_cookie_t cookie{
-      xcb_send_request(connection.get(), XCB_REQUEST_CHECKED, &parts[2], &description)};
+      sendRaw(connection, xcb_xkb_id, XCB_XKB_GET_KBD_BY_NAME, request, std::move(names), RawReply::awaited)};
   const auto reply = connection.reply(xcb_xkb_get_kbd_by_name_reply, cookie);
   if (!reply || reply->loaded == 0) {
     logWarning("The X server did not give a keyboard the map \"" + components.symbols + "\".");
@@ -73,42 +63,38 @@ void loadMap(const XConnection& connection, std::uint16_t device, const Componen
 
 }  // namespace
 
-bool copyKeyboardMap(const XConnection& connection, std::uint16_t from, std::uint16_t to) {
-  const auto components = componentsOf(connection, from);
-  if (components.symbols.empty() || components == componentsOf(connection, to)) return false;
-  loadMap(connection, to, components);
-  return true;
+KeyboardMap readKeyboardMap(const XConnection& connection, std::uint16_t device) {
+  return {componentsOf(connection, device), readKeyDefinitions(connection, device)};
 }
 
-void copyKeysyms(const XConnection& connection, std::uint16_t from, std::uint16_t to) {
-  if (componentsOf(connection, from) != componentsOf(connection, to)) return;
-  const auto* setup = xcb_get_setup(connection.get());
-  const auto first = setup->min_keycode;
-  const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);
-  const auto mapping = [&](std::uint16_t device) {
-    return connection.reply(
-        xcb_input_get_device_key_mapping_reply,
-        xcb_input_get_device_key_mapping(connection.get(), static_cast<std::uint8_t>(device), first, count));
-  };
-  const auto wanted = mapping(from);
-  const auto present = mapping(to);
-  if (!wanted || !present) return;
-  const auto keysyms = [](const auto& reply) {
-    const auto* begin = xcb_input_get_device_key_mapping_keysyms(reply.get());
-    return std::vector<xcb_keysym_t>(begin,
-                                     begin + xcb_input_get_device_key_mapping_keysyms_length(reply.get()));
-  };
-  const auto values = keysyms(wanted);
-  if (values == keysyms(present)) return;
-  xcb_input_change_device_key_mapping(connection.get(), static_cast<std::uint8_t>(to), first,
-                                      wanted->keysyms_per_keycode, count, values.data());
-  if (const auto modifiers = connection.reply(
-          xcb_input_get_device_modifier_mapping_reply,
-          xcb_input_get_device_modifier_mapping(connection.get(), static_cast<std::uint8_t>(from)))) {
-    xcb_input_set_device_modifier_mapping(connection.get(), static_cast<std::uint8_t>(to),
-                                          modifiers->keycodes_per_modifier,
-                                          xcb_input_get_device_modifier_mapping_keymaps(modifiers.get()));
+void giveMap(const XConnection& connection, std::uint16_t device, const KeyboardMap& wanted) {
+  if (!wanted.components.symbols.empty() && componentsOf(connection, device) != wanted.components) {
+    loadMap(connection, device, wanted.components);
   }
+  const auto present = readKeyDefinitions(connection, device);
+  if (!present || !wanted.keys || !present->hasKeysOf(*wanted.keys)) return;
+  writeKeyDefinitions(connection, device, *wanted.keys, *present, differingKeys(*present, *wanted.keys));
+}
+
+void giveMapChange(const XConnection& connection, std::uint16_t device, const KeyboardMap& before,
+                   const KeyboardMap& after) {
+  const bool isSingleKeys = before.components == after.components && before.keys && after.keys &&
+                            before.keys->hasKeysOf(*after.keys);
+  if (!isSingleKeys) {
+    giveMap(connection, device, after);
+    return;
+  }
+  auto present = readKeyDefinitions(connection, device);
+  if (!present || !present->hasKeysOf(*after.keys)) return;
+  // What the keyboard has differently of its own stays.
+  auto wanted = *after.keys;
+  std::size_t next = 0;
+  for (const auto& range : differingKeys(*before.keys, *after.keys)) {
+    for (; next < range.begin; ++next) wanted.keys[next] = present->keys[next];
+    next = range.end;
+  }
+  for (; next < wanted.keys.size(); ++next) wanted.keys[next] = present->keys[next];
+  writeKeyDefinitions(connection, device, wanted, *present, differingKeys(*present, wanted));
 }
 
 }  // namespace quorlo

@@ -44,6 +44,7 @@ KeyboardSession::KeyboardSession(std::unique_ptr<XConnection> connection, Keyboa
   if (!map) return;
   stream_.emplace(link_, static_cast<KeyStream::Judge&>(*this), KeyReader(std::move(*map), composeLocale()));
   stream_->setLocks(link_.locks());
+  stream_->setStickyKeys(link_.hasStickyKeys());
 }
 
 KeyboardSession::~KeyboardSession() {
@@ -88,6 +89,7 @@ void KeyboardSession::endTap() {
   tapping_ = false;
   loop_.postAndWait(
       [this] {
+        followSession();
         link_.ungrabKeyboards();
         connection_->sync();
         // What was typed until then still goes to the applications.
@@ -134,22 +136,47 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
     return;
   }
   const auto change = link_.read(event);
-  if (change.key && grabbing_) {
-    const bool isPress = change.key->kind == PhysicalKey::Kind::press;
-    if (isPress && link_.useMapOf(change.key->device)) readMap();
-    stream_->handle(*change.key);
-    if (guard_ && isPress) guard_->answered(change.time);
+  if (const auto* typed = std::get_if<KeyTyped>(&change)) {
+    if (grabbing_) handleKey(*typed);
+  } else if (const auto* map = std::get_if<MapChanged>(&change)) {
+    if (link_.noteMapChange(map->device)) followLater(&Pending::map);
+  } else if (std::holds_alternative<LocksChanged>(change)) {
+    followLater(&Pending::locks);
+  } else if (std::holds_alternative<ControlsChanged>(change)) {
+    followLater(&Pending::controls);
+  } else if (std::holds_alternative<KeyboardsChanged>(change)) {
+    if (grabbing_) takeNewKeyboards();
   }
-  if (change.keyboardsChanged && grabbing_) takeNewKeyboards();
-  if (change.map) {
-    if (change.map == KeyboardLink::MapChange::chosen) link_.shareMap();
-    if (change.map == KeyboardLink::MapChange::keysyms) link_.shareKeysyms();
-    readMap();
-  }
-  if (change.locks && stream_) {
-    stream_->setLocks(*change.locks);
-    link_.shareLocks(*change.locks);
-  }
+}
+
+void KeyboardSession::handleKey(const KeyTyped& typed) {
+  followSession();
+  const bool isPress = typed.key.kind == PhysicalKey::Kind::press;
+  if (isPress && link_.useMapOf(typed.key.device)) readMap();
+  stream_->handle(typed.key);
+  if (guard_ && isPress) guard_->answered(typed.time);
+}
+
+// Changes arrive in flocks. They are followed once: when all that has arrived is read, or a key needs it.
+void KeyboardSession::followLater(bool Pending::*part) {
+  if (!stream_) return;
+  if (!pending_.any()) loop_.post([this] { followSession(); });
+  pending_.*part = true;
+}
+
+void KeyboardSession::followSession() {
+  const auto pending = std::exchange(pending_, {});
+  if (pending.map && link_.followMap()) readMap();
+  if (pending.controls) followControls();
+  if (!pending.locks) return;
+  const auto locks = link_.locks();
+  stream_->setLocks(locks);
+  link_.followLocks(locks);
+}
+
+void KeyboardSession::followControls() {
+  link_.followControls();
+  stream_->setStickyKeys(link_.hasStickyKeys());
 }
 
 void KeyboardSession::takeNewKeyboards() {

@@ -77,6 +77,17 @@ class KeyboardSession : KeyStream::Judge {
   TapVerdict keyPressed(const KeyDownEvent& event) override;
   void keyRepeated(const KeyDownEvent& event) override;
   void handleEvent(const xcb_generic_event_t& event);
+  void handleKey(const KeyTyped& typed);
+  // What of the session's keyboard is to be looked at again.
+  struct Pending {
+    bool map = false;
+    bool controls = false;
+    bool locks = false;
+    bool any() const { return map || controls || locks; }
+  };
+  void followLater(bool Pending::*part);
+  void followSession();
+  void followControls();
   void readMap();
   // Whether it is nobody's typing.
   bool isPassedUnseen(const KeyDownEvent& event) const;
@@ -101,6 +112,7 @@ class KeyboardSession : KeyStream::Judge {
   bool tapping_ = false;                           // main thread
   bool grabbing_ = false;                          // on the thread
   bool watchingHold_ = false;                      // on the thread
+  Pending pending_;                                // on the thread
   std::atomic<bool> screenIsLocked_ = false;
   std::atomic<bool> waitsForKeyboard_ = false;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
