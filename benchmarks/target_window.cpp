@@ -1,6 +1,8 @@
 #include "target_window.h"
 
 #include <poll.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -77,6 +79,8 @@ void TargetWindow::handle(const xcb_generic_event_t& event) {
   auto* const x = connection_.get();
   switch (event.response_type & 0x7f) {
     case XCB_KEY_PRESS: {
+      const auto now = Clock::now();
+      longestGap_ = std::max(longestGap_, now - std::exchange(lastPress_, now));
       const auto& press = reinterpret_cast<const xcb_key_press_event_t&>(event);
       if (press.detail != pasteKey_ || (press.state & XCB_MOD_MASK_CONTROL) == 0) return;
       xcb_convert_selection(x, window_, clipboard_, utf8_, utf8_, press.time);

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace quorlo {
 
@@ -28,6 +29,10 @@ class TargetWindow {
 
   const std::string& pasted() const { return pasted_; }
 
+  // When the last key press was handled, and the longest time without one since the call before.
+  Clock::time_point lastPress() const { return lastPress_; }
+  Clock::duration takeLongestGap() { return std::exchange(longestGap_, {}); }
+
  private:
   bool serveUntil(Clock::time_point end, bool stopAtPaste);
   void handle(const xcb_generic_event_t& event);
@@ -44,6 +49,8 @@ class TargetWindow {
   std::string pasted_;
   Clock::time_point pastedAt_;
   bool hasPaste_ = false;
+  Clock::time_point lastPress_ = Clock::now();
+  Clock::duration longestGap_{};
 };
 
 }  // namespace quorlo

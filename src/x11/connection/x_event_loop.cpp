@@ -85,7 +85,6 @@ void XEventLoop::cancel(TimerId timer) {
 
 void XEventLoop::run() {
   while (true) {
-    readEvents();
     runTasks();
     const int timeout = runDueTimers();
     {
@@ -96,11 +95,10 @@ void XEventLoop::run() {
     // A reply that a task waited for may have brought events along: they are in the queue of xcb, where
     // poll() does not see them.
     connection_.flush();
-    if (!connectionLost_) {
-      if (XReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_.get())}) {
-        onEvent_(*event);
-        continue;
-      }
+    noticeLoss();
+    if (!connectionLost_ &&
+        handleBatch(XReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection_.get())))) {
+      continue;
     }
     std::array<pollfd, 2> descriptors{
         pollfd{wakeUp_, POLLIN, 0},
@@ -108,8 +106,15 @@ void XEventLoop::run() {
     busy_ = false;
     poll(descriptors.data(), descriptors.size(), timeout);
     busy_ = true;
-    eventfd_t count = 0;
-    eventfd_read(wakeUp_, &count);
+    if (descriptors[0].revents != 0) {
+      eventfd_t count = 0;
+      eventfd_read(wakeUp_, &count);
+    }
+    // Reads the socket once: if there is more, the next poll() returns at once, which costs less than a
+    // second read after each key that finds nothing.
+    if (descriptors[1].revents != 0) {
+      handleBatch(XReply<xcb_generic_event_t>(xcb_poll_for_event(connection_.get())));
+    }
   }
 }
 
@@ -117,10 +122,20 @@ void XEventLoop::readEvents() {
   if (connectionLost_) return;
   while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) onEvent_(*event);
   if (onEventsHandled_) onEventsHandled_();
-  if (connection_.lost()) {
-    connectionLost_ = true;
-    onConnectionLost_();
-  }
+}
+
+// Handles the event and those that wait in the queue of xcb.
+bool XEventLoop::handleBatch(XReply<xcb_generic_event_t> event) {
+  if (!event) return false;
+  for (; event; event.reset(xcb_poll_for_queued_event(connection_.get()))) onEvent_(*event);
+  if (onEventsHandled_) onEventsHandled_();
+  return true;
+}
+
+void XEventLoop::noticeLoss() {
+  if (connectionLost_ || !connection_.lost()) return;
+  connectionLost_ = true;
+  onConnectionLost_();
 }
 
 void XEventLoop::runTasks() {

@@ -55,7 +55,9 @@ class XEventLoop {
 
  private:
   void run();
-  void readEvents();
+  void readEvents();  // all that the server has sent
+  bool handleBatch(XReply<xcb_generic_event_t> event);
+  void noticeLoss();
   void runTasks();
   int runDueTimers();  // milliseconds until the next one; -1 for none
 

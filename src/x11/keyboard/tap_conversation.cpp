@@ -4,11 +4,12 @@ namespace quorlo {
 
 TapVerdict TapConversation::ask(const KeyDownEvent& event) {
   if (!enabled_) return TapVerdict::pass;
-  std::unique_lock lock(mutex_);
   const auto question = ++asked_;
   const auto settled = [&] { return closed_ || answered_ == question; };
-  queue_.run([self = shared_from_this(), question, event] { self->answer(question, event); });
   const auto begin = std::chrono::steady_clock::now();
+  // Without the lock, for which the main thread would wait at once.
+  queue_.run([self = shared_from_this(), question, event] { self->answer(question, event); });
+  std::unique_lock lock(mutex_);
   changed_.wait_until(lock, begin + kDeadline, settled);
   if (!settled() && answering_) changed_.wait_until(lock, begin + kDeadline + kGraceWhileAnswering, settled);
   if (settled()) return closed_ ? TapVerdict::pass : verdict_;
@@ -26,12 +27,14 @@ void TapConversation::answer(std::uint64_t question, const KeyDownEvent& event) 
   }
   if (isAwaited) {
     const auto verdict = callback_(TapEventType::keyDown, &event, userInfo_);
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     answering_ = false;
     verdict_ = verdict;
     if (abandoned_ != question) answered_ = question;
+    const bool isInTime = closed_ || answered_ == question;
+    lock.unlock();
     changed_.notify_all();
-    if (closed_ || answered_ == question) return;
+    if (isInTime) return;
   }
   callback_(TapEventType::kCGEventTapDisabledByTimeout, nullptr, userInfo_);
 }

@@ -47,9 +47,10 @@ class TapConversation : public std::enable_shared_from_this<TapConversation> {
   void* const userInfo_;
   std::atomic<bool> enabled_ = true;
 
+  std::uint64_t asked_ = 0;  // of the thread that asks
+
   mutable std::mutex mutex_;
   std::condition_variable changed_;
-  std::uint64_t asked_ = 0;
   std::uint64_t answered_ = 0;
   std::uint64_t abandoned_ = 0;
   bool answering_ = false;

@@ -1,0 +1,125 @@
+// What a key costs while a person types, and how long the keyboard is dead when Quorlo is stopped.
+//
+// quorlo_typing_bench [--figures FILE]; the program is the one of the same build.
+
+#include "benchmark_library.h"
+#include "figures.h"
+#include "run_benchmark.h"
+#include "target_window.h"
+#include "virtual_desktop/quorlo_program.h"
+#include "virtual_desktop/virtual_desktop.h"
+#include "virtual_desktop/wait.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+namespace quorlo {
+namespace {
+
+using std::chrono::milliseconds;
+
+// A fast typist's burst: a word of eight letters and its space, then a breath.
+constexpr int kWords = 250;
+constexpr std::string_view kWord = "chestnut ";
+constexpr milliseconds kDown{30};
+constexpr milliseconds kUp{30};
+constexpr milliseconds kBreath{150};
+
+constexpr int kStops = 10;
+constexpr milliseconds kGap{37};
+constexpr int kKeysWhileStopped = 40;
+
+int occurrences(const std::string& text, std::string_view part) {
+  int count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+// Time on a processor in microseconds, by the name of the thread; of the program and of its children.
+void addProcessorTime(pid_t process, std::map<std::string, double>& times) {
+  for (const auto& task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process))) {
+    std::string name;
+    std::getline(std::ifstream(task.path() / "comm"), name);
+    double nanoseconds = 0;
+    std::ifstream(task.path() / "schedstat") >> nanoseconds;
+    times[name] += nanoseconds / 1000;
+    std::ifstream children(task.path() / "children");
+    pid_t child = 0;
+    while (children >> child) addProcessorTime(child, times);
+  }
+}
+
+void typeWord(VirtualKeyboard& keyboard, TargetWindow& target) {
+  for (const auto letter : kWord) {
+    const auto key = keyboard.keycodeOf(letter == ' ' ? "space" : std::string(1, letter));
+    keyboard.press(key);
+    target.serve(kDown);
+    keyboard.release(key);
+    target.serve(kUp);
+  }
+  target.serve(kBreath);
+}
+
+double processorTimePerKey(QuorloProgram& quorlo, VirtualKeyboard& keyboard, TargetWindow& target) {
+  for (int i = 0; i < 10; ++i) typeWord(keyboard, target);
+  std::map<std::string, double> before, after;
+  addProcessorTime(quorlo.process().pid(), before);
+  for (int i = 0; i < kWords; ++i) typeWord(keyboard, target);
+  addProcessorTime(quorlo.process().pid(), after);
+  double sum = 0;
+  for (const auto& [thread, time] : after) {
+    const auto perKey = (time - before[thread]) / (kWords * static_cast<double>(kWord.size()));
+    if (perKey >= 0.05) fmt::print("  {:<24} {:9.2f} us per key\n", thread, perKey);
+    sum += perKey;
+  }
+  return sum;
+}
+
+// Quorlo is stopped at another point between two keys each time. The gap is taken until the keyboard works again.
+double longestDeadKeyboard(QuorloProgram& quorlo, VirtualKeyboard& keyboard, TargetWindow& target) {
+  const auto key = keyboard.keycodeOf("x");
+  const auto type = [&](int keys) {
+    for (int i = 0; i < keys; ++i) {
+      keyboard.tap(key);
+      target.serve(kGap);
+    }
+  };
+  const auto takeOvers = [&] { return occurrences(quorlo.log(), "goes on with another"); };
+  TargetWindow::Clock::duration longest{};
+  for (int i = 1; i <= kStops; ++i) {
+    type(10);
+    target.serve(milliseconds(3 * i));
+    target.takeLongestGap();
+    quorlo.process().signal(SIGSTOP);
+    type(kKeysWhileStopped);
+    longest = std::max(longest, target.takeLongestGap());
+    quorlo.process().signal(SIGCONT);
+    if (!waitUntil([&] { return takeOvers() == i; })) throw std::runtime_error("Quorlo has not come back");
+  }
+  return std::chrono::duration<double, std::milli>(longest).count();
+}
+
+void run(Figures& figures) {
+  VirtualDesktop desktop;
+  QuorloProgram quorlo(desktop, QUORLO, benchmarkLibrary(10'000));
+  auto& keyboard = desktop.keyboard();
+  TargetWindow target(desktop.display(), keyboard.keycodeOf("v"));
+  desktop.windows().activate(target.window());
+  figures.add("cpu_us_per_key", processorTimePerKey(quorlo, keyboard, target));
+  figures.add("dead_keyboard_longest_ms", longestDeadKeyboard(quorlo, keyboard, target));
+}
+
+}  // namespace
+}  // namespace quorlo
+
+int main(int argc, char** argv) {
+  return quorlo::runBenchmark(argc, argv, "typing", quorlo::run);
+}
