@@ -123,11 +123,43 @@ TEST_F(PasteTest, KeysTypedMeanwhileArriveAfterTheSnippetAndMayExpandAgain) {
   desktop.type(u"sig and br, sig ");
   desktop.queue.settle();
   EXPECT_EQ(desktop.text(), u"Kind regards and br, Kind regards ");
-  desktop.front().text.clear();
-  desktop.front().caret = 0;
+  desktop.front().clear();
   desktop.typeAndWait(u"br br br ");
   EXPECT_EQ(desktop.text(), u"Best Best Best ");
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
+}
+
+TEST_F(PasteTest, PausesBetweenPiecesDoNotEndTheHold) {
+  add(u"m", u"one" + pressing(u"return") + u"two" + pressing(u"return") + u"three");
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(5));
+  desktop.typeAndWait(u"m abc");
+  EXPECT_EQ(desktop.text(), u"one\ntwo\nthree abc");
+}
+
+TEST_F(PasteTest, AfterKeysHadToBeDeliveredNothingIsErased) {
+  const auto snippet = add(u"sig", u"S");
+  add(u"ask", u"%textfield:name=who:default=me:textfield%");
+  for (const bool lastSymbol : {false, true}) {
+    if (lastSymbol) useLastSymbol();
+    desktop.front().clear();
+    desktop.type(u"sig two");
+    desktop.queue.advance(Seconds(0.04));
+    desktop.breakHold();
+    EXPECT_EQ(desktop.text(), u"sig two");
+    desktop.queue.settle();
+    EXPECT_EQ(desktop.text(), u"sig two");
+    EXPECT_EQ(desktop.pasteboard.text(), "mine");
+    EXPECT_EQ(desktop.pasteboard.changeCount(), 1);
+    EXPECT_EQ(snippet->useCount(), 0);
+  }
+  desktop.front().clear();
+  desktop.type(u"ask");
+  desktop.breakHold();
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.text(), u"ask");
+  // Nothing is left over for the next one.
+  desktop.typeAndWait(u" sig");
+  EXPECT_EQ(desktop.text(), u"ask S");
 }
 
 TEST_F(PasteTest, AnExpansionDuringTheRestoreDelayKeepsWhatWasSavedFirst) {

@@ -3,7 +3,16 @@
 #include "text/graphemes.h"
 #include "text/utf.h"
 
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
 namespace quorlo {
+namespace {
+
+constexpr Seconds kHoldPatience{2};
+
+}  // namespace
 
 void FakeApplication::receive(KeyCode code, ModifierFlags flags, std::u16string_view characters,
                               const FakePasteboard& pasteboard) {
@@ -57,10 +66,7 @@ void FakeDesktop::activate(FakeApplication* application) {
   active_ = application;
   for (const auto& each : applications_) each->record->isActive = each.get() == application;
   if (application != nullptr && application->record->bundleIdentifier == own_) {
-    // A window of this program takes over.
-    ++holdGeneration_;
-    holds_ = 0;
-    deliverHeldKeys();
+    breakHold();
   }
 }
 
@@ -96,11 +102,17 @@ void FakeDesktop::press(KeyCode code, ModifierFlags flags, std::u16string charac
 }
 
 void FakeDesktop::deliver(const KeyDownEvent& event) {
+  judging_ = event;
   const bool swallowed = isTapEnabled() && port_->callback(TapEventType::keyDown, &event, port_->userInfo) ==
                                                TapVerdict::swallow;
-  if (!swallowed && active_ != nullptr) {
-    active_->receive(event.keyCode, event.flags, event.characters, pasteboard);
-  }
+  judging_.reset();
+  if (swallowed) return;
+  trigger_.reset();
+  receive(event);
+}
+
+void FakeDesktop::receive(const KeyDownEvent& event) {
+  if (active_ != nullptr) active_->receive(event.keyCode, event.flags, event.characters, pasteboard);
 }
 
 void FakeDesktop::clickMouse() {
@@ -144,19 +156,58 @@ void FakeDesktop::press(const KeyDownEvent& posted, PostLocation location) {
   if (location == PostLocation::session && isTapEnabled()) {
     port_->callback(TapEventType::keyDown, &posted, port_->userInfo);
   }
-  if (active_ != nullptr) active_->receive(posted.keyCode, posted.flags, posted.characters, pasteboard);
+  noteProgress();
+  receive(posted);
 }
 
-Subscription FakeDesktop::begin() {
-  ++holds_;
-  return Subscription([this, generation = holdGeneration_] {
-    if (generation != holdGeneration_) return;
-    --holds_;
-    deliverHeldKeys();
+struct FakeDesktop::HeldKeys : Hold {
+  explicit HeldKeys(FakeDesktop& d) : desktop(d), generation(d.holdGeneration_) {}
+  ~HeldKeys() override {
+    if (isBroken()) return;
+    --desktop.holds_;
+    desktop.deliverHeldKeys();
+  }
+  bool isBroken() const { return generation != desktop.holdGeneration_; }
+  bool keepTrigger() override {
+    if (!isBroken()) desktop.trigger_.reset();
+    return !isBroken();
+  }
+  void expectPause(Seconds pause) override { desktop.noteProgress(pause); }
+
+  FakeDesktop& desktop;
+  const int generation;
+};
+
+std::unique_ptr<TypedKeysHold::Hold> FakeDesktop::begin() {
+  if (holds_++ == 0) {
+    trigger_ = judging_;
+    watchHold();
+  }
+  noteProgress();
+  return std::make_unique<HeldKeys>(*this);
+}
+
+void FakeDesktop::breakHold() {
+  ++holdGeneration_;
+  holds_ = 0;
+  deliverHeldKeys();
+}
+
+void FakeDesktop::noteProgress(Seconds pause) {
+  lastProgress_ =
+      std::max(lastProgress_, queue.now() + std::chrono::duration_cast<MainQueue::Instant::duration>(pause));
+}
+
+void FakeDesktop::watchHold() {
+  queue.runAfter(kHoldPatience, [this, generation = holdGeneration_] {
+    if (holds_ == 0 || generation != holdGeneration_) return;
+    if (queue.now() - lastProgress_ >= kHoldPatience) return breakHold();
+    watchHold();
   });
 }
 
 void FakeDesktop::deliverHeldKeys() {
+  if (holds_ == 0 && trigger_) receive(*std::exchange(trigger_, std::nullopt));
   while (holds_ == 0 && !held_.empty()) {
     const auto event = std::move(held_.front());
     held_.pop_front();

@@ -30,6 +30,10 @@ struct FakeApplication {
 
   void receive(KeyCode code, ModifierFlags flags, std::u16string_view characters,
                const FakePasteboard& pasteboard);
+  void clear() {
+    text.clear();
+    caret = 0;
+  }
 };
 
 // Everything around the program: applications with text fields, a keyboard that somebody types on, a
@@ -79,6 +83,8 @@ class FakeDesktop : public EventTap,
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
   bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }
   bool holdsKeys() const { return holds_ > 0; }
+  // Ends all holds, as an adapter does when nothing goes on for too long.
+  void breakHold();
 
   struct Post {
     KeyCode code;
@@ -98,7 +104,7 @@ class FakeDesktop : public EventTap,
   std::unique_ptr<Port> create(Callback callback, void* userInfo) override;
   void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
-  Subscription begin() override;
+  std::unique_ptr<Hold> begin() override;
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
@@ -135,9 +141,14 @@ class FakeDesktop : public EventTap,
     bool enabled = true;
   };
 
+  struct HeldKeys;
+
   void press(const KeyDownEvent& posted, PostLocation location);
   void deliver(const KeyDownEvent& event);
+  void receive(const KeyDownEvent& event);
   void deliverHeldKeys();
+  void noteProgress(Seconds pause = Seconds(0));
+  void watchHold();
 
   std::vector<std::unique_ptr<FakeApplication>> applications_;
   FakeApplication* active_ = nullptr;
@@ -147,6 +158,9 @@ class FakeDesktop : public EventTap,
   std::deque<KeyDownEvent> held_;
   int holds_ = 0;
   int holdGeneration_ = 0;  // holds of an earlier one have been ended
+  MainQueue::Instant lastProgress_{};
+  std::optional<KeyDownEvent> judging_;
+  std::optional<KeyDownEvent> trigger_;  // swallowed and not yet kept
   bool trusted_ = true;
   std::optional<TypingObstacle> obstacle_;
   bool refusesTaps_ = false;

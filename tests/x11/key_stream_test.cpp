@@ -77,6 +77,39 @@ TEST_F(KeyStreamTest, WithStickyKeysTheServerTellsAfterEachKeyWhatHoldsForTheNex
   EXPECT_EQ(judged, u"Ab");
 }
 
+TEST_F(KeyStreamTest, ASwallowedKeyComesBackAheadOfTheQueueUnlessItIsKept) {
+  for (const bool kept : {true, false}) {
+    log.clear();
+    HoldId hold = 0;
+    judge = [&](const std::u16string& characters) {
+      if (characters != u"A") return TapVerdict::pass;
+      hold = stream.beginHold();
+      return TapVerdict::swallow;
+    };
+    down(kShift);
+    tap(kA);
+    up(kShift);
+    tap(kB);
+    if (kept) {
+      EXPECT_TRUE(stream.keepTrigger(hold));
+    }
+    endHold();
+    EXPECT_EQ(log, kept ? "Shift_L ^Shift_L b ^b " : "Shift_L ^Shift_L Shift_L a ^a ^Shift_L b ^b ");
+    EXPECT_FALSE(stream.keepTrigger(hold));
+  }
+}
+
+TEST_F(KeyStreamTest, AHoldThatEndsWhileItsKeyIsStillJudgedGivesTheKeyBackToo) {
+  judge = [&](const std::u16string& characters) {
+    stream.beginHold();
+    stream.endHold();
+    return characters == u"a" ? TapVerdict::swallow : TapVerdict::pass;
+  };
+  tap(kA);
+  tap(kB);
+  EXPECT_EQ(log, "a ^a b ^b ");
+}
+
 TEST_F(KeyStreamTest, AModifierReleasedDuringAHoldIsPressedAgainOnlyIfAKeyNeedsIt) {
   for (const bool used : {false, true}) {
     log.clear();

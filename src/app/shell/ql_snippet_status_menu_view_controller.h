@@ -5,6 +5,7 @@
 #include "base/subscription.h"
 #include "platform/key_codes.h"
 #include "platform/main_queue.h"
+#include "platform/typed_keys_hold.h"
 #include "store/entity.h"
 #include "store/fetch_request.h"
 
@@ -30,7 +31,6 @@ class SettingsController;
 class SnippetMenuView;
 class StatusItem;
 class TargetFocus;
-class TypedKeysHold;
 enum class Setting;
 
 // The one menu of the program: snippets grouped by folder, found by a search field, and the commands. It
@@ -115,7 +115,7 @@ class QLSnippetStatusMenuViewController {
   bool isAboutToOpen_ = false;
   std::optional<MainQueue::Instant> closedItself_;
   bool offersToShowInMenuBar_ = false;
-  Subscription hold_;
+  std::unique_ptr<TypedKeysHold::Hold> hold_;
   Subscription settingsObservation_;
   Subscription launchAtLoginObservation_;
   Subscription insertions_;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "base/life_token.h"
-#include "base/subscription.h"
 #include "engine/fill_in/fill_in_prompt.h"
 #include "engine/fill_in/fill_in_view.h"
 #include "platform/pasteboard.h"
+#include "platform/typed_keys_hold.h"
 
 #include <memory>
 #include <vector>
@@ -17,7 +17,6 @@ class MainQueue;
 class QLSnippetMacroInterpreter;
 class SettingsController;
 class TargetFocus;
-class TypedKeysHold;
 
 // Lets the user fill in a snippet's fields in a window, and sees to it that what is typed before, in and
 // after the window goes where it belongs. Main thread.
@@ -53,7 +52,7 @@ class FillInController : public FillInPrompt {
   Dependencies use_;
   std::unique_ptr<FillInSession> session_;
   Completion completion_;
-  Subscription hold_;
+  std::unique_ptr<TypedKeysHold::Hold> hold_;
   std::unique_ptr<LifeToken>
       question_;  // renewed with each question: what belongs to an earlier one is dropped
 };

@@ -67,6 +67,13 @@ void Insertion::prepare() {
   // While the question is open the user may copy and paste as ever.
   isAsking_ = true;
   pasteboard_.leaveToUser();
+  // The delimiter must not be typed into the window that asks.
+  if (!keepTrigger()) use_.preparation.callOff();
+}
+
+bool Insertion::keepTrigger() {
+  holdWasWhole_ = holdWasWhole_ && hold_->keepTrigger();
+  return holdWasWhole_;
 }
 
 void Insertion::callOffQuestion() {
@@ -94,7 +101,15 @@ void Insertion::insert(PreparedSnippet prepared) {
   if (seperatedSnippetText.empty()) seperatedSnippetText.emplace_back();
   std::ranges::move(prepared.keys, std::back_inserter(specialKeys_));
   ownWindows_.hide();
-  pasteboard_.whenSaved(life_.guard([this] { putNextPiece(); }));
+  pasteboard_.whenSaved(life_.guard([this] { beginPasting(); }));
+}
+
+void Insertion::beginPasting() {
+  if (!keepTrigger() && !abbreviationUsedToTriggerPaste.empty()) {
+    logWarning("WARNING: #iNs2bRk - Keys had to be delivered before the abbreviation was erased; it stays.");
+    return callOff();
+  }
+  putNextPiece();
 }
 
 void Insertion::putNextPiece() {
@@ -232,6 +247,7 @@ void Insertion::end() {
 }
 
 void Insertion::after(Seconds delay, void (Insertion::*step)()) {
+  hold_->expectPause(delay);
   use_.queue.runAfter(delay, life_.guard([this, step] { (this->*step)(); }));
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "base/life_token.h"
-#include "base/subscription.h"
 #include "engine/paste/paste_services.h"
 #include "macros/prepared_snippet.h"
 #include "platform/main_queue.h"
+#include "platform/typed_keys_hold.h"
 #include "text/attributed_string.h"
 #include "text/text_range.h"
 
@@ -47,8 +47,10 @@ class Insertion {
 
  private:
   void prepare();
+  bool keepTrigger();
   void callOff();
   void insert(PreparedSnippet prepared);
+  void beginPasting();
   void putNextPiece();
   void countKeysToCursor(const AttributedString& piece);
   void deleteAbbreviationAndPaste();
@@ -66,7 +68,7 @@ class Insertion {
   void after(Seconds delay, void (Insertion::*step)());
 
   // The first member: keys are delivered once all of the others are gone, and may begin the next insertion.
-  Subscription hold_;
+  std::unique_ptr<TypedKeysHold::Hold> hold_;
   const PasteServices& use_;
   const PasteKeys& keys_;
   PasteboardKeeper& pasteboard_;
@@ -78,6 +80,7 @@ class Insertion {
   std::u16string abbreviationUsedToTriggerPaste;
   std::function<void(std::size_t)> pastingCompletionHandler;
 
+  bool holdWasWhole_ = true;
   bool isAsking_ = false;    // the preparation waits for the user
   bool isAnswered_ = false;  // the preparation has completed
 

@@ -22,6 +22,7 @@ void KeyStream::end() {
   queue_.clear();
   physicallyDown_.clear();
   pausedModifiers_.clear();
+  trigger_.reset();
   judgedEarlier_.reset();
   holding_ = false;
   output_.flush();
@@ -43,8 +44,7 @@ void KeyStream::drain() {
   std::unique_lock lock(mutex_);
   if (holding_) return;
   resumeModifiers();
-  if (judgedEarlier_) press(*judgedEarlier_);
-  judgedEarlier_.reset();
+  passJudgedEarlier();
   while (!holding_ && !queue_.empty()) {
     const auto key = queue_.front();
     queue_.pop_front();
@@ -97,16 +97,29 @@ void KeyStream::handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock)
   reader_.press(key.keycode);
   // What was passed so far must not wait for the judgement.
   output_.flush();
+  judging_ = key.keycode;
   lock.unlock();
   const auto verdict = judge_.keyPressed(reading.event);
   lock.lock();
-  if (verdict == TapVerdict::swallow) {
-    if (reading.endsComposition) swallowComposition(key.keycode);
-  } else if (holding_) {
+  judging_.reset();
+  if (verdict == TapVerdict::pass) {
+    trigger_.reset();
     judgedEarlier_ = key.keycode;
-  } else {
-    press(key.keycode);
+  } else if (reading.endsComposition) {
+    if (trigger_) {
+      trigger_->endsComposition = true;
+    } else if (!judgedEarlier_) {
+      swallowComposition(key.keycode);
+    }
   }
+  if (holding_) return;
+  resumeModifiers();
+  passJudgedEarlier();
+}
+
+void KeyStream::passJudgedEarlier() {
+  if (judgedEarlier_) press(*judgedEarlier_);
+  judgedEarlier_.reset();
 }
 
 // The application has seen the keys before this one and would take the next key for the end of the
@@ -120,19 +133,32 @@ void KeyStream::swallowComposition(XKeycode keycode) {
   for (const auto modifier : modifiers) press(modifier);
 }
 
-void KeyStream::beginHold() {
+HoldId KeyStream::beginHold() {
   const std::lock_guard lock(mutex_);
-  if (holding_) return;
+  if (holding_) return lastHold_;
   holding_ = true;
+  if (judging_) trigger_ = Trigger{*judging_};
   std::ranges::copy(releaseModifiers(), std::back_inserter(pausedModifiers_));
   for (const auto keycode : down_) output_.release(keycode);
   down_.clear();
   output_.flush();
+  return ++lastHold_;
+}
+
+bool KeyStream::keepTrigger(HoldId hold) {
+  const std::lock_guard lock(mutex_);
+  if (!holding_ || hold != lastHold_) return false;
+  if (trigger_ && trigger_->endsComposition) swallowComposition(trigger_->keycode);
+  trigger_.reset();
+  output_.flush();
+  return true;
 }
 
 void KeyStream::endHold() {
   const std::lock_guard lock(mutex_);
   holding_ = false;
+  if (trigger_) judgedEarlier_ = trigger_->keycode;
+  trigger_.reset();
 }
 
 bool KeyStream::isHolding() const {

@@ -21,6 +21,9 @@ struct PhysicalKey {
   XKeycode keycode;
 };
 
+// Which of the holds that follow each other; none has the first value.
+using HoldId = std::uint64_t;
+
 // The way of every key from the physical keyboards to the applications: a press is judged and then passed
 // on or swallowed, a release follows its press, and during a hold keys wait in a queue.
 //
@@ -65,8 +68,11 @@ class KeyStream {
   // Keys that are down no longer, though nobody saw their release: their keyboard was unplugged.
   void keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& held);
 
-  // From now on applications see no key down, and keys wait in the queue.
-  void beginHold();
+  // From now on applications see no key down, and keys wait in the queue. A hold within a hold is part of it.
+  HoldId beginHold();
+  // A key that is swallowed by the judgement in which the hold began stays swallowed from now on; when the
+  // hold ends before, that key is passed on after all, ahead of the queue. False when the hold has ended.
+  [[nodiscard]] bool keepTrigger(HoldId hold);
   // The queue is delivered by the next drain().
   void endHold();
   bool isHolding() const;
@@ -89,6 +95,12 @@ class KeyStream {
   void setStickyKeys(bool isOn);
 
  private:
+  struct Trigger {
+    XKeycode keycode;
+    bool endsComposition = false;
+  };
+
+  void passJudgedEarlier();
   void handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock);
   void swallowComposition(XKeycode keycode);
   void press(XKeycode keycode);
@@ -107,7 +119,10 @@ class KeyStream {
   std::deque<PhysicalKey> queue_;
   bool holding_ = false;
   bool hasStickyKeys_ = false;
-  std::optional<XKeycode> judgedEarlier_;  // passed, but a hold began while it was judged
+  HoldId lastHold_ = 0;
+  std::optional<XKeycode> judging_;
+  std::optional<Trigger> trigger_;         // swallowed, or about to be, and not yet kept
+  std::optional<XKeycode> judgedEarlier_;  // to be passed on unasked, ahead of the queue
   std::vector<XKeycode> pausedModifiers_;  // held when the hold began
 };
 

@@ -93,16 +93,20 @@ void KeyboardService::setScreenIsLocked(bool isLocked) {
   if (isLocked && conversation_) conversation_->tellOfUnseenKeys();
 }
 
-void KeyboardService::beginHold() {
-  if (session_) session_->beginHold();
+HoldId KeyboardService::beginHold() {
+  return session_ ? session_->beginHold() : HoldId();
+}
+
+bool KeyboardService::keepTrigger(HoldId hold) {
+  return !session_ || session_->keepTrigger(hold);
 }
 
 void KeyboardService::endHold() {
   if (session_) session_->endHold();
 }
 
-void KeyboardService::noteProgress() {
-  if (session_) session_->noteProgress();
+void KeyboardService::noteProgress(Seconds pause) {
+  if (session_) session_->noteProgress(pause);
 }
 
 void KeyboardService::post(const std::function<void(KeyStream::Output&)>& keys) {

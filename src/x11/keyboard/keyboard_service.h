@@ -36,9 +36,11 @@ class KeyboardService {
   // While the screen is locked the tap passes every key on without asking: it is part of a password.
   void setScreenIsLocked(bool isLocked);
 
-  void beginHold();
+  HoldId beginHold();
+  bool keepTrigger(HoldId hold);
   void endHold();
-  void noteProgress();
+  // `pause`: how long no more of it is expected.
+  void noteProgress(Seconds pause = Seconds(0));
   void post(const std::function<void(KeyStream::Output&)>& keys);
 
   // The keyboard map and the layout in effect; the map is null when the server is gone. Valid until the

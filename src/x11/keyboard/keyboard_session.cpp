@@ -214,13 +214,18 @@ void KeyboardSession::setHotKeys(std::set<Shortcut> hotKeys) {
   loop_.post([this, hotKeys = std::move(hotKeys)] { hotKeys_ = hotKeys; });
 }
 
-void KeyboardSession::beginHold() {
-  if (!tapping_) return;
+HoldId KeyboardSession::beginHold() {
+  if (!tapping_) return {};
   noteProgress();
-  stream_->beginHold();
+  const auto hold = stream_->beginHold();
   loop_.post([this] {
     if (!watchingHold_) watchHold();
   });
+  return hold;
+}
+
+bool KeyboardSession::keepTrigger(HoldId hold) {
+  return !tapping_ || stream_->keepTrigger(hold);
 }
 
 void KeyboardSession::endHold() {
@@ -229,8 +234,10 @@ void KeyboardSession::endHold() {
   loop_.post([this] { stream_->drain(); });
 }
 
-void KeyboardSession::noteProgress() {
-  lastProgress_ = std::chrono::steady_clock::now();
+void KeyboardSession::noteProgress(Seconds pause) {
+  using Clock = std::chrono::steady_clock;
+  const auto until = Clock::now() + std::chrono::duration_cast<Clock::duration>(pause);
+  lastProgress_ = std::max(lastProgress_.load(), until);
 }
 
 void KeyboardSession::watchHold() {

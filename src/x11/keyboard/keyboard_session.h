@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "platform/main_queue.h"
 #include "platform/shortcut.h"
 #include "x11/connection/x_connection.h"
 #include "x11/connection/x_event_loop.h"
@@ -47,10 +48,12 @@ class KeyboardSession : KeyStream::Judge {
   // Passes all keys on without asking.
   void setScreenIsLocked(bool isLocked) { screenIsLocked_ = isLocked; }
 
-  void beginHold();
+  HoldId beginHold();
+  // False when the hold has ended.
+  bool keepTrigger(HoldId hold);
   void endHold();
-  // A key was posted or the pasteboard read.
-  void noteProgress();
+  // A key was posted or the pasteboard read; for the length of the pause no more of it is expected.
+  void noteProgress(Seconds pause = Seconds(0));
 
   bool hasKeyboard();
   // The tap has no keyboard, and takes the first that is plugged in or let go by another program.
@@ -116,7 +119,7 @@ class KeyboardSession : KeyStream::Judge {
   std::atomic<bool> screenIsLocked_ = false;
   std::atomic<bool> waitsForKeyboard_ = false;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
-  std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};
+  std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};  // the end of an announced pause
   XEventLoop loop_;  // the last: its thread uses all of the others
 };
 

@@ -20,6 +20,36 @@ struct X11TypedKeysHold::State {
   }
 };
 
+class X11TypedKeysHold::HeldKeys : public Hold {
+ public:
+  explicit HeldKeys(const std::shared_ptr<State>& state) : state_(state), id_(state->keyboard.beginHold()) {
+    ++state->holders;
+    state->holding = true;
+  }
+  ~HeldKeys() override {
+    const auto state = state_.lock();
+    if (!state) return;
+    --state->holders;
+    state->endIfDone();
+  }
+  HeldKeys(const HeldKeys&) = delete;
+  HeldKeys& operator=(const HeldKeys&) = delete;
+
+  bool keepTrigger() override {
+    const auto state = state_.lock();
+    if (!state || !state->keyboard.keepTrigger(id_)) return false;
+    state->keyboard.noteProgress();
+    return true;
+  }
+  void expectPause(Seconds pause) override {
+    if (const auto state = state_.lock()) state->keyboard.noteProgress(pause);
+  }
+
+ private:
+  std::weak_ptr<State> state_;
+  HoldId id_;
+};
+
 X11TypedKeysHold::X11TypedKeysHold(KeyboardService& keyboard, MainQueue& queue, PasteTracker& pastes)
     : state_(new State{keyboard, pastes}) {
   pastesObservation_ = pastes.observe([&queue, weak = std::weak_ptr<State>(state_)] {
@@ -36,16 +66,8 @@ X11TypedKeysHold::~X11TypedKeysHold() {
   if (state_->holding) state_->end();
 }
 
-Subscription X11TypedKeysHold::begin() {
-  ++state_->holders;
-  state_->holding = true;
-  state_->keyboard.beginHold();
-  return Subscription([weak = std::weak_ptr<State>(state_)] {
-    const auto state = weak.lock();
-    if (!state) return;
-    --state->holders;
-    state->endIfDone();
-  });
+std::unique_ptr<TypedKeysHold::Hold> X11TypedKeysHold::begin() {
+  return std::make_unique<HeldKeys>(state_);
 }
 
 void X11TypedKeysHold::ownWindowBecameActive() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/life_token.h"
 #include "platform/main_queue.h"
 #include "platform/typed_keys_hold.h"
 #include "x11/selection/paste_tracker.h"
@@ -17,14 +16,15 @@ class X11TypedKeysHold : public TypedKeysHold {
   X11TypedKeysHold(KeyboardService& keyboard, MainQueue& queue, PasteTracker& pastes);
   ~X11TypedKeysHold() override;
 
-  Subscription begin() override;
+  std::unique_ptr<Hold> begin() override;
 
   // What is typed belongs to it at once.
   void ownWindowBecameActive();
 
  private:
   struct State;
-  std::shared_ptr<State> state_;  // outlived by subscriptions and by tasks of the main queue
+  class HeldKeys;
+  std::shared_ptr<State> state_;  // outlived by holds and by tasks of the main queue
   Subscription pastesObservation_;
 };
 
