@@ -35,13 +35,17 @@ AccessibilityHelp accessibilityHelp(AccessibilityObstacle obstacle) {
     case AccessibilityObstacle::noXkb:
       return missingExtension(u"XKB");
     case AccessibilityObstacle::keyboardsAreTaken:
-      return {
-          localized(u"Another program keeps the keyboard to itself."),
-          localized(u"Close programs that watch all keys, such as key remappers, and switch abbreviations "
-                    u"off and on again.")};
+      return {localized(u"Another program keeps the keyboard to itself."),
+              localized(u"Close programs that watch all keys, such as key remappers: Quorlo notices it by "
+                        u"itself.")};
     case AccessibilityObstacle::noKeyboard:
       return {localized(u"No keyboard is plugged in."),
               localized(u"Plug one in: Quorlo notices it by itself.")};
+    case AccessibilityObstacle::watchingIsInterrupted:
+      return {
+          localized(u"The keyboard is not watched at the moment."),
+          localized(u"Quorlo tries again by itself. If this lasts longer than a minute, look for a program "
+                    u"that changes the keyboard again and again.")};
   }
   return {};
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/subscription.h"
+
+#include <functional>
 #include <vector>
 
 namespace quorlo {
@@ -12,8 +15,9 @@ enum class AccessibilityObstacle {
   noXtest,
   noXkb,
   // These pass by themselves or with the program that is in the way: they leave the process trusted.
-  keyboardsAreTaken,  // another program has grabbed all keyboards
-  noKeyboard,         // none is plugged in
+  keyboardsAreTaken,      // another program has grabbed all keyboards
+  noKeyboard,             // none is plugged in
+  watchingIsInterrupted,  // it was given up and is tried again
 };
 
 // Whether the system lets this process watch and post keys. Main thread.
@@ -26,6 +30,9 @@ class AccessibilityTrust {
 
   // What stands in the way now, for the user to read; empty when all is well.
   virtual std::vector<AccessibilityObstacle> obstacles() const = 0;
+
+  // Called on the main thread when they may be others.
+  virtual Subscription observeObstacles(std::function<void()> changed) = 0;
 };
 
 }  // namespace quorlo

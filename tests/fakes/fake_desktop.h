@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/observers.h"
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_pasteboard.h"
 #include "platform/accessibility_trust.h"
@@ -118,6 +119,9 @@ class FakeDesktop : public EventTap,
     return {AccessibilityObstacle::noXtest};
   }
   std::optional<TypingObstacle> obstacle() const override { return obstacle_; }
+  Subscription observeObstacles(std::function<void()> changed) override {
+    return obstacleObservers_.add(std::move(changed));
+  }
   const RunningApplications& runningApplications() const override { return running_; }
   std::vector<InstalledApplication> installedApplications() const override { return installed; }
   const std::string& ownBundleIdentifier() const override { return own_; }
@@ -162,6 +166,7 @@ class FakeDesktop : public EventTap,
   std::optional<KeyDownEvent> judging_;
   std::optional<KeyDownEvent> trigger_;  // swallowed and not yet kept
   bool trusted_ = true;
+  Observers<> obstacleObservers_;
   std::optional<TypingObstacle> obstacle_;
   bool refusesTaps_ = false;
   std::string own_ = "org.quorlo.Quorlo";

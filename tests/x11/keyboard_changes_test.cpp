@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <thread>
 
 namespace quorlo {
 namespace {
@@ -175,6 +177,42 @@ TEST_F(KeyboardChangesTest, AStormOfLayoutsEndsWithTheLastOne) {
   run({"setxkbmap", "us"});
   EXPECT_TRUE(readsAs(kQ, "q"));
   EXPECT_TRUE(arrivesAs(kQ, "q"));
+}
+
+TEST_F(KeyboardChangesTest, AMapThatChangesWithoutEndInterruptsTheTapUntilItIsCalm) {
+  bool isInterrupted = false;
+  const auto observation = keyboard.service->observeObstacles([&] {
+    const auto obstacles = keyboard.service->obstacles();
+    if (std::ranges::find(obstacles, AccessibilityObstacle::watchingIsInterrupted) != obstacles.end())
+      isInterrupted = true;
+  });
+  std::jthread changer([&](const std::stop_token& stop) {
+    const auto connection = std::move(XConnection::open(desktop_->display())).value();
+    for (std::uint32_t symbol = 'b'; !stop.stop_requested(); symbol = symbol == 'b' ? 'c' : 'b') {
+      xcb_change_keyboard_mapping(connection->get(), 1, kQ, 1, &symbol);
+      connection->sync();
+    }
+  });
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return isInterrupted; }, std::chrono::seconds(30)));
+  changer.request_stop();
+  changer.join();
+  EXPECT_TRUE(readsAs(kA, "a"));
+  EXPECT_GT(keyboard.unseen, 0);
+}
+
+TEST_F(KeyboardChangesTest, ATapThatTheServerDelaysTooLongIsGivenUpAndBeginsWhenItCan) {
+  keyboard.stopTap();
+  {
+    const auto busy = std::move(XConnection::open(desktop_->display())).value();
+    xcb_grab_server(busy->get());
+    busy->sync();
+    EXPECT_TRUE(keyboard.startTap());
+  }
+  window.clear();
+  EXPECT_TRUE(readsAs(kA, "a"));
+  EXPECT_TRUE(keyboard.service->obstacles().empty());
+  keyboard.stopTap();
+  EXPECT_TRUE(arrivesAs(kA, "a")) << "no grab is left";
 }
 
 }  // namespace

@@ -25,8 +25,9 @@ std::vector<Finding> display(const SessionFacts& facts) {
   std::vector<Finding> findings;
   for (const auto each : facts.obstacles) {
     const auto help = accessibilityHelp(each);
-    const bool passes =
-        each == AccessibilityObstacle::keyboardsAreTaken || each == AccessibilityObstacle::noKeyboard;
+    const bool passes = each == AccessibilityObstacle::keyboardsAreTaken ||
+                        each == AccessibilityObstacle::noKeyboard ||
+                        each == AccessibilityObstacle::watchingIsInterrupted;
     findings.push_back({passes ? Level::note : Level::problem, toUtf8(help.what), toUtf8(help.remedy)});
   }
   return findings;

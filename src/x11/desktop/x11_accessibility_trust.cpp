@@ -16,4 +16,8 @@ std::vector<AccessibilityObstacle> X11AccessibilityTrust::obstacles() const {
   return keyboard_.obstacles();
 }
 
+Subscription X11AccessibilityTrust::observeObstacles(std::function<void()> changed) {
+  return keyboard_.observeObstacles(std::move(changed));
+}
+
 }  // namespace quorlo

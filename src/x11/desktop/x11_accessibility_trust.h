@@ -11,14 +11,15 @@ class XConnection;
 // keys, or the server itself.
 class X11AccessibilityTrust : public AccessibilityTrust {
  public:
-  X11AccessibilityTrust(const XConnection& x, const KeyboardService& keyboard) : x_(x), keyboard_(keyboard) {}
+  X11AccessibilityTrust(const XConnection& x, KeyboardService& keyboard) : x_(x), keyboard_(keyboard) {}
 
   bool isProcessTrusted() const override;
   std::vector<AccessibilityObstacle> obstacles() const override;
+  Subscription observeObstacles(std::function<void()> changed) override;
 
  private:
   const XConnection& x_;
-  const KeyboardService& keyboard_;
+  KeyboardService& keyboard_;
 };
 
 }  // namespace quorlo

@@ -41,6 +41,8 @@ std::string_view reason(AccessibilityObstacle obstacle) {
       return "Another program has grabbed the keyboards.";
     case AccessibilityObstacle::noKeyboard:
       return "There is no keyboard at the moment.";
+    case AccessibilityObstacle::watchingIsInterrupted:
+      return "The keyboards are not watched at the moment.";
   }
   return "";
 }

@@ -117,11 +117,14 @@ KeyboardLink::Grab KeyboardLink::grabKeyboards() {
     anyGrabbed = anyGrabbed || isGrabbed;
     if (isGrabbed) {
       grabbed_.insert(device);
+      refused_.erase(device);
       maps_.forget(device);
       copyControls(connection_, masterKeyboard_, device, ControlsShare::whileFloating);
     } else {
       grabbed_.erase(device);  // the server ended a grab there was
-      logWarning("A keyboard cannot be watched: another program has grabbed it.");
+      if (refused_.insert(device).second) {
+        logWarning("A keyboard cannot be watched: another program has grabbed it.");
+      }
     }
   }
   if (!anyGrabbed) return Grab::refused;

@@ -95,6 +95,7 @@ class KeyboardLink : public KeyStream::Output {
   Device masterKeyboard_ = 0;
   Device xtestKeyboard_ = 0;
   std::set<Device> grabbed_;
+  std::set<Device> refused_;  // by another program, which was logged
   MapSharing maps_{connection_, 0};
 };
 

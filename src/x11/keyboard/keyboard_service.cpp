@@ -25,14 +25,18 @@ Result<std::unique_ptr<KeyboardService>> KeyboardService::start(KeyboardOptions 
   return service;
 }
 
-Status KeyboardService::openSession() {
-  // Called on the session's thread: only the main thread may look whether this object still lives.
-  auto lost = [this, queue = &queue_, alive = std::weak_ptr<char>(alive_)] {
-    queue->run([this, alive] {
-      if (!alive.expired()) reopenSession();
+// For notices on a session's thread: only the main thread may look whether this object still lives.
+std::function<void()> KeyboardService::onMainThread(void (KeyboardService::*handle)()) {
+  return [this, handle, queue = &queue_, alive = std::weak_ptr<char>(alive_)] {
+    queue->run([this, handle, alive] {
+      if (!alive.expired()) (this->*handle)();
     });
   };
-  auto session = KeyboardSession::open(options_, std::move(lost));
+}
+
+Status KeyboardService::openSession() {
+  auto session = KeyboardSession::open(options_, {onMainThread(&KeyboardService::reopenSession),
+                                                  onMainThread(&KeyboardService::followWatching)});
   if (!session) return session.error();
   session_ = std::move(session).value();
   session_->setHotKeys(hotKeys_);
@@ -49,9 +53,36 @@ void KeyboardService::reopenSession() {
     return;
   }
   logWarning("The connection for watching keys was ended; watching goes on with another one.");
-  if (!conversation_) return;
-  conversation_->tellOfUnseenKeys();
-  session_->beginTap(conversation_);
+  if (conversation_) beginTapLater();
+}
+
+void KeyboardService::followWatching() {
+  if (session_ && session_->isOverworked()) {
+    session_->endTap();
+    if (beginTapLater() == std::chrono::seconds::zero()) {
+      logWarning(
+          "WARNING: #x11kS3; The keyboards were let go: a program changes them without end, or their changes "
+          "cause each other. They are watched again later.");
+    }
+  }
+  obstacleObservers_.notify();
+}
+
+void KeyboardService::beginTap() {
+  if (!session_->beginTap(conversation_)) beginTapLater();
+  obstacleObservers_.notify();
+}
+
+std::chrono::seconds KeyboardService::beginTapLater() {
+  const auto pause = retryPauses_.next(queue_.now());
+  auto begin = [this, alive = std::weak_ptr<char>(alive_), waiting = std::weak_ptr(conversation_)] {
+    const bool isCurrent = !alive.expired() && !waiting.expired() && conversation_ == waiting.lock();
+    if (!isCurrent || !session_ || session_->isTapping()) return;
+    conversation_->tellOfUnseenKeys();
+    beginTap();
+  };
+  queue_.runAfter(pause, std::move(begin));
+  return pause;
 }
 
 std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
@@ -59,17 +90,17 @@ std::vector<AccessibilityObstacle> KeyboardService::obstacles() const {
   auto found = session_->obstacles();
   if (!found.empty()) return found;
   if (!session_->hasKeyboard()) return {AccessibilityObstacle::noKeyboard};
-  if (keyboardsAreTaken_ || session_->waitsForKeyboard()) return {AccessibilityObstacle::keyboardsAreTaken};
+  if (session_->waitsForKeyboard()) return {AccessibilityObstacle::keyboardsAreTaken};
+  if (conversation_ && (!session_->isTapping() || session_->isOverworked()))
+    return {AccessibilityObstacle::watchingIsInterrupted};
   return {};
 }
 
 std::unique_ptr<EventTap::Port> KeyboardService::createTap(EventTap::Callback callback, void* userInfo) {
   if (!isUsable() || conversation_) return nullptr;
-  auto conversation = std::make_shared<TapConversation>(queue_, callback, userInfo);
-  keyboardsAreTaken_ = !session_->beginTap(conversation);
-  if (keyboardsAreTaken_) return nullptr;
-  conversation_ = conversation;
-  return std::make_unique<Port>(*this, std::move(conversation));
+  conversation_ = std::make_shared<TapConversation>(queue_, callback, userInfo);
+  beginTap();
+  return std::make_unique<Port>(*this, conversation_);
 }
 
 void KeyboardService::closeTap() {

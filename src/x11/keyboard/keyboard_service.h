@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/observers.h"
 #include "base/result.h"
 #include "platform/event_tap.h"
 #include "platform/main_queue.h"
@@ -7,7 +8,9 @@
 #include "x11/keyboard/key_map.h"
 #include "x11/keyboard/key_stream.h"
 #include "x11/keyboard/keyboard_session.h"
+#include "x11/keyboard/retry_pauses.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -18,13 +21,18 @@
 namespace quorlo {
 
 // The keyboard of the desktop as the adapters for tap, poster, hold and layout share it. Opens another
-// session when its X client was ended, and gives up when the X server is gone. Main thread.
+// session when its X client was ended, begins a tap again that was given up, and ends when the X server is
+// gone. Main thread.
 class KeyboardService {
  public:
   static Result<std::unique_ptr<KeyboardService>> start(KeyboardOptions options, MainQueue& queue);
 
   // What keeps from watching and pressing keys, for good or at the moment.
   std::vector<AccessibilityObstacle> obstacles() const;
+  // Called when they may be others.
+  Subscription observeObstacles(std::function<void()> changed) {
+    return obstacleObservers_.add(std::move(changed));
+  }
   // Whether the server has all that it takes.
   bool isUsable() const { return session_ && session_->obstacles().empty(); }
 
@@ -52,15 +60,20 @@ class KeyboardService {
   class Port;
 
   KeyboardService(KeyboardOptions options, MainQueue& queue) : options_(std::move(options)), queue_(queue) {}
+  std::function<void()> onMainThread(void (KeyboardService::*handle)());
   Status openSession();
   void reopenSession();
+  void followWatching();
+  void beginTap();
+  std::chrono::seconds beginTapLater();  // after how long
   void closeTap();
 
   KeyboardOptions options_;
   MainQueue& queue_;
   std::unique_ptr<KeyboardSession> session_;       // null once the server is gone
   std::shared_ptr<TapConversation> conversation_;  // while a port lives
-  bool keyboardsAreTaken_ = false;                 // the last tap could not be made
+  RetryPauses retryPauses_;                        // before a tap begins again
+  Observers<> obstacleObservers_;
   std::set<Shortcut> hotKeys_;
   bool screenIsLocked_ = false;
   mutable std::optional<KeyMap> map_;

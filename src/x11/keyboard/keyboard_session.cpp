@@ -23,11 +23,11 @@ std::string composeLocale() {
 }  // namespace
 
 Result<std::unique_ptr<KeyboardSession>> KeyboardSession::open(const KeyboardOptions& options,
-                                                               std::function<void()> lost) {
+                                                               Notices notices) {
   auto connection = XConnection::open(options.display);
   if (!connection) return connection.error();
   std::unique_ptr<KeyboardSession> session(new KeyboardSession(std::move(connection).value(), options));
-  session->start(std::move(lost));
+  session->start(std::move(notices));
   return session;
 }
 
@@ -52,34 +52,32 @@ KeyboardSession::~KeyboardSession() {
   loop_.stop();
 }
 
-void KeyboardSession::start(std::function<void()> lost) {
-  loop_.start([this](const xcb_generic_event_t& event) { handleEvent(event); }, std::move(lost));
+void KeyboardSession::start(Notices notices) {
+  notices_ = std::move(notices);
+  loop_.start([this](const xcb_generic_event_t& event) { handleEvent(event); }, notices_.lost);
 }
 
 bool KeyboardSession::beginTap(std::shared_ptr<TapConversation> conversation) {
   if (!stream_) return false;
-  const auto grabbed = std::make_shared<std::atomic<bool>>(false);
+  enum class Attempt { open, done, givenUp };
+  const auto attempt = std::make_shared<std::atomic<Attempt>>(Attempt::open);
   loop_.postAndWait(
-      [this, conversation = std::move(conversation), grabbed] {
-        conversation_ = conversation;
-        grabbing_ = true;
-        guard_ = GuardProcess::start(options_.guardProgram, connection_->displayName(), window_, askAtom_);
-        *grabbed = takeKeyboards();
-        if (!*grabbed) {
-          grabbing_ = false;
-          conversation_.reset();
-          guard_.reset();
-          return;
-        }
-        lookForKeyboards(kFirstPause);
+      [this, conversation = std::move(conversation), attempt] {
+        if (*attempt == Attempt::givenUp) return;
+        startWatching(conversation);
+        auto expected = Attempt::open;
+        if (!attempt->compare_exchange_strong(expected, Attempt::done)) stopWatching();
       },
       kPatience);
-  tapping_ = *grabbed;
-  if (waitsForKeyboard()) {
+  auto expected = Attempt::open;
+  tapping_ = !attempt->compare_exchange_strong(expected, Attempt::givenUp);
+  if (!tapping_) {
+    logWarning("WARNING: #x11kS2; The X server does not let the keyboards be watched in time.");
+  } else if (waitsForKeyboard()) {
     logWarning(
         "WARNING: #x11kS1; There is no keyboard to watch yet: none is plugged in, or another program has grabbed "
         "it.");
-  } else if (tapping_) {
+  } else {
     logInfo(kWatching);
   }
   return tapping_;
@@ -87,30 +85,50 @@ bool KeyboardSession::beginTap(std::shared_ptr<TapConversation> conversation) {
 
 void KeyboardSession::endTap() {
   tapping_ = false;
-  loop_.postAndWait(
-      [this] {
-        followSession();
-        link_.ungrabKeyboards();
-        connection_->sync();
-        // What was typed until then still goes to the applications.
-        while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) handleEvent(*event);
-        stream_->endHold();
-        stream_->drain();
-        grabbing_ = false;
-        stream_->end();
-        conversation_.reset();
-        guard_.reset();
-      },
-      kPatience);
+  loop_.postAndWait([this] { stopWatching(); }, kPatience);
 }
 
-bool KeyboardSession::takeKeyboards() {
-  if (link_.grabKeyboards() == KeyboardLink::Grab::refused) return false;
-  waitsForKeyboard_ = !link_.hasGrabbed();
+void KeyboardSession::startWatching(std::shared_ptr<TapConversation> conversation) {
+  conversation_ = std::move(conversation);
+  grabbing_ = true;
+  guard_ = GuardProcess::start(options_.guardProgram, connection_->displayName(), window_, askAtom_);
+  takeKeyboards();
+}
+
+void KeyboardSession::stopWatching() {
+  if (!grabbing_) return;
+  followSession();
+  link_.ungrabKeyboards();
+  connection_->sync();
+  // What was typed until then still goes to the applications.
+  while (XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) handleEvent(*event);
+  stream_->endHold();
+  stream_->drain();
+  grabbing_ = false;
+  stream_->end();
+  conversation_.reset();
+  guard_.reset();
+  setWatching(Watching::nothing);
+}
+
+void KeyboardSession::stopOverworked() {
+  if (!grabbing_) return;
+  stopWatching();
+  setWatching(Watching::overworked);
+}
+
+void KeyboardSession::setWatching(Watching watching) {
+  if (watching_.exchange(watching) != watching) notices_.watchingChanged();
+}
+
+void KeyboardSession::takeKeyboards() {
+  link_.grabKeyboards();
   readMap();
+  followControls();
   stream_->letGoOthers(link_.pressedKeys());
   stream_->begin(link_.heldKeys());
-  return true;
+  setWatching(link_.hasGrabbed() ? Watching::keyboards : Watching::waits);
+  lookForKeyboards(kFirstPause);
 }
 
 TapVerdict KeyboardSession::keyPressed(const KeyDownEvent& event) {
@@ -138,20 +156,27 @@ void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
   const auto change = link_.read(event);
   if (const auto* typed = std::get_if<KeyTyped>(&change)) {
     if (grabbing_) handleKey(*typed);
-  } else if (const auto* map = std::get_if<MapChanged>(&change)) {
+  } else if (!std::holds_alternative<std::monostate>(change)) {
+    limited([&] { handleChange(change); });
+  }
+}
+
+void KeyboardSession::handleChange(const KeyboardChange& change) {
+  if (const auto* map = std::get_if<MapChanged>(&change)) {
     if (link_.noteMapChange(map->device)) followLater(&Pending::map);
   } else if (std::holds_alternative<LocksChanged>(change)) {
     followLater(&Pending::locks);
   } else if (std::holds_alternative<ControlsChanged>(change)) {
     followLater(&Pending::controls);
-  } else if (std::holds_alternative<KeyboardsChanged>(change)) {
-    if (grabbing_) takeNewKeyboards();
+  } else if (grabbing_) {
+    takeNewKeyboards();
   }
 }
 
 void KeyboardSession::handleKey(const KeyTyped& typed) {
   followSession();
   const bool isPress = typed.key.kind == PhysicalKey::Kind::press;
+  if (isPress) breaker_.keyTyped();
   if (isPress && link_.useMapOf(typed.key.device)) readMap();
   stream_->handle(typed.key);
   if (guard_ && isPress) guard_->answered(typed.time);
@@ -159,8 +184,13 @@ void KeyboardSession::handleKey(const KeyTyped& typed) {
 
 // Changes arrive in flocks. They are followed once: when all that has arrived is read, or a key needs it.
 void KeyboardSession::followLater(bool Pending::*part) {
-  if (!stream_) return;
-  if (!pending_.any()) loop_.post([this] { followSession(); });
+  if (!grabbing_) {
+    if (part == &Pending::map) ++mapGeneration_;
+    return;
+  }
+  if (!pending_.any()) {
+    loop_.post([this] { limited([this] { followSession(); }); });
+  }
   pending_.*part = true;
 }
 
@@ -181,7 +211,9 @@ void KeyboardSession::followControls() {
 
 void KeyboardSession::takeNewKeyboards() {
   const auto grab = link_.grabKeyboards();
-  if (waitsForKeyboard_.exchange(!link_.hasGrabbed()) && !waitsForKeyboard_) logInfo(kWatching);
+  if (watching_ == Watching::waits && link_.hasGrabbed()) logInfo(kWatching);
+  setWatching(link_.hasGrabbed() ? Watching::keyboards : Watching::waits);
+  lookForKeyboards(kFirstPause);
   const auto held = link_.heldKeys();
   stream_->keepOnly({held.begin(), held.end()});
   if (grab != KeyboardLink::Grab::some) return;
@@ -193,10 +225,14 @@ void KeyboardSession::takeNewKeyboards() {
 // The server tells when a keyboard is plugged in, but not when another program, or the Quorlo before this
 // one, lets go of it.
 void KeyboardSession::lookForKeyboards(std::chrono::milliseconds pause) {
-  if (!waitsForKeyboard_ || !link_.hasKeyboard()) return;
+  if (isLooking_ || watching_ != Watching::waits || !link_.hasKeyboard()) return;
+  isLooking_ = true;
   loop_.runAt(std::chrono::steady_clock::now() + pause, [this, pause] {
-    if (!grabbing_) return;
+    isLooking_ = false;
+    if (!grabbing_ || watching_ != Watching::waits) return;
+    isLooking_ = true;  // the pauses grow
     takeNewKeyboards();
+    isLooking_ = false;
     lookForKeyboards(std::min(2 * pause, kLongestPause));
   });
 }

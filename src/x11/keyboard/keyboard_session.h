@@ -9,6 +9,7 @@
 #include "x11/keyboard/key_stream.h"
 #include "x11/keyboard/keyboard_link.h"
 #include "x11/keyboard/tap_conversation.h"
+#include "x11/keyboard/work_breaker.h"
 
 #include <atomic>
 #include <chrono>
@@ -32,13 +33,19 @@ struct KeyboardOptions {
 // lost or the program ends. Main thread, but for what runs on its own thread.
 class KeyboardSession : KeyStream::Judge {
  public:
-  static Result<std::unique_ptr<KeyboardSession>> open(const KeyboardOptions& options,
-                                                       std::function<void()> lost);
+  // Called on the session's thread.
+  struct Notices {
+    std::function<void()> lost;
+    std::function<void()> watchingChanged;  // what the tap has of the keyboards
+  };
+
+  static Result<std::unique_ptr<KeyboardSession>> open(const KeyboardOptions& options, Notices notices);
   ~KeyboardSession() override;
 
   const std::vector<AccessibilityObstacle>& obstacles() const { return link_.obstacles(); }
 
-  // False when no keyboard can be grabbed.
+  // False when it could not be done in time; nothing is grabbed later then. Without a keyboard that can be
+  // grabbed the tap waits for one.
   bool beginTap(std::shared_ptr<TapConversation> conversation);
   void endTap();
   bool isTapping() const { return tapping_; }
@@ -57,7 +64,9 @@ class KeyboardSession : KeyStream::Judge {
 
   bool hasKeyboard();
   // The tap has no keyboard, and takes the first that is plugged in or let go by another program.
-  bool waitsForKeyboard() const { return tapping_ && waitsForKeyboard_; }
+  bool waitsForKeyboard() const { return tapping_ && watching_ == Watching::waits; }
+  // The tap has let the keyboards go, since it had endless work with them; it is to be ended.
+  bool isOverworked() const { return tapping_ && watching_ == Watching::overworked; }
 
   // Posts keys: calls with the way to the applications, on which none of the user's modifiers is held.
   void post(const std::function<void(KeyStream::Output&)>& keys);
@@ -73,8 +82,10 @@ class KeyboardSession : KeyStream::Judge {
   static constexpr std::chrono::milliseconds kFirstPause{50};
   static constexpr std::chrono::milliseconds kLongestPause{10'000};
 
+  enum class Watching { nothing, waits, keyboards, overworked };
+
   KeyboardSession(std::unique_ptr<XConnection> connection, KeyboardOptions options);
-  void start(std::function<void()> lost);
+  void start(Notices notices);
 
   // On the session's thread.
   TapVerdict keyPressed(const KeyDownEvent& event) override;
@@ -94,9 +105,21 @@ class KeyboardSession : KeyStream::Judge {
   void readMap();
   // Whether it is nobody's typing.
   bool isPassedUnseen(const KeyDownEvent& event) const;
-  bool takeKeyboards();
+  void startWatching(std::shared_ptr<TapConversation> conversation);
+  void stopWatching();
+  void stopOverworked();
+  void setWatching(Watching watching);
+  void takeKeyboards();
   void takeNewKeyboards();
   void lookForKeyboards(std::chrono::milliseconds pause);
+  void handleChange(const KeyboardChange& change);
+  // Runs work that no key has caused, and lets the keyboards go when it does not end.
+  template <class Work>
+  void limited(Work work) {
+    const auto begin = WorkBreaker::Clock::now();
+    work();
+    if (!breaker_.allows(begin, WorkBreaker::Clock::now())) stopOverworked();
+  }
   void watchHold();
   // Another thread has waited for a reply, which may have brought events along.
   void wake() {
@@ -115,9 +138,12 @@ class KeyboardSession : KeyStream::Judge {
   bool tapping_ = false;                           // main thread
   bool grabbing_ = false;                          // on the thread
   bool watchingHold_ = false;                      // on the thread
+  bool isLooking_ = false;                         // on the thread
   Pending pending_;                                // on the thread
+  WorkBreaker breaker_;                            // on the thread
+  Notices notices_;
   std::atomic<bool> screenIsLocked_ = false;
-  std::atomic<bool> waitsForKeyboard_ = false;
+  std::atomic<Watching> watching_ = Watching::nothing;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
   std::atomic<std::chrono::steady_clock::time_point> lastProgress_{};  // the end of an announced pause
   XEventLoop loop_;  // the last: its thread uses all of the others

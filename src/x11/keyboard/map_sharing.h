@@ -29,7 +29,11 @@ class MapSharing {
   bool follow(const std::set<Device>& grabbed);
   // The map of a grabbed keyboard may have changed.
   void forget(Device keyboard);
-  void forgetAll() { source_ = 0; }
+  // The keyboards are let go: from here on the server keeps their maps itself.
+  void forgetAll() {
+    source_ = 0;
+    known_ = {};
+  }
 
  private:
   const XConnection* connection_;
