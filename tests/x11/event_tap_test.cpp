@@ -70,9 +70,10 @@ TEST_F(EventTapTest, ThousandsOfKeysTypedWithoutPauseArriveInOrder) {
 
 TEST_F(EventTapTest, KeysTypedDuringAHoldComeAfterItInOrderAndMayBeginAnother) {
   ASSERT_TRUE(keyboard.startTap());
+  HoldId hold = 0;
   keyboard.judge = [&](const KeyDownEvent& event) {
     if (event.characters != u"!") return TapVerdict::pass;
-    keyboard.service->beginHold();
+    hold = keyboard.service->beginHold();
     return TapVerdict::swallow;
   };
   keys().press("a");
@@ -81,6 +82,7 @@ TEST_F(EventTapTest, KeysTypedDuringAHoldComeAfterItInOrderAndMayBeginAnother) {
   keys().release("a");
   for (const KeyCode digit : {KeyCode{18}, KeyCode{19}}) {
     ASSERT_TRUE(keyboard.pumpUntil([&] { return keyboard.seenText.ends_with("!"); }));
+    EXPECT_TRUE(keyboard.service->keepTrigger(hold));
     poster.postKey(digit, 0, PostLocation::session, 2);
     keyboard.seenText.clear();
     keyboard.service->endHold();
