@@ -68,6 +68,21 @@ TEST_F(DesktopClipboardTest, ExpansionsInQuickSuccessionGiveBackWhatTheUserHad) 
   expectBack(before);
 }
 
+TEST_F(DesktopClipboardTest, WhatIsCopiedRightAfterAnExpansionStays) {
+  startQuorlo({{"PasteBetweenSnippetPartsDelay", "0.2"}});
+  const auto holder = fillClipboard({"text:older"});
+  Mousepad editor(desktop());
+  type("word brb ");
+  keyboard().tap("Ctrl+a");
+  keyboard().tap("Ctrl+c");  // held until the piece has been pasted
+  keyboard().tap("End");
+  type("sig x");  // once its piece is on the clipboard, only the giving back can bring the copy there again
+  const std::string expected = "word be right back Kind regards, Ada x";
+  EXPECT_EQ(editor.textOnceItIs(expected), expected);
+  EXPECT_TRUE(waitUntil([&] { return clipboard().find("text/plain 19 ") != std::string::npos; }))
+      << clipboard();
+}
+
 TEST_F(DesktopClipboardTest, WithoutRestorationThePieceStaysOnTheClipboard) {
   startQuorlo({{"RestorePateboardItems", "false"}});
   const auto holder = fillClipboard({"text:mine"});

@@ -175,6 +175,73 @@ TEST_F(PasteTest, AnExpansionDuringTheRestoreDelayKeepsWhatWasSavedFirst) {
   EXPECT_EQ(desktop.text(), u"S S ");
 }
 
+TEST_F(PasteTest, WhatIsCopiedElsewhereMeanwhileStays) {
+  add(u"q", u"<" + pressing(u"tab") + u">%clipboard%");
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
+  for (int step = 0; step < 12; ++step) {
+    desktop.front().clear();
+    desktop.pasteboard.copyFromElsewhere("older");
+    desktop.type(u"q ");
+    desktop.queue.advance(Seconds(0.05 * step));
+    desktop.pasteboard.copyFromElsewhere("newer");
+    desktop.queue.settle();
+    EXPECT_EQ(desktop.pasteboard.text(), "newer") << step;
+    EXPECT_EQ(desktop.text(), u"<\t>older ") << step;
+  }
+}
+
+TEST_F(PasteTest, WhatIsCopiedBeforeTheNextExpansionIsWhatThatGivesBack) {
+  add(u"sig", u"S");
+  desktop.type(u"sig ");
+  desktop.queue.advance(Seconds(0.3));  // finished, not yet given back
+  desktop.pasteboard.copyFromElsewhere("newer");
+  desktop.typeAndWait(u"sig ");
+  EXPECT_EQ(desktop.text(), u"S S ");
+  EXPECT_EQ(desktop.pasteboard.text(), "newer");
+}
+
+TEST_F(PasteTest, AnExpansionDoesNotWaitForAPictureThatIsStillBeingCopied) {
+  add(u"sig", u"S");
+  add(u"q", u"<%clipboard%>");
+  desktop.pasteboard.makeOwnerSlow();
+  desktop.typeAndWait(u"sig sig ");
+  EXPECT_EQ(desktop.text(), u"S S ");
+  EXPECT_EQ(desktop.pasteboard.text(), "S ");
+  desktop.pasteboard.completeCopies();
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.pasteboard.text(), "mine");
+
+  desktop.pasteboard.makeOwnerSlow();
+  desktop.type(u"q ");
+  desktop.queue.advance(Seconds(2.5));
+  EXPECT_EQ(desktop.text(), u"S S q");
+  desktop.pasteboard.completeCopies();
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.text(), u"S S <mine> ");
+  EXPECT_EQ(desktop.pasteboard.text(), "mine");
+}
+
+TEST_F(PasteTest, TheUserIsToldOnceWhatCouldNotBeKept) {
+  add(u"sig", u"S");
+  const auto expandOver = [&](const char* contents) {
+    desktop.pasteboard.copyFromElsewhere(contents);
+    desktop.typeAndWait(u"sig ");
+  };
+  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::notAnswered);
+  expandOver("a picture");
+  EXPECT_EQ(desktop.pasteboard.text(), "S ");
+  ASSERT_EQ(notifications.posted.size(), 1U);
+  EXPECT_EQ(notifications.posted[0].title, u"The clipboard was not kept");
+  expandOver("another picture");
+  EXPECT_EQ(notifications.posted.size(), 1U);
+  desktop.pasteboard.loseCopies({});
+  expandOver("text");
+  EXPECT_EQ(desktop.pasteboard.text(), "text");
+  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::tooLarge);
+  expandOver("a film");
+  EXPECT_EQ(notifications.posted.size(), 2U);
+}
+
 TEST_F(PasteTest, ASecondSnippetWaitsForTheFirst) {
   const auto one = add(u"one", u"1");
   const auto two = add(u"two", u"2");

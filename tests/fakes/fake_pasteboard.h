@@ -28,15 +28,17 @@ class FakePasteboard : public Pasteboard {
   }
 
   void read(Reading reading) override {
-    PasteboardCopy copy{contents_.items, {}, changeCount_};
-    if (loss_) copy = {{}, {{{}, *loss_}}, changeCount_};
-    if (reading.contentsMayBeReplaced) queue_.run(std::move(reading.contentsMayBeReplaced));
-    auto complete = [completed = std::move(reading.completed), copy = std::move(copy)] { completed(copy); };
-    if (ownerIsSlow_) {
-      late_.push_back(std::move(complete));
-    } else {
-      queue_.run(std::move(complete));
-    }
+    queue_.run([this, reading = std::move(reading)] {
+      PasteboardCopy copy{contents_.items, {}, changeCount_};
+      if (loss_) copy = {{}, {{{}, *loss_}}, changeCount_};
+      auto complete = [completed = reading.completed, copy = std::move(copy)] { completed(copy); };
+      if (ownerIsSlow_) {
+        late_.push_back(std::move(complete));
+      } else {
+        queue_.run(std::move(complete));
+      }
+      if (reading.contentsMayBeReplaced) reading.contentsMayBeReplaced();
+    });
   }
 
   std::int64_t changeCount() const override { return changeCount_; }
@@ -60,7 +62,7 @@ class FakePasteboard : public Pasteboard {
   bool hasMarker(std::string_view type) const { return std::ranges::count(contents_.markers, type) > 0; }
 
   // The owner hands nothing over.
-  void loseCopies(PasteboardLoss::Reason reason) { loss_ = reason; }
+  void loseCopies(std::optional<PasteboardLoss::Reason> reason) { loss_ = reason; }
   // Copies are completed when `completeCopies` is called.
   void makeOwnerSlow() { ownerIsSlow_ = true; }
   void completeCopies() {

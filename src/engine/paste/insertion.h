@@ -4,6 +4,7 @@
 #include "engine/paste/paste_services.h"
 #include "macros/prepared_snippet.h"
 #include "platform/main_queue.h"
+#include "platform/pasteboard.h"
 #include "platform/typed_keys_hold.h"
 #include "text/attributed_string.h"
 #include "text/text_range.h"
@@ -14,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -50,8 +52,9 @@ class Insertion {
   bool keepTrigger();
   void callOff();
   void insert(PreparedSnippet prepared);
-  void beginPasting();
   void putNextPiece();
+  bool mayGoOn();
+  void putPiece();
   void countKeysToCursor(const AttributedString& piece);
   void deleteAbbreviationAndPaste();
   void postPaste();
@@ -87,6 +90,7 @@ class Insertion {
   AttributedString snippetText;
   std::deque<AttributedString> seperatedSnippetText;  // pieces still to paste
   std::deque<KeyStep> specialKeys_;                   // keys still to press
+  std::vector<PasteboardItem> pasteboardItemsForClipboardMacro;
   std::optional<TextRange> cursorRange;
   std::size_t cursorPiece_ = 0;
   std::size_t pieceIndex_ = 0;

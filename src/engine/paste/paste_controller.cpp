@@ -11,7 +11,8 @@ namespace quorlo {
 PasteController::PasteController(const Dependencies& dependencies)
     : use_(dependencies),
       keys_(use_.layout),
-      pasteboard_(use_.generalPasteboard, use_.queue),
+      pasteboard_(use_.generalPasteboard, use_.queue,
+                  [this] { use_.notifications.post(pasteboardLostNotification()); }),
       ownWindows_(use_.application, use_.queue) {
   use_.notifications.setActionHandler(life_.guard([this](const std::string& category) {
     if (category == kDoNotShowAgain) use_.settings.setShowNotificationForExpension(false);

@@ -15,4 +15,14 @@ UserNotification autoPasteOffNotification() {
           localized(u"Don't show again"), kNotificationDelay};
 }
 
+UserNotification pasteboardLostNotification() {
+  return {localized(u"The clipboard was not kept"),
+          localized(
+              u"Its contents were too large, or the program they came from did not hand them over. Copy them "
+              u"again if you still need them."),
+          {},
+          {},
+          Seconds(0)};
+}
+
 }  // namespace quorlo
