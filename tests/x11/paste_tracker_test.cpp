@@ -18,6 +18,7 @@ using std::chrono_literals::operator""ms;
 constexpr ClientIdentity kEditor{0x200000, 100};
 constexpr ClientIdentity kEditorsOtherConnection{0x400000, 100};
 constexpr ClientIdentity kClipboardManager{0x600000, 200};
+constexpr ClientIdentity kRelay{0x800000, 300};  // reads for the editor
 
 // A target program and the pieces pasted into it, each named by its text.
 class PasteTrackerTest : public testing::Test {
@@ -30,7 +31,7 @@ class PasteTrackerTest : public testing::Test {
     const auto offer = std::make_shared<SelectionOffer>(offeredTargets({{item}, {}, false}, {}),
                                                         std::vector<SelectionOffer::Data>());
     names[offer.get()] = piece;
-    tracker.announce(kEditor, selection, offer, now);
+    tracker.announce({kEditor}, selection, offer, now);
   }
 
   // The piece that the reader is given; "current" for what everybody gets.
@@ -38,7 +39,7 @@ class PasteTrackerTest : public testing::Test {
                    bool fromPrimary = false) {
     const auto reading = tracker.readingFor(reader, fromPrimary, target, now);
     if (!reading) return "current";
-    if (target != "TARGETS") tracker.delivered(reading->paste, now);
+    if (target != "TARGETS" && reading->paste != 0) tracker.delivered(reading->paste, now);
     return names.at(reading->offer.get());
   }
 
@@ -76,8 +77,8 @@ TEST_F(PasteTrackerTest, OnePasteMayReadSeveralFormsUntilItHasBeenQuiet) {
 
 TEST_F(PasteTrackerTest, AProgramThatKeepsReadingDoesNotKeepAPasteOpen) {
   paste("piece");
-  const auto patienceEnds = now + PasteTracker::kPatience;
-  for (; now < patienceEnds; now += 50ms) EXPECT_EQ(read("UTF8_STRING"), "piece");
+  const auto end = now + PasteTracker::kLongestRead;
+  for (; now < end; now += 50ms) EXPECT_EQ(read("UTF8_STRING"), "piece");
   EXPECT_EQ(read("UTF8_STRING"), "current");
 }
 
@@ -116,21 +117,79 @@ TEST_F(PasteTrackerTest, PrimaryHoldsThePieceOnlyForPastesFromThere) {
   paste("piece");
   EXPECT_EQ(read("UTF8_STRING", kEditor, true), "current");
   EXPECT_FALSE(tracker.hasOpenPasteFromPrimary());
-  now += PasteTracker::kPatience;
+  tracker.closeLate(false);
+  read("UTF8_STRING");
+  tracker.closeDelivered(kEditor);
   paste("terminal piece", PasteSelection::clipboardAndPrimary);
   EXPECT_EQ(read("UTF8_STRING", kEditor, true), "terminal piece");
 }
 
-TEST_F(PasteTrackerTest, ATargetThatNeverReadsIsGivenUp) {
+TEST_F(PasteTrackerTest, ABusyTargetIsNotAwaitedForeverButServedWheneverItReads) {
   int changes = 0;
   const auto observation = tracker.observe([&] { ++changes; });
   paste("piece");
-  EXPECT_EQ(tracker.closeFinished(now), now + PasteTracker::kPatience);
-  now += PasteTracker::kPatience;
+  EXPECT_EQ(tracker.closeFinished(now), now + ReaderHabits::kPatience);
+  now += ReaderHabits::kPatience;
   EXPECT_EQ(tracker.closeFinished(now), std::nullopt);
-  EXPECT_FALSE(tracker.hasUnreadPaste());
-  EXPECT_EQ(changes, 2) << "announced and given up";
+  EXPECT_FALSE(tracker.hasUnreadPaste() || tracker.hasPasteUnderWay() || tracker.isBusy(kEditor, now));
+  EXPECT_EQ(changes, 2) << "announced and late";
+  now += std::chrono::minutes(10);
+  EXPECT_EQ(read("UTF8_STRING", kClipboardManager), "current");
+  EXPECT_EQ(read("TARGETS"), "piece");
+  EXPECT_EQ(read("UTF8_STRING"), "piece");
+  now += PasteTracker::kLinger - 1ms;
+  EXPECT_EQ(read("text/html"), "piece") << "Chromium asks again";
+  now += PasteTracker::kLinger;
   EXPECT_EQ(read("UTF8_STRING"), "current");
+}
+
+TEST_F(PasteTrackerTest, ALatePasteEndsWhenItsTargetIsNoLongerMeant) {
+  paste("piece");
+  now += ReaderHabits::kPatience;
+  tracker.closeFinished(now);
+  ASSERT_EQ(tracker.latePastes().size(), 1U);
+  tracker.closeLate(true);
+  tracker.close(tracker.latePastes()[0].paste + 1);
+  EXPECT_TRUE(tracker.hasOpenPaste());
+  tracker.close(tracker.latePastes()[0].paste);
+  EXPECT_EQ(read("UTF8_STRING"), "current");
+}
+
+TEST_F(PasteTrackerTest, AReadOnBehalfOfTheTargetEndsTheWait) {
+  paste("piece");
+  now += PasteTracker::kEarliestRead;
+  EXPECT_EQ(read("UTF8_STRING", kRelay), "piece");
+  EXPECT_FALSE(tracker.hasUnreadPaste());
+  EXPECT_EQ(read("UTF8_STRING", kRelay), "current");
+  EXPECT_EQ(read("UTF8_STRING"), "piece") << "it may have read for itself";
+}
+
+TEST_F(PasteTrackerTest, AClipboardManagerDoesNotReadForATarget) {
+  tracker.contentsChanged(now);
+  EXPECT_EQ(read("UTF8_STRING", kClipboardManager), "current") << "before the chord";
+  paste("piece");
+  EXPECT_EQ(read("UTF8_STRING", kRelay), "current") << "sooner than any application reads";
+  now += 20ms;
+  EXPECT_EQ(read("UTF8_STRING", kClipboardManager), "current");
+  EXPECT_EQ(read("UTF8_STRING", kRelay), "current");
+  EXPECT_TRUE(tracker.hasUnreadPaste());
+}
+
+TEST_F(PasteTrackerTest, AProgramThatDoesNotReadIsAwaitedBrieflyUntilItDoes) {
+  for (int i = 0; i < 2; ++i) {
+    paste("piece");
+    EXPECT_EQ(tracker.closeFinished(now), now + ReaderHabits::kPatience);
+    now += ReaderHabits::kPatience;
+    tracker.closeFinished(now);
+    tracker.closeLate(false);
+  }
+  paste("piece");
+  EXPECT_EQ(tracker.closeFinished(now), now + ReaderHabits::kShortPatience);
+  EXPECT_EQ(read("UTF8_STRING"), "piece");
+  now += PasteTracker::kLinger;
+  tracker.closeFinished(now);
+  paste("piece");
+  EXPECT_EQ(tracker.closeFinished(now), now + ReaderHabits::kPatience);
 }
 
 TEST_F(PasteTrackerTest, ASlowTransferThatMovesOnIsWaitedFor) {

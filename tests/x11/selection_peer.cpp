@@ -2,6 +2,8 @@
 
 #include "virtual_desktop/wait.h"
 
+#include <xcb/xtest.h>
+
 #include <array>
 #include <stdexcept>
 #include <utility>
@@ -31,6 +33,31 @@ void SelectionPeer::own(const std::string& selection, Answers answers) {
   x_->sync();
 }
 
+void SelectionPeer::becomeActive() {
+  const auto ping = x_->atom("_NET_WM_PING");
+  xcb_change_property(x_->get(), XCB_PROP_MODE_REPLACE, window_, x_->atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, 32,
+                      1, &ping);
+  xcb_change_property(x_->get(), XCB_PROP_MODE_REPLACE, x_->root(), x_->atom("_NET_ACTIVE_WINDOW"),
+                      XCB_ATOM_WINDOW, 32, 1, &window_);
+  x_->sync();
+}
+
+void SelectionPeer::tapKey(xcb_keysym_t keysym) {
+  const auto* setup = xcb_get_setup(x_->get());
+  for (unsigned key = setup->min_keycode; key <= setup->max_keycode; ++key) {
+    const auto code = static_cast<xcb_keycode_t>(key);
+    const auto mapping =
+        x_->reply(xcb_get_keyboard_mapping_reply, xcb_get_keyboard_mapping(x_->get(), code, 1));
+    if (!mapping || *xcb_get_keyboard_mapping_keysyms(mapping.get()) != keysym) continue;
+    for (const auto type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+      xcb_test_fake_input(x_->get(), static_cast<std::uint8_t>(type), code, XCB_CURRENT_TIME, x_->root(), 0,
+                          0, 0);
+    }
+    return x_->sync();
+  }
+  throw std::runtime_error("no key has the symbol");
+}
+
 std::string SelectionPeer::ownerOf(const std::string& selection) const {
   const auto owner =
       x_->reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x_->get(), x_->atom(selection)));
@@ -50,6 +77,14 @@ void SelectionPeer::handle(const xcb_generic_event_t& event) {
   switch (event.response_type & 0x7F) {
     case XCB_SELECTION_REQUEST:
       return answer(reinterpret_cast<const xcb_selection_request_event_t&>(event));
+    case XCB_CLIENT_MESSAGE: {
+      auto pong = reinterpret_cast<const xcb_client_message_event_t&>(event);
+      pong.window = x_->root();
+      const auto mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+      xcb_send_event(x_->get(), 0, x_->root(), mask, reinterpret_cast<const char*>(&pong));
+      hasAnsweredPing_ = true;
+      return;
+    }
     case XCB_SELECTION_CLEAR:
       isOwner_ = false;
       return;

@@ -37,6 +37,12 @@ class SelectionPeer {
   // The targets it was asked for as an owner, TARGETS included.
   const std::vector<std::string>& asked() const { return asked_; }
 
+  // Answers pings from now on, as applications do, and becomes the active window.
+  void becomeActive();
+  bool hasAnsweredPing() const { return hasAnsweredPing_; }
+  // Presses and releases a key, as the user would.
+  void tapKey(xcb_keysym_t keysym);
+
   // Absent when refused. `meanwhile` is called until the answer is there; std::runtime_error when none comes.
   std::optional<PasteboardData> read(const std::string& selection, const std::string& target,
                                      const std::function<void()>& meanwhile = {});
@@ -63,6 +69,7 @@ class SelectionPeer {
   xcb_window_t window_;
   Answers answers_;
   bool isOwner_ = false;
+  bool hasAnsweredPing_ = false;
   std::vector<std::string> asked_;
   std::map<std::pair<xcb_window_t, xcb_atom_t>, Sending> sending_;
 

@@ -35,6 +35,8 @@ using enum Answer::Manner;
 const std::string kClipboard = "CLIPBOARD";
 const std::string kPrimary = "PRIMARY";
 const std::string kUtf8 = "UTF8_STRING";
+constexpr xcb_keysym_t kPlainKey = 'a';
+constexpr xcb_keysym_t kControlKey = 0xFFE3;
 
 PasteboardData bytes(std::string_view text) {
   return {text.begin(), text.end()};
@@ -97,6 +99,14 @@ class X11PasteboardTest : public testing::Test {
     return readFile(output);
   }
   PasteTarget target() const { return {target_.window(), 0}; }
+  // The target hangs: it takes neither keys nor answers.
+  void pasteIntoHangingTarget() {
+    target_.becomeActive();
+    pasteboard_->setContents(text("piece"));
+    pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
+    pasteboard_->setContents(text("the user's password"));
+    ASSERT_TRUE(everythingIsRead()) << "typed keys are held no longer";
+  }
   bool everythingIsRead() {
     return waitUntil([&] { return !pasteboard_->pasteTracker().hasUnreadPaste(); });
   }
@@ -339,8 +349,8 @@ TEST_F(X11PasteboardTest, ServesThePieceToItsTargetAlthoughTheClipboardHasBeenRe
   pasteboard_->setContents(text("piece"));
   pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
   pasteboard_->setContents(text("restored"));
-  EXPECT_EQ(readElsewhere("clipboard"), "restored");
   target_.readTargets(kClipboard);
+  EXPECT_EQ(readElsewhere("clipboard"), "restored");
   EXPECT_TRUE(pasteboard_->pasteTracker().hasUnreadPaste()) << "nobody has read the piece";
 
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
@@ -348,12 +358,55 @@ TEST_F(X11PasteboardTest, ServesThePieceToItsTargetAlthoughTheClipboardHasBeenRe
   EXPECT_TRUE(waitUntil([&] { return target_.readText(kClipboard, "STRING") == "restored"; }));
 }
 
+TEST_F(X11PasteboardTest, ATargetThatHangsGetsThePieceAndNeverTheUsersClipboard) {
+  pasteIntoHangingTarget();
+  // The user is impatient.
+  target_.tapKey(kControlKey);
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
+  EXPECT_TRUE(waitUntil([&] { return target_.readText(kClipboard, "STRING") == "the user's password"; }));
+}
+
+TEST_F(X11PasteboardTest, ATargetThatIgnoredTheChordReadsWhatTheUserPastesIntoItLater) {
+  pasteIntoHangingTarget();
+  ASSERT_TRUE(waitUntil([&] {
+    target_.step();
+    return target_.hasAnsweredPing();
+  }));
+  target_.tapKey(kPlainKey);
+  target_.tapKey(kControlKey);
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "the user's password");
+}
+
+TEST_F(X11PasteboardTest, TypingAloneDoesNotMakeATargetReadTheUsersClipboard) {
+  pasteIntoHangingTarget();
+  ASSERT_TRUE(waitUntil([&] {
+    target_.step();
+    return target_.hasAnsweredPing();
+  }));
+  target_.tapKey(kPlainKey);
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece") << "a part of the program hangs";
+}
+
+TEST_F(X11PasteboardTest, AnotherProcessMayReadForTheTarget) {
+  pasteboard_->setContents(text("piece"));
+  pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
+  pasteboard_->setContents(text("restored"));
+  EXPECT_TRUE(waitUntil([&] { return readElsewhere("clipboard") == "piece"; }));
+  EXPECT_TRUE(everythingIsRead());
+  EXPECT_EQ(readElsewhere("clipboard"), "restored");
+}
+
+TEST_F(X11PasteboardTest, APieceIsForgottenWithTheWindowThatItWasFor) {
+  pasteIntoHangingTarget();
+  target_.disconnect();
+  EXPECT_TRUE(waitUntil([&] { return owner_.readText(kClipboard, kUtf8) == "the user's password"; }));
+}
+
 TEST_F(X11PasteboardTest, NobodyIsToldOfNewContentsBeforeTheTargetHasReadThePiece) {
   pasteboard_->setContents(text("piece"));
   const auto watcher = std::move(X11Pasteboard::connect(display(), queue_, {})).value();
   pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboard);
   pasteboard_->setContents(text("restored"));
-  EXPECT_EQ(readElsewhere("clipboard"), "restored");
   EXPECT_EQ(watcher->changeCount(), 0);
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
   EXPECT_TRUE(waitUntil([&] { return watcher->changeCount() == 1; }));
@@ -400,6 +453,7 @@ TEST_F(X11PasteboardTest, LendsPrimaryToTerminalsAndGivesItBack) {
   ASSERT_TRUE(runUntil([&] { return std::ranges::count(owner_.asked(), kUtf8) == 2; }));
   pasteboard_->setContents(text("piece"));
   pasteboard_->pasteWillBePosted(target(), PasteSelection::clipboardAndPrimary);
+  target_.readTargets(kPrimary);
   EXPECT_EQ(readElsewhere("primary"), "selected by the user");
   EXPECT_EQ(target_.readText(kPrimary, kUtf8), "piece");
   EXPECT_TRUE(everythingIsRead());

@@ -145,6 +145,19 @@ std::optional<XProperty> XConnection::property(xcb_window_t window, xcb_atom_t n
   return XProperty{answer->type, answer->format, {first, first + length}, answer->bytes_after == 0};
 }
 
+void XConnection::selectStructureEvents(xcb_window_t window, bool wanted) const {
+  const auto attributes =
+      reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection_, window));
+  if (!attributes) return;
+  std::uint32_t mask = attributes->your_event_mask;
+  if (wanted) {
+    mask |= XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  } else if (mask == XCB_EVENT_MASK_STRUCTURE_NOTIFY) {
+    mask = XCB_EVENT_MASK_NO_EVENT;
+  }
+  xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+}
+
 xcb_window_t XConnection::createMessageWindow(std::uint32_t eventMask) const {
   const xcb_window_t window = xcb_generate_id(connection_);
   xcb_create_window(connection_, 0, window, root_, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,

@@ -77,6 +77,10 @@ class XConnection {
   std::optional<XProperty> property(xcb_window_t window, xcb_atom_t name,
                                     std::size_t maxBytes = std::size_t{1} << 20U) const;
 
+  // Selects the structure events of another program's window, or stops selecting them, and leaves what else
+  // this connection has selected of it. One round trip.
+  void selectStructureEvents(xcb_window_t window, bool wanted) const;
+
   // An unmapped input-only window of this connection's own, for messages and properties.
   xcb_window_t createMessageWindow(std::uint32_t eventMask) const;
 

@@ -7,18 +7,19 @@
 namespace quorlo {
 
 PasteTracker::Instant PasteTracker::Paste::calmsAt() const {
-  return lastActivity + (delivered ? Instant::duration(kQuiet) : kPatience);
+  if (delivered) return lastActivity + kQuiet;
+  const bool hasBegun = lastActivity != announced;
+  return lastActivity + (hasBegun ? ReaderHabits::kPatience : patience);
 }
 
 PasteTracker::Instant PasteTracker::Paste::closesAt() const {
-  if (!delivered) return calmsAt();
-  // A program that never stops asking is not pasting.
-  return std::max(calmsAt(), std::min(lastVisit + kLinger, announced + kPatience));
+  if (!delivered) return Instant::max();
+  return std::max(calmsAt(), std::min(lastVisit + kLinger, *delivered + kLongestRead));
 }
 
 bool PasteTracker::hasUnreadPaste() const {
   const std::lock_guard lock(mutex_);
-  return std::ranges::any_of(pastes_, [](const Paste& paste) { return !paste.delivered; });
+  return std::ranges::any_of(pastes_, &Paste::isAwaited);
 }
 
 PasteTracker::Instant PasteTracker::lastProgress() const {
@@ -30,13 +31,19 @@ Subscription PasteTracker::observe(std::function<void()> changed) {
   return observers_.add(std::move(changed));
 }
 
-void PasteTracker::announce(const ClientIdentity& target, PasteSelection selection, Offer offer,
-                            Instant now) {
+void PasteTracker::announce(const Target& target, PasteSelection selection, Offer offer, Instant now) {
   {
     const std::lock_guard lock(mutex_);
-    pastes_.push_back({++lastPaste_, target, selection, std::move(offer), now, now, now, {}});
+    const auto patience = habits_.patienceWith(target.client);
+    pastes_.push_back(
+        {++lastPaste_, target, selection, std::move(offer), now, patience, now, now, {}, std::nullopt});
   }
   observers_.notify();
+}
+
+void PasteTracker::contentsChanged(Instant now) {
+  const std::lock_guard lock(mutex_);
+  habits_.contentsChanged(now);
 }
 
 std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdentity& reader, bool fromPrimary,
@@ -44,8 +51,24 @@ std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdenti
   closeFinished(now);
   const bool isContent = !isProtocolTarget(target) && !isMarkerTarget(target);
   const std::lock_guard lock(mutex_);
+  const auto paste = pasteReadBy(reader, fromPrimary, target);
+  if (paste == pastes_.end()) {
+    return isContent ? readingForTarget(reader, fromPrimary, now) : std::nullopt;
+  }
+  paste->lastVisit = now;
+  if (isContent) {
+    const bool isNew = paste->asked.emplace(target).second;
+    if (paste->delivered && isNew) paste->lastActivity = now;
+  }
+  return Reading{paste->id, paste->offer};
+}
+
+// The paste that a request of its target's belongs to. Ends those before that have been read.
+PasteTracker::Pastes::iterator PasteTracker::pasteReadBy(const ClientIdentity& reader, bool fromPrimary,
+                                                         std::string_view target) {
+  const bool isContent = !isProtocolTarget(target) && !isMarkerTarget(target);
   const auto isReaders = [&](const Paste& paste) {
-    return paste.target.isSameProgramAs(reader) &&
+    return paste.target.client.isSameProgramAs(reader) &&
            (!fromPrimary || paste.selection == PasteSelection::clipboardAndPrimary);
   };
   auto paste = std::ranges::find_if(pastes_, isReaders);
@@ -61,13 +84,24 @@ std::optional<PasteTracker::Reading> PasteTracker::readingFor(const ClientIdenti
     pastes_.erase(paste);
     paste = std::ranges::find(pastes_, nextId, &Paste::id);
   }
-  if (paste == pastes_.end()) return std::nullopt;
-  paste->lastVisit = now;
-  if (isContent) {
-    const bool isNew = paste->asked.emplace(target).second;
-    if (paste->delivered && isNew) paste->lastActivity = now;
+  return paste;
+}
+
+// Another process may read for the target. The piece is still kept for the target itself, in case that it
+// was somebody else's read after all.
+std::optional<PasteTracker::Reading> PasteTracker::readingForTarget(const ClientIdentity& reader,
+                                                                    bool fromPrimary, Instant now) {
+  const auto paste = std::ranges::find_if(pastes_, &Paste::isAwaited);
+  if (paste == pastes_.end() || now < paste->announced + kEarliestRead) {
+    habits_.readUnasked(reader, now);
+    return std::nullopt;
   }
-  return Reading{paste->id, paste->offer};
+  const bool targetIsReading = paste->lastVisit != paste->announced;
+  const bool isFromThere = !fromPrimary || paste->selection == PasteSelection::clipboardAndPrimary;
+  if (habits_.isClipboardManager(reader) || targetIsReading || !isFromThere) return std::nullopt;
+  paste->isLate = true;
+  habits_.hasRead(paste->target.client);
+  return Reading{0, paste->offer};
 }
 
 void PasteTracker::progressed(PasteId paste, Instant now) {
@@ -83,9 +117,11 @@ void PasteTracker::delivered(PasteId paste, Instant now) {
   {
     const std::lock_guard lock(mutex_);
     lastProgress_ = now;
-    if (auto* found = find(paste)) {
-      if (!found->delivered) found->lastActivity = now;
-      found->delivered = true;
+    if (auto* found = find(paste); found != nullptr && !found->delivered) {
+      found->lastActivity = now;
+      found->delivered = now;
+      found->isLate = false;
+      habits_.hasRead(found->target.client);
     }
   }
   observers_.notify();
@@ -96,17 +132,23 @@ bool PasteTracker::hasOpenPaste() const {
   return !pastes_.empty();
 }
 
+bool PasteTracker::hasPasteUnderWay() const {
+  const std::lock_guard lock(mutex_);
+  return std::ranges::any_of(pastes_, [](const Paste& paste) { return !paste.isLate; });
+}
+
 bool PasteTracker::isBusy(const ClientIdentity& target, Instant now) const {
   const std::lock_guard lock(mutex_);
   return std::ranges::any_of(pastes_, [&](const Paste& paste) {
-    return paste.target.isSameProgramAs(target) && paste.calmsAt() > now;
+    return !paste.isLate && paste.target.client.isSameProgramAs(target) && paste.calmsAt() > now;
   });
 }
 
 void PasteTracker::closeDelivered(const ClientIdentity& target) {
   const std::lock_guard lock(mutex_);
-  std::erase_if(pastes_,
-                [&](const Paste& paste) { return paste.delivered && paste.target.isSameProgramAs(target); });
+  std::erase_if(pastes_, [&](const Paste& paste) {
+    return paste.delivered && paste.target.client.isSameProgramAs(target);
+  });
 }
 
 bool PasteTracker::hasOpenPasteFromPrimary() const {
@@ -116,22 +158,43 @@ bool PasteTracker::hasOpenPasteFromPrimary() const {
 }
 
 std::optional<PasteTracker::Instant> PasteTracker::closeFinished(Instant now) {
-  bool closedUnread = false;
+  bool someBecameLate = false;
   std::optional<Instant> next;
   {
     const std::lock_guard lock(mutex_);
-    std::erase_if(pastes_, [&](const Paste& paste) {
-      if (paste.closesAt() > now) return false;
-      closedUnread = closedUnread || !paste.delivered;
-      return true;
-    });
-    for (const auto& paste : pastes_) {
+    std::erase_if(pastes_, [&](const Paste& paste) { return paste.closesAt() <= now; });
+    for (auto& paste : pastes_) {
+      if (paste.isAwaited() && paste.calmsAt() <= now) {
+        paste.isLate = someBecameLate = true;
+        habits_.leftUnread(paste.target.client);
+      }
+      if (paste.isLate) continue;
       const auto due = paste.calmsAt() > now ? paste.calmsAt() : paste.closesAt();
       next = std::min(next.value_or(due), due);
     }
   }
-  if (closedUnread) observers_.notify();
+  if (someBecameLate) observers_.notify();
   return next;
+}
+
+std::vector<PasteTracker::Late> PasteTracker::latePastes() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<Late> result;
+  for (const auto& paste : pastes_) {
+    if (paste.isLate) result.push_back({paste.id, paste.target});
+  }
+  return result;
+}
+
+void PasteTracker::close(PasteId paste) {
+  const std::lock_guard lock(mutex_);
+  std::erase_if(pastes_, [&](const Paste& each) { return each.id == paste; });
+}
+
+void PasteTracker::closeLate(bool fromPrimary) {
+  const auto selection = fromPrimary ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard;
+  const std::lock_guard lock(mutex_);
+  std::erase_if(pastes_, [&](const Paste& paste) { return paste.isLate && paste.selection == selection; });
 }
 
 PasteTracker::Paste* PasteTracker::find(PasteId paste) {

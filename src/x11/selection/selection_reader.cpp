@@ -353,22 +353,8 @@ void SelectionReader::watchOwner(Read& read, xcb_window_t owner) {
   const auto isWatched = [this](xcb_window_t window) {
     return std::ranges::find(reads_, window, &Read::owner) != reads_.end();
   };
-  if (owner != XCB_WINDOW_NONE) selectEndOf(owner, true);
-  if (former != XCB_WINDOW_NONE && !isWatched(former)) selectEndOf(former, false);
-}
-
-// A window that owns a selection may also be the requestor of a transfer, which selects events of its own.
-void SelectionReader::selectEndOf(xcb_window_t window, bool wanted) {
-  const auto attributes =
-      x_.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x_.get(), window));
-  if (!attributes) return;
-  std::uint32_t mask = attributes->your_event_mask;
-  if (wanted) {
-    mask |= XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-  } else if (mask == XCB_EVENT_MASK_STRUCTURE_NOTIFY) {
-    mask = XCB_EVENT_MASK_NO_EVENT;
-  }
-  xcb_change_window_attributes(x_.get(), window, XCB_CW_EVENT_MASK, &mask);
+  if (owner != XCB_WINDOW_NONE) x_.selectStructureEvents(owner, true);
+  if (former != XCB_WINDOW_NONE && !isWatched(former)) x_.selectStructureEvents(former, false);
 }
 
 }  // namespace quorlo

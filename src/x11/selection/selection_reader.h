@@ -26,8 +26,8 @@ struct SelectionCopy {
 
 // What a copy may cost. Encoding a picture of two large screens takes an owner five seconds.
 struct ReadBudget {
-  std::size_t bytes = std::size_t{64} << 20U;
-  std::chrono::milliseconds silence{1000};  // without an answer or a part of one
+  std::size_t bytes = std::size_t{256} << 20U;
+  std::chrono::milliseconds silence{30'000};  // without an answer or a part of one
 };
 
 // Copies what other programs offer in a selection, within a budget. All targets are asked for at once,
@@ -106,7 +106,6 @@ class SelectionReader {
   void logLosses(const Read& read, const std::vector<PasteboardLoss>& losses) const;
   void watchSilence(Read& read);
   void watchOwner(Read& read, xcb_window_t owner);
-  void selectEndOf(xcb_window_t window, bool wanted);
   void ownerEnded(xcb_window_t owner);
 
   XConnection& x_;

@@ -23,6 +23,11 @@ SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget bu
       owner_(x, loop, tracker_, std::move(runProvider)),
       reader_(x, loop),
       primary_(owner_, reader_),
+      late_(x,
+            [this](PasteTracker::PasteId paste) {
+              tracker_.close(paste);
+              closeFinishedPastes();
+            }),
       clipboard_(x.atom("CLIPBOARD")),
       clipboardManager_(x.atom("CLIPBOARD_MANAGER")) {
   if (const auto* xfixes = x.extension(xcb_xfixes_id)) {
@@ -50,6 +55,7 @@ void SelectionServer::handleEvent(const xcb_generic_event_t& event) {
     const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
     if (notify.selection == clipboardManager_) return std::exchange(handedOver_, nullptr)();
   }
+  late_.handleEvent(event);
   owner_.handleEvent(event);
   reader_.handleEvent(event);
   if (type == XCB_SELECTION_REQUEST || type == XCB_PROPERTY_NOTIFY) closeFinishedPastes();
@@ -58,25 +64,30 @@ void SelectionServer::handleEvent(const xcb_generic_event_t& event) {
 void SelectionServer::setClipboard(Offer offer) {
   reader_.taken(clipboard_);
   // A target that hears of a new clipboard while it is pasting may drop the paste, as Chromium does.
-  if (tracker_.hasOpenPaste() && owner_.owns(clipboard_)) {
+  if (tracker_.hasPasteUnderWay() && owner_.owns(clipboard_)) {
     owner_.replaceQuietly(clipboard_, std::move(offer));
     announcementIsDue_ = true;
     return;
   }
   announcementIsDue_ = false;
-  if (!owner_.take(clipboard_, std::move(offer)) && !x_.lost()) {
+  if (!takeClipboard(std::move(offer)) && !x_.lost()) {
     logWarning("WARNING: #x11sS1; Another program took the clipboard while it was being set.");
   }
 }
 
+bool SelectionServer::takeClipboard(Offer offer, xcb_timestamp_t time) {
+  tracker_.contentsChanged(PasteTracker::Clock::now());
+  return owner_.take(clipboard_, std::move(offer), time);
+}
+
 bool SelectionServer::setClipboardIfUnchanged(Offer offer, std::int64_t foreignChanges) {
   if (foreignChanges_ != foreignChanges) return false;
-  if (tracker_.hasOpenPaste() && owner_.stillOwns(clipboard_)) {
+  if (tracker_.hasPasteUnderWay() && owner_.stillOwns(clipboard_)) {
     setClipboard(std::move(offer));
     return true;
   }
   const auto lastChange = owner_.owns(clipboard_) ? owner_.since(clipboard_) : lastForeignChange_;
-  if (!owner_.take(clipboard_, std::move(offer), lastChange)) return false;
+  if (!takeClipboard(std::move(offer), lastChange)) return false;
   reader_.taken(clipboard_);
   announcementIsDue_ = false;
   return true;
@@ -93,8 +104,9 @@ void SelectionServer::announcePaste(const PasteTarget& target, PasteSelection se
   const Offer piece = clipboardOffer();
   if (!piece || !client.isKnown()) return done();
 
-  const auto announce = [this, client, selection, piece, done = std::move(done)] {
-    tracker_.announce(client, selection, piece, PasteTracker::Clock::now());
+  const PasteTracker::Target recipient{client, target.window};
+  const auto announce = [this, recipient, selection, piece, done = std::move(done)] {
+    tracker_.announce(recipient, selection, piece, PasteTracker::Clock::now());
     closeFinishedPastes();
     done();
   };
@@ -119,8 +131,16 @@ void SelectionServer::runWhatIsInTurn() {
     const auto next = std::move(first);
     waiting_.erase(waiting_.begin());
     tracker_.closeDelivered(next.target);
+    closeIgnoredPastes(next.target);
     tellOfNewContents();
     next.task();
+  }
+}
+
+// A target that is not busy has ignored the chords before, and reads the next piece first.
+void SelectionServer::closeIgnoredPastes(const ClientIdentity& target) {
+  for (const auto& late : tracker_.latePastes()) {
+    if (late.target.client.isSameProgramAs(target) && late_.isIgnored(late.paste)) tracker_.close(late.paste);
   }
 }
 
@@ -143,14 +163,15 @@ void SelectionServer::ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb
     lastForeignChange_ = since;
     ++foreignChanges_;
   }
+  tracker_.closeLate(selection == XCB_ATOM_PRIMARY);
   if (selection == XCB_ATOM_PRIMARY && !owner_.owns(XCB_ATOM_PRIMARY)) primary_.ownerChanged();
   reader_.ownerChanged(selection, owner);
 }
 
 void SelectionServer::tellOfNewContents() {
-  if (!announcementIsDue_ || tracker_.hasOpenPaste()) return;
+  if (!announcementIsDue_ || tracker_.hasPasteUnderWay()) return;
   announcementIsDue_ = false;
-  if (owner_.owns(clipboard_)) owner_.take(clipboard_, clipboardOffer(), owner_.since(clipboard_));
+  if (owner_.owns(clipboard_)) takeClipboard(clipboardOffer(), owner_.since(clipboard_));
 }
 
 void SelectionServer::closeFinishedPastes() {
@@ -158,6 +179,7 @@ void SelectionServer::closeFinishedPastes() {
   if (const auto next = tracker_.closeFinished(PasteTracker::Clock::now())) {
     pasteTimer_ = loop_.runAt(*next, [this] { closeFinishedPastes(); });
   }
+  late_.follow(tracker_.latePastes());
   tellOfNewContents();
   runWhatIsInTurn();
   if (!tracker_.hasOpenPasteFromPrimary()) primary_.pastesAreOver();

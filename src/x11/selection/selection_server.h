@@ -3,6 +3,7 @@
 #include "x11/connection/x_connection.h"
 #include "x11/connection/x_event_loop.h"
 #include "x11/selection/borrowed_primary.h"
+#include "x11/selection/late_paste_watch.h"
 #include "x11/selection/paste_target.h"
 #include "x11/selection/paste_tracker.h"
 #include "x11/selection/selection_owner.h"
@@ -56,7 +57,9 @@ class SelectionServer {
  private:
   void watch(xcb_atom_t selection);
   void ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since);
+  bool takeClipboard(Offer offer, xcb_timestamp_t time = XCB_CURRENT_TIME);
   void tellOfNewContents();
+  void closeIgnoredPastes(const ClientIdentity& target);
   void closeFinishedPastes();
   // Runs the task once no earlier paste into the program is under way, or the patience is at its end.
   void inTurn(const ClientIdentity& target, std::function<void()> task);
@@ -69,6 +72,7 @@ class SelectionServer {
   SelectionOwner owner_;
   SelectionReader reader_;
   BorrowedPrimary primary_;
+  LatePasteWatch late_;
   xcb_atom_t clipboard_;
   xcb_atom_t clipboardManager_;
   std::uint8_t xfixesEvent_ = 0;

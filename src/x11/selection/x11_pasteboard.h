@@ -44,7 +44,7 @@ class X11Pasteboard : public Pasteboard {
   std::int64_t changeCount() const override;
 
   // To be called on the main thread before a paste chord is posted. From then on the target is served
-  // the contents as they are now, until it has read them, 2 s at most, whatever is set meanwhile. Waits
+  // the contents as they are now until it has read them, whatever is set meanwhile (see PasteTracker). Waits
   // until the paste before into the same program is over (60 ms after its last read), 1 s at most: when
   // two are under way at once, nothing tells which of them a read is for. With clipboardAndPrimary the
   // contents can be read from PRIMARY too when the call returns.
