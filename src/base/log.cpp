@@ -2,6 +2,7 @@
 
 #include "base/recent_log_tags.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -60,6 +61,13 @@ void logDebug(std::string_view line) {
 
 void setDebugLogging(bool on) {
   log().debug = on;
+}
+
+std::string userText(std::string_view text) {
+  if (log().debug) return std::string(text);
+  // Every byte but those that continue a character.
+  const auto count = std::ranges::count_if(text, [](char byte) { return (byte & 0xC0) != 0x80; });
+  return "(" + std::to_string(count) + (count == 1 ? " character)" : " characters)");
 }
 
 Subscription redirectLog(LogSink sink) {

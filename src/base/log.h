@@ -3,6 +3,7 @@
 #include "base/subscription.h"
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 namespace quorlo {
@@ -10,8 +11,8 @@ namespace quorlo {
 // The program's log: one line per call, to standard error. Any thread.
 //
 // A call site passes the whole line, its tag included, so that a line in a log can be searched for in
-// the source: logError("ERROR: #23854; Couldn't fetch Snippet. " + text). Lines never hold text that
-// the user typed unless the line's own documentation says so.
+// the source: logError("ERROR: #23854; Couldn't fetch Snippet. " + message). Texts of the user stand in it by
+// userText() alone.
 void logError(std::string_view line);
 void logWarning(std::string_view line);
 void logInfo(std::string_view line);
@@ -19,6 +20,10 @@ void logInfo(std::string_view line);
 // Written only while debug mode is on.
 void logDebug(std::string_view line);
 void setDebugLogging(bool on);
+
+// A text of the user (a snippet or a part of it, a title, an abbreviation) as it may stand in a line: itself
+// while debug mode is on, otherwise its length, as "(12 characters)". UTF-8.
+std::string userText(std::string_view text);
 
 enum class LogLevel { error, warning, info, debug };
 

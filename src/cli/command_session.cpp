@@ -2,6 +2,7 @@
 
 #include "app/settings/settings_controller.h"
 #include "app/settings/stored_user_defaults.h"
+#include "base/core_dumps.h"
 #include "base/log.h"
 #include "cli/error_text.h"
 #include "cli/library_access.h"
@@ -77,6 +78,7 @@ SettingsController& CommandSession::settings() {
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> CommandSession::openLibrary() {
+  allowCoreDumps(settings().debugModeEnabled());
   if (libraryIsMissing(environment())) {
     note("There is no library yet. The first \"quorlo add\" or \"quorlo import\" begins one.");
     return emptyLibrary(environment());
@@ -85,6 +87,7 @@ Result<std::unique_ptr<ManagedObjectContext>> CommandSession::openLibrary() {
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> CommandSession::beginLibrary() {
+  allowCoreDumps(settings().debugModeEnabled());
   return openOrBeginLibrary(environment());
 }
 

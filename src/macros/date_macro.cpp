@@ -38,9 +38,9 @@ std::u16string renderDateMacro(std::u16string_view macroString, Moment date, Dat
   if (offset == DateOffset::apply) date = dateOfMacro(macroString, date, formatter);
 
   const auto dateFormat = dateAndTimeMacroDateFormat(*dateLength);
-  if (!dateFormat) logWarning("WARNING: #f4rvcev " + toUtf8(*dateLength));
+  if (!dateFormat) logWarning("WARNING: #f4rvcev " + userText(toUtf8(*dateLength)));
   const auto timeFormat = dateAndTimeMacroDateFormat(*timeLength);
-  if (!timeFormat) logWarning("WARNING: #6hzrt6nn - " + toUtf8(*timeLength));
+  if (!timeFormat) logWarning("WARNING: #6hzrt6nn - " + userText(toUtf8(*timeLength)));
 
   std::u16string text;
   if (dateFormat == Format::custom) text = customPart(u"dateFormat", macroString, date, formatter);
@@ -63,7 +63,7 @@ Moment dateOfMacro(std::u16string_view macroString, Moment now, const DateAndTim
   const auto mathType = valueForArgument(u"mathType", macroString).value_or(std::u16string());
   const auto unit = dateAndTimeMacroMathType(mathType);
   if (!unit) {
-    logWarning("WARNING: #43fzuewin - " + toUtf8(mathType));
+    logWarning("WARNING: #43fzuewin - " + userText(toUtf8(mathType)));
     return now;
   }
   const auto amount = readInteger(*math).value_or(0);

@@ -65,7 +65,7 @@ class Evaluation {
       case MacroType::snippet:
         // Typing out its markup would help nobody.
         return logWarning("WARNING: #nst3Lev - Snippets are nested too deeply, left out: " +
-                          toUtf8(macroString));
+                          userText(toUtf8(macroString)));
       case MacroType::clipboard:
         return insertClipboard(macroString, attributes);
       case MacroType::cursor:
@@ -109,11 +109,12 @@ class Evaluation {
     const auto value = valueForArgument(u"value", macroString);
     if (value && *value != u"combi") {
       if (specialKeyFromRawValue(*value)) return addKey({here(), toUtf8(*value)});
-      return logWarning("WARNING: #uz84KKlK - " + toUtf8(*value));
+      return logWarning("WARNING: #uz84KKlK - " + userText(toUtf8(*value)));
     }
     const auto code = readNumber<KeyCode>(u"code", macroString);
     if (!code) {
-      return logWarning("WARNING: #skM7kno - A special key names no key, left out: " + toUtf8(macroString));
+      return logWarning("WARNING: #skM7kno - A special key names no key, left out: " +
+                        userText(toUtf8(macroString)));
     }
     const auto flags = readNumber<ModifierFlags>(u"modFlags", macroString).value_or(0);
     addKey({here(), std::string(kCombinationKey), KeyCombination{*code, flags}});

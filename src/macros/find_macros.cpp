@@ -37,7 +37,7 @@ void findMacrosOfType(MacroType type, bool shortEndings, std::u16string_view tex
     });
     if (sign == signs.end()) {
       // No later opening of this type can have a closing either.
-      logWarning("WARNING: #3ddsdsc string may contain unsupported macros: " + toUtf8(text));
+      logWarning("WARNING: #3ddsdsc string may contain unsupported macros: " + userText(toUtf8(text)));
       logDebug(fmt::format("The macro of type {} at {} is not closed.", toUtf8(name), start));
       return;
     }

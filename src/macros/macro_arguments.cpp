@@ -54,7 +54,7 @@ std::optional<std::u16string> valueForArgument(std::u16string_view name, std::u1
   if (!range) return std::nullopt;
   if (range->end() > macroString.size()) {
     logError(fmt::format("ERROR: #CJEEIJef {{{}, {}}}, {}, {}", range->location, range->length,
-                         macroString.size(), toUtf8(macroString)));
+                         macroString.size(), userText(toUtf8(macroString))));
     return std::nullopt;
   }
   return unescapeMacroValue(macroString.substr(range->location, range->length));

@@ -84,7 +84,7 @@ std::optional<AttributedString> SnippetPasses::replacement(TextRange range, std:
   const auto& characters = text_.string();
   if (range.end() > characters.size()) {
     logError(fmt::format("ERROR: #yjJEß1 {{{}, {}}}, {}, {}", range.location, range.length, characters.size(),
-                         toUtf8(characters)));
+                         userText(toUtf8(characters))));
     return std::nullopt;
   }
   const auto macro = std::u16string_view(characters).substr(range.location, range.length);
@@ -102,7 +102,7 @@ std::optional<AttributedString> SnippetPasses::replacement(TextRange range, std:
   if (isCut_ || found->size() > room) {
     if (!std::exchange(isCut_, true)) {
       logWarning("WARNING: #nst7Lim - Nested snippets are too long together, left out from: " +
-                 toUtf8(*abbreviation));
+                 userText(toUtf8(*abbreviation)));
     }
     return AttributedString();
   }

@@ -1,5 +1,6 @@
 #include "program/program.h"
 
+#include "base/core_dumps.h"
 #include "base/log.h"
 #include "macros/find_macros.h"
 #include "program/crash_report.h"
@@ -31,6 +32,7 @@ Status addLibrary(PersistenceController& persistence, const std::filesystem::pat
   const auto report = readLibraryFile(file, persistence.managedObjectContext());
   if (!report) return report.error();
   persistence.save();
+  logWarnings(report.value());
   logInfo(fmt::format("Added {} snippets from {}.", report.value().addedSnippets.size(), file.string()));
   return {};
 }
@@ -67,6 +69,8 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
     return std::unique_ptr<Program>();
   }
 
+  // Until debug mode says otherwise.
+  allowCoreDumps(false);
   auto library =
       PersistenceController::open(ground->queue, ground->environment, {.findMacroStrings = findMacroStrings});
   if (!library) return library.error();

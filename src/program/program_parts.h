@@ -10,6 +10,7 @@
 #include "app/shell/navigation_model.h"
 #include "app/shell/ql_snippet_status_menu_view_controller.h"
 #include "app/shell/starter_offer.h"
+#include "base/core_dumps.h"
 #include "base/localized.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
@@ -115,8 +116,8 @@ struct Program::Parts {
                                 const auto user = persistence.currentUser();
                                 return user ? user->creationDate() : std::nullopt;
                               }};
-  DebugMode debugMode{
-      {settings, [this] { return environment.now(); }, environment.dataDirectory(), reopenStandardError}};
+  DebugMode debugMode{{settings, [this] { return environment.now(); }, environment.dataDirectory(),
+                       reopenStandardError, allowCoreDumps}};
   SoundManager sound{settings, environment, player, background};
   QuotationMarks quotationMarks;
   AccessibilityManager accessibility{

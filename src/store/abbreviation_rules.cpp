@@ -30,7 +30,7 @@ std::optional<std::u16string> AbbreviationRules::validate(std::u16string_view ab
   if (const auto fault = faultOfAbbreviation(abbreviation)) {
     switch (*fault) {
       case AbbreviationFault::illegalCharacters:
-        logInfo("abbreviation " + toUtf8(abbreviation) + " contains illegal characters");
+        logInfo("abbreviation " + userText(toUtf8(abbreviation)) + " contains illegal characters");
         return localized(u"The abbreviation contains one or more illegal characters.");
       case AbbreviationFault::tooLong:
         logInfo("abbreviation is too long: " + std::to_string(graphemeCount(abbreviation)) + " characters");

@@ -11,6 +11,7 @@
 #include "store/ql_snippet.h"
 #include "text/utf.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -116,25 +117,37 @@ class LibraryInsertion {
     report_.added.push_back(snippet);
   }
 
-  std::optional<std::string> obstacleFor(const SnippetExchange& form, const QLCategory* folder) const {
+  // The snippet that has the abbreviation is named to the user, not in the log.
+  struct Obstacle {
+    std::string reason;
+    std::string holder;
+  };
+
+  std::optional<Obstacle> obstacleFor(const SnippetExchange& form, const QLCategory* folder) const {
     if (const auto fault = faultOfAbbreviation(form.abbreviation)) {
-      return *fault == AbbreviationFault::tooLong ? "is longer than 30 characters" : "contains a space";
+      return Obstacle{
+          *fault == AbbreviationFault::tooLong ? "is longer than 30 characters" : "contains a space", {}};
     }
     const bool isShared =
         folder != nullptr && folder->sourceType() == static_cast<std::int64_t>(SourceType::Public);
     if (isShared) return std::nullopt;
     const auto holder = context_.liveSnippet(form.abbreviation);
     if (!holder || !holder.value()) return std::nullopt;
-    return "is already in use by \"" + toUtf8(holder.value()->displayTitle()) + "\"";
+    return Obstacle{"is already in use", " by \"" + toUtf8(holder.value()->displayTitle()) + "\""};
   }
 
   void warn(const std::shared_ptr<QLSnippet>& snippet, std::u16string_view abbreviation,
-            const std::string& obstacle) {
-    const auto message = "The abbreviation \"" + toUtf8(abbreviation) + "\" of \"" +
-                         toUtf8(snippet->displayTitle()) + "\" " + obstacle +
-                         "; the snippet was kept without it.";
-    logWarning("WARNING: #ldc7Abr - " + message);
-    report_.warnings.push_back({snippet, message});
+            const Obstacle& obstacle) {
+    constexpr std::string_view kEnd = "; the snippet was kept without it.";
+    const auto title = fmt::format("\"{}\"", toUtf8(snippet->displayTitle()));
+    report_.warnings.push_back(
+        {snippet,
+         fmt::format("The abbreviation \"{}\" of {} {}{}{}", toUtf8(abbreviation), title, obstacle.reason,
+                     obstacle.holder, kEnd),
+         // A title that the document does not give is a piece of the text.
+         fmt::format("The abbreviation of {} {}{}",
+                     snippet->titleIsCustom() ? title : "the snippet " + snippet->uuid(), obstacle.reason,
+                     kEnd)});
   }
 
   QLApp& app(const std::string& bundleID, AppType type) {
@@ -171,6 +184,10 @@ Result<LibraryExchange> parseLibrary(std::string_view json) {
 }
 
 }  // namespace
+
+void logWarnings(const LibraryReadReport& report) {
+  for (const auto& each : report.warnings) logWarning("WARNING: #ldc7Abr - " + each.logLine);
+}
 
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,
                                       ManagedObjectContext& context, QLCategory* destination) {

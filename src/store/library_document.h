@@ -22,11 +22,11 @@ struct LibraryReadReport {
   std::vector<std::shared_ptr<QLCategory>> addedFolders;
   std::vector<std::shared_ptr<ManagedObject>> added;  // all of it, in the order in which it came
   std::size_t presentSnippets = 0;                    // in the library already, left as they were
-  // A snippet that was kept without its abbreviation, and the whole sentence, with abbreviation and titles,
-  // that says why; logged too.
+  // A snippet that was kept without its abbreviation.
   struct Warning {
     std::shared_ptr<QLSnippet> snippet;
-    std::string message;
+    std::string message;  // why, in a whole sentence with abbreviation and titles
+    std::string logLine;  // the same without the user's texts but for the title that was given to the snippet
   };
   std::vector<Warning> warnings;
 };
@@ -40,6 +40,9 @@ struct LibraryReadReport {
 // With a destination, a folder of the user's own, all snippets go there and no folder is added.
 Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context,
                                           QLCategory* destination = nullptr);
+
+// For callers that show no report.
+void logWarnings(const LibraryReadReport& report);
 
 // `name` stands for the document in messages.
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,

@@ -57,7 +57,7 @@ void purgeTrash(ManagedObjectContext& context, Date now, const std::string& time
       loggedFetch<QLSnippet>(context, {.predicate = QLSnippet::kDeletionDate.atMost(limit).inParentheses()},
                              "ERROR: #tpg8Lw2; Couldn't fetch Snippets. ");
   for (const auto& each : snippets) {
-    logInfo("Automatically deleting trashed snippet with the name '" + toUtf8(each->title()) +
+    logInfo("Automatically deleting trashed snippet with the name '" + userText(toUtf8(each->title())) +
             "' after 30 days.");
     context.deleteObject(*each);
   }
@@ -68,7 +68,7 @@ void fixEmptyAbbreviations(ManagedObjectContext& context) {
                                                "ERROR: #fea3Xn7; Couldn't fetch Snippets. ");
   logInfo(fmt::format("Found {} snippets with wrong empty abbreviation", snippets.size()));
   for (const auto& each : snippets) {
-    logInfo("Automatically fixing " + toUtf8(each->title()));
+    logInfo("Automatically fixing " + userText(toUtf8(each->title())));
     each->setAbbreviation(u"");
   }
 }
@@ -93,7 +93,7 @@ Status migrateFolders(ManagedObjectContext& context) {
   const auto allSnippets = builtInFolder(context, CategoryType::AllSnippets);
   if (!allSnippets) return Error{"the library has no folder for all snippets"};
   for (const auto& each : snippets.value()) {
-    logInfo(toUtf8(each->title()) + " has no category. Moving to All Snippets.");
+    logInfo(userText(toUtf8(each->title())) + " has no category. Moving to All Snippets.");
     each->setCategory(allSnippets.get());
   }
   return {};
@@ -133,7 +133,7 @@ void mergeDuplicateFolders(ManagedObjectContext& context) {
         "ERROR: #mdf2Vb6; Couldn't fetch Categories. ");
     for (const auto& group : duplicateFolders(folders)) {
       for (const auto& each : group.duplicates) {
-        logInfo("Deleting duplicate folder " + toUtf8(each->title()));
+        logInfo("Deleting duplicate folder " + userText(toUtf8(each->title())));
         mergeFolder(*each, *group.survivor);
       }
     }

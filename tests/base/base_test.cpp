@@ -16,6 +16,14 @@
 namespace quorlo {
 namespace {
 
+TEST(Log, ATextOfTheUserIsShownInDebugModeOnly) {
+  EXPECT_EQ(userText("Grüße"), "(5 characters)");
+  EXPECT_EQ(userText("x"), "(1 character)");
+  setDebugLogging(true);
+  EXPECT_EQ(userText("Grüße"), "Grüße");
+  setDebugLogging(false);
+}
+
 TEST(SharedObserversTest, ASubscriptionMayEndInsideItsOwnCallbackAndWaitsForOneOnAnotherThread) {
   SharedObservers observers;
   int calls = 0;

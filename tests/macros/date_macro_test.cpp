@@ -71,7 +71,8 @@ TEST_F(DateMacro, LogsUnknownLengthsAndLeavesThemOut) {
   CapturedLog log;
   EXPECT_EQ(render("dateLength=tiny:timeLength=short"), "09:05");
   EXPECT_EQ(render("dateLength=short:timeLength=:timeFormat=%HH"), "14.11.23");
-  EXPECT_EQ(log.lines(), (std::vector<std::string>{"WARNING: #f4rvcev tiny", "WARNING: #6hzrt6nn - "}));
+  EXPECT_EQ(log.lines(), (std::vector<std::string>{"WARNING: #f4rvcev (4 characters)",
+                                                   "WARNING: #6hzrt6nn - (0 characters)"}));
   EXPECT_EQ(render("dateLength=short"), "Unsupported macro format");
 }
 
@@ -117,7 +118,7 @@ TEST_F(DateMacro, OffsetsOnlyWhereAskedToAndByKnownUnits) {
   CapturedLog log;
   EXPECT_EQ(render(arguments + "weeks"), "14.11.23");
   EXPECT_EQ(render("dateLength=short:timeLength=none:mathType=weeks"), "14.11.23");
-  EXPECT_EQ(log.lines(), std::vector<std::string>{"WARNING: #43fzuewin - weeks"});
+  EXPECT_EQ(log.lines(), std::vector<std::string>{"WARNING: #43fzuewin - (5 characters)"});
 }
 
 }  // namespace

@@ -90,9 +90,8 @@ TEST(FindMacros, LeavesAnOpeningWithoutAnEndAndWarnsOnceForItsType) {
   const CapturedLog log;
   EXPECT_EQ(findMacroStrings(u"%date:x %date:y %cursor%"), std::vector<std::u16string>{u"%cursor%"});
   EXPECT_TRUE(findMacros(u"in the last place: %date").empty());
-  EXPECT_EQ(log.lines(),
-            std::vector<std::string>{
-                "WARNING: #3ddsdsc string may contain unsupported macros: %date:x %date:y %cursor%"});
+  EXPECT_EQ(log.lines(), std::vector<std::string>{
+                             "WARNING: #3ddsdsc string may contain unsupported macros: (24 characters)"});
 }
 
 TEST(MacroTokens, StandForMacrosInTheEditorAndTurnBackIntoMarkup) {

@@ -24,7 +24,7 @@ TEST(AbbreviationRules, LookAtCharactersThenAtLengthThenAtOtherSnippets) {
   const std::u16string kIllegal = u"The abbreviation contains one or more illegal characters.";
   EXPECT_EQ(library.message(std::u16string(39, u'a') + u" ", *edited), kIllegal);
   EXPECT_EQ(library.message(u"a\u00A0b", *edited), kIllegal);
-  EXPECT_EQ(library.log.back(), "abbreviation a\u00A0b contains illegal characters");
+  EXPECT_EQ(library.log.back(), "abbreviation (3 characters) contains illegal characters");
   EXPECT_EQ(library.message(u"a\tb\n", *edited), u"");
   std::u16string flags;
   for (int i = 0; i < 30; ++i) flags += u"🇩🇪";

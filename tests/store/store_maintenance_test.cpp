@@ -35,8 +35,9 @@ TEST(StoreMaintenance, PurgesWhatHasBeenInTheTrashForThirtyCalendarDaysToTheSeco
   library.log.clear();
   library.controller.purgeTrash();
   EXPECT_EQ(library.titles({}), (std::vector<std::u16string>{u"a second later", u"live"}));
-  EXPECT_EQ(library.log, std::vector<std::string>{
-                             "Automatically deleting trashed snippet with the name 'due' after 30 days."});
+  EXPECT_EQ(library.log,
+            std::vector<std::string>{
+                "Automatically deleting trashed snippet with the name '(3 characters)' after 30 days."});
   library.queue.settle();
   EXPECT_FALSE(library.context.hasChanges());
 }
@@ -73,7 +74,7 @@ TEST(StoreMaintenance, MigratesFoldersOnceTheLibraryHasOneForAllSnippets) {
   EXPECT_TRUE(library.controller.migrateFolders());
   EXPECT_EQ(library.log,
             (std::vector<std::string>{"Found 10 categories to migrate", "Found 1 snippets without category",
-                                      "loose has no category. Moving to All Snippets."}));
+                                      "(5 characters) has no category. Moving to All Snippets."}));
   EXPECT_EQ(mine->sourceType(), static_cast<std::int64_t>(SourceType::Folders));
   EXPECT_EQ(shared->sourceType(), static_cast<std::int64_t>(SourceType::Public));
   const auto all = library.controller.builtInFolder(CategoryType::AllSnippets);
@@ -136,8 +137,8 @@ TEST(StoreMaintenance, MergesFoldersOfEveryKindAndSavesTheResult) {
   EXPECT_EQ(library.controller.allFolders(), (std::vector{old, mine}));
   EXPECT_EQ(snippet->category(), mine);
   EXPECT_EQ(snippet->modifiedDate(), library.environment.date);
-  EXPECT_EQ(library.log, (std::vector<std::string>{"Deleting duplicate folder Code",
-                                                   "Deleting duplicate folder Letters"}));
+  EXPECT_EQ(library.log, (std::vector<std::string>{"Deleting duplicate folder (4 characters)",
+                                                   "Deleting duplicate folder (7 characters)"}));
   EXPECT_FALSE(library.context.hasChanges());
 }
 
@@ -151,7 +152,7 @@ TEST(StoreMaintenance, MakesStoredEmptyAbbreviationsNilOnce) {
   library.controller.save();
   library.controller.fixEmptyAbbreviations();
   EXPECT_EQ(library.log, (std::vector<std::string>{"Found 1 snippets with wrong empty abbreviation",
-                                                   "Automatically fixing wrong"}));
+                                                   "Automatically fixing (5 characters)"}));
   EXPECT_EQ(library.titles({.predicate = QLSnippet::kAbbreviation.isNil()}),
             (std::vector<std::u16string>{u"wrong", u"without"}));
   EXPECT_TRUE(library.context.hasChanges());

@@ -58,6 +58,7 @@ void DebugMode::settingDidChange() {
 void DebugMode::begin() {
   isOn_ = true;
   setDebugLogging(true);
+  use_.allowCoreDumps(true);
   const auto file = use_.dataDirectory / "Quorlo.log";
   logInfo("The Quorlo log can now be found here: " + file.string());
   logFile_ = use_.reopenStandardError(file);
@@ -66,6 +67,7 @@ void DebugMode::begin() {
 void DebugMode::end() {
   isOn_ = false;
   setDebugLogging(false);
+  use_.allowCoreDumps(false);
   logFile_.reset();
 }
 

@@ -10,8 +10,8 @@ namespace quorlo {
 
 class SettingsController;
 
-// While debug mode is on, debug lines are logged and the log goes to the file "Quorlo.log". Switches itself
-// off at the first start 24 hours later. One instance; main thread.
+// While debug mode is on, debug lines are logged, the log goes to the file "Quorlo.log", and a crash may
+// leave a core dump. Switches itself off at the first start 24 hours later. One instance; main thread.
 class DebugMode {
  public:
   // Sends what the process writes to standard error to the end of the file, which is made if need be, until
@@ -23,6 +23,7 @@ class DebugMode {
     std::function<Date()> now;
     std::filesystem::path dataDirectory;
     ReopenStandardError reopenStandardError;
+    std::function<void(bool)> allowCoreDumps;
   };
 
   // The references must outlive this. Begins at once where debug mode is on and has not expired.

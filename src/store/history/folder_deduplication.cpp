@@ -26,7 +26,7 @@ Result<bool> deduplicate(std::int64_t tagObjectID, ManagedObjectContext& perform
   for (const auto& [survivor, duplicates] : duplicateFolders(alike.value())) {
     if (survivor != tag && std::ranges::find(duplicates, tag) == duplicates.end()) continue;
     logInfo("deduplicate(tagObjectID:performingContext:): Deduplicating tag with name: " +
-            toUtf8(tag->title()) + ", count:" + std::to_string(1 + duplicates.size()));
+            userText(toUtf8(tag->title())) + ", count:" + std::to_string(1 + duplicates.size()));
     for (const auto& each : duplicates) mergeFolder(*each, *survivor);
     if (const auto saved = performingContext.save(); !saved) return saved.error();
     return true;

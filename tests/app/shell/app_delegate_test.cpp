@@ -46,8 +46,10 @@ struct AppDelegateTest : ShellWorld {
                     events.emplace_back("store prepared");
                     return {};
                   }}};
-  DebugMode debugMode{
-      {settings, [this] { return environment.now(); }, "/data", [](const auto&) { return Subscription(); }}};
+  bool coreDumpsAreAllowed = false;
+  DebugMode debugMode{{settings, [this] { return environment.now(); }, "/data",
+                       [](const auto&) { return Subscription(); },
+                       [this](bool allowed) { coreDumpsAreAllowed = allowed; }}};
   int quits = 0;
   int importStops = 0;
   AppDelegate delegate{{.queue = desktop.queue,
@@ -128,6 +130,9 @@ TEST_F(AppDelegateTest, LogsToItsFileFromTheMomentDebugModeIsSwitchedOn) {
   settings.setDebugModeEnabled(true);
   EXPECT_THAT(events, testing::Contains("The Quorlo log can now be found here: /data/Quorlo.log"));
   EXPECT_EQ(settings.debugEnabledDate(), environment.now());
+  EXPECT_TRUE(coreDumpsAreAllowed);
+  settings.setDebugModeEnabled(false);
+  EXPECT_FALSE(coreDumpsAreAllowed);
 
   const auto file = std::filesystem::path(testing::TempDir()) / "quorlo-log-test" / "Quorlo.log";
   std::filesystem::remove_all(file.parent_path());

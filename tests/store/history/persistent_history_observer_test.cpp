@@ -27,9 +27,8 @@ struct World {
   Subscription log = redirectLog([this](LogLevel, std::string_view line) {
     if (line.starts_with("ERROR: #evvfd - Persistent History Tracking failed with error ")) ++failures;
     if (line.starts_with("ERROR: #m7rgH")) ++failures;
-    if (line ==
-            "deduplicate(tagObjectID:performingContext:): Deduplicating tag with name: All Snippets, count:2" &&
-        std::this_thread::get_id() != mainThread) {
+    if (line.starts_with("deduplicate(tagObjectID:performingContext:): Deduplicating tag with name: ") &&
+        line.ends_with(", count:2") && std::this_thread::get_id() != mainThread) {
       ++merges;
     }
   });
