@@ -178,6 +178,15 @@ struct FakeDesktop::HeldKeys : Hold {
   const int generation;
 };
 
+bool FakeDesktop::canType(std::u16string_view text) const {
+  return text.find_first_of(keysRemoved_) == std::u16string_view::npos;
+}
+
+void FakeDesktop::typeText(std::u16string_view text) {
+  if (active_ == nullptr || !canType(text)) return;
+  for (const auto character : text) active_->receive(0, 0, {&character, 1}, pasteboard);
+}
+
 std::unique_ptr<TypedKeysHold::Hold> FakeDesktop::begin() {
   if (holds_++ == 0) {
     trigger_ = judging_;

@@ -84,6 +84,8 @@ class FakeDesktop : public EventTap,
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
   bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }
   bool holdsKeys() const { return holds_ > 0; }
+  void leavePiecesUnread() { piecesStayUnread_ = true; }
+  void removeKeyOf(char16_t character) { keysRemoved_ += character; }
   // Ends all holds, as an adapter does when nothing goes on for too long.
   void breakHold();
 
@@ -105,7 +107,10 @@ class FakeDesktop : public EventTap,
   std::unique_ptr<Port> create(Callback callback, void* userInfo) override;
   void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
+  bool canType(std::u16string_view text) const override;
+  void typeText(std::u16string_view text) override;
   std::unique_ptr<Hold> begin() override;
+  bool lastPieceWasRead() const override { return !piecesStayUnread_; }
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
@@ -166,6 +171,8 @@ class FakeDesktop : public EventTap,
   std::optional<KeyDownEvent> judging_;
   std::optional<KeyDownEvent> trigger_;  // swallowed and not yet kept
   bool trusted_ = true;
+  bool piecesStayUnread_ = false;
+  std::u16string keysRemoved_;
   Observers<> obstacleObservers_;
   std::optional<TypingObstacle> obstacle_;
   bool refusesTaps_ = false;

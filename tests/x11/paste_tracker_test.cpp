@@ -53,8 +53,10 @@ TEST_F(PasteTrackerTest, OnlyTheTargetsReadingOfContentsMakesAPasteRead) {
   EXPECT_EQ(read("UTF8_STRING", kClipboardManager), "current");
   EXPECT_EQ(read("TARGETS"), "piece");
   EXPECT_TRUE(tracker.hasUnreadPaste());
+  EXPECT_FALSE(tracker.lastPasteWasRead());
   EXPECT_EQ(read("UTF8_STRING", kEditorsOtherConnection), "piece");
   EXPECT_FALSE(tracker.hasUnreadPaste());
+  EXPECT_TRUE(tracker.lastPasteWasRead());
   EXPECT_EQ(tracker.lastProgress(), now);
 }
 

@@ -3,6 +3,7 @@
 #include "base/log.h"
 #include "x11/desktop/paste_chords.h"
 #include "x11/keyboard/keyboard_service.h"
+#include "x11/keyboard/text_strokes.h"
 
 #include <xkbcommon/xkbcommon.h>
 
@@ -57,15 +58,33 @@ void X11EventPoster::postKey(KeyCode code, ModifierFlags flags, PostLocation loc
   press(chord, count);
 }
 
+bool X11EventPoster::canType(std::u16string_view text) const {
+  return keyboard_.map() != nullptr && strokesFor(text, *keyboard_.map(), keyboard_.layout(), {});
+}
+
+void X11EventPoster::typeText(std::u16string_view text) {
+  if (keyboard_.map() == nullptr) return;
+  const auto map = *keyboard_.map();
+  const auto layout = keyboard_.layout();
+  keyboard_.post([&](KeyStream::Output& output) {
+    // With Caps Lock on, Shift types the small letters.
+    const auto strokes = strokesFor(text, map, layout, output.locks());
+    if (!strokes) return;
+    for (const auto& stroke : *strokes) pressOnce({stroke.key, stroke.modifiers}, output);
+  });
+}
+
 void X11EventPoster::press(const Chord& chord, int count) const {
   keyboard_.post([&](KeyStream::Output& output) {
-    for (int i = 0; i < count; ++i) {
-      for (const auto modifier : chord.modifiers) output.press(modifier);
-      output.press(chord.key);
-      output.release(chord.key);
-      for (auto it = chord.modifiers.rbegin(); it != chord.modifiers.rend(); ++it) output.release(*it);
-    }
+    for (int i = 0; i < count; ++i) pressOnce(chord, output);
   });
+}
+
+void X11EventPoster::pressOnce(const Chord& chord, KeyStream::Output& output) {
+  for (const auto modifier : chord.modifiers) output.press(modifier);
+  output.press(chord.key);
+  output.release(chord.key);
+  for (auto it = chord.modifiers.rbegin(); it != chord.modifiers.rend(); ++it) output.release(*it);
 }
 
 X11EventPoster::Chord X11EventPoster::chordFor(KeyCode code, ModifierFlags flags) const {

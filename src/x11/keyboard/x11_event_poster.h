@@ -2,6 +2,7 @@
 
 #include "platform/event_poster.h"
 #include "x11/desktop/active_window.h"
+#include "x11/keyboard/key_stream.h"
 #include "x11/keyboard/key_translation.h"
 #include "x11/selection/paste_target.h"
 
@@ -24,6 +25,8 @@ class X11EventPoster : public EventPoster {
 
   void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) override;
+  bool canType(std::u16string_view text) const override;
+  void typeText(std::u16string_view text) override;
 
  private:
   struct Chord {
@@ -33,6 +36,7 @@ class X11EventPoster : public EventPoster {
   Chord chordFor(KeyCode code, ModifierFlags flags) const;
   Chord pasteChord(bool terminal) const;
   void press(const Chord& chord, int count) const;
+  static void pressOnce(const Chord& chord, KeyStream::Output& output);
   void report(KeyCode code, ModifierFlags flags, int count) const;
 
   KeyboardService& keyboard_;

@@ -22,6 +22,11 @@ bool PasteTracker::hasUnreadPaste() const {
   return std::ranges::any_of(pastes_, &Paste::isAwaited);
 }
 
+bool PasteTracker::lastPasteWasRead() const {
+  const std::lock_guard lock(mutex_);
+  return lastPaste_ != 0 && lastDelivered_ == lastPaste_;
+}
+
 PasteTracker::Instant PasteTracker::lastProgress() const {
   const std::lock_guard lock(mutex_);
   return lastProgress_;
@@ -117,6 +122,7 @@ void PasteTracker::delivered(PasteId paste, Instant now) {
   {
     const std::lock_guard lock(mutex_);
     lastProgress_ = now;
+    lastDelivered_ = std::max(lastDelivered_, paste);
     if (auto* found = find(paste); found != nullptr && !found->delivered) {
       found->lastActivity = now;
       found->delivered = now;

@@ -58,6 +58,8 @@ class PasteTracker {
 
   // A chord has been announced whose target has not been handed its piece, and is awaited to read it.
   bool hasUnreadPaste() const;
+  // The target of the newest chord has been handed its piece. False when there was no chord yet.
+  bool lastPasteWasRead() const;
   // When a target last took contents or a part of them; the epoch if never.
   Instant lastProgress() const;
   // Called on the pasteboard's thread after each change of the two above; hand over to a thread of your
@@ -130,6 +132,7 @@ class PasteTracker {
   mutable std::mutex mutex_;
   Pastes pastes_;  // the oldest first
   PasteId lastPaste_ = 0;
+  PasteId lastDelivered_ = 0;
   Instant lastProgress_{};
   ReaderHabits habits_;
 
