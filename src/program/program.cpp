@@ -51,7 +51,9 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
   reportCrashes(ground->environment.dataDirectory(), QUORLO_VERSION);
 
   X11Desktop::Options desktopOptions;
-  desktopOptions.terminalsFile = ground->environment.configDirectory() / "terminals";
+  desktopOptions.insertionTable = [&settings = ground->insertion]() -> const InsertionTable& {
+    return settings.table();
+  };
   desktopOptions.guardProgram = ground->programFile.parent_path() / "quorlo-keyboard-guard";
   desktopOptions.connectionLost = [quit = options.quit] {
     sayThatTheDisplayIsLost();

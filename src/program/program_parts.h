@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/settings/insertion_settings.h"
 #include "app/settings/launch_at_login.h"
 #include "app/settings/settings_controller.h"
 #include "app/settings/sound_manager.h"
@@ -71,6 +72,7 @@ struct Program::Ground {
   Subscription catalogues =
       loadCatalogues(environment.resourcesDirectory() / "translations", environment.textLanguages());
   FileUserDefaults defaults{environment.configDirectory()};
+  InsertionSettings insertion{environment.configDirectory()};
 };
 
 // One of everything, each after what it uses.

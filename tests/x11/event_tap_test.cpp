@@ -1,5 +1,6 @@
 // The tap on a real X server: a virtual keyboard types, a window writes down what arrives.
-#include "x11/desktop/paste_chords.h"
+#include "platform/insertion/insertion_table.h"
+#include "x11/desktop/x11_insertion_target.h"
 #include "x11/keyboard/x11_event_poster.h"
 #include "x11/keyboard_desktop.h"
 
@@ -12,11 +13,12 @@ namespace {
 class EventTapTest : public KeyboardTest {
  protected:
   std::vector<PasteSelection> pastes;
-  PasteChords chords;
   ActiveWindow active;
-  X11EventPoster poster{
-      *keyboard.service, chords, [this] { return active; },
-      [this](const PasteTarget&, PasteSelection selection) { pastes.push_back(selection); }};
+  InsertionTable table;
+  X11InsertionTarget target{[this] { return active; }, [this]() -> const InsertionTable& { return table; }};
+  X11EventPoster poster{*keyboard.service, target, [this](const PasteTarget&, PasteSelection selection) {
+                          pastes.push_back(selection);
+                        }};
 };
 
 TEST_F(EventTapTest, KeysPassWithNothingLost) {
@@ -321,6 +323,11 @@ TEST_F(EventTapTest, ThePasteChordFitsTheApplicationAndTheLayout) {
   EXPECT_EQ(pasteChord(), "<Control_L>v");
   active.windowClass = "XTerm";
   EXPECT_EQ(pasteChord(), "<Shift_L><Insert>");
+  active.windowClass = "Gvim";
+  EXPECT_EQ(pasteChord(), "<Control_L>r<Control_L>o<Shift_L>+");
+  active.windowClass = "Viewer";
+  table = InsertionTable({{"viewer", {.pasteChords = {{0, U'\u20AC'}}}}});
+  EXPECT_EQ(pasteChord(), "<Control_L>v") << "the layout lacks the key of the table";
   active.windowClass.clear();
   const auto setLayout = [&](const std::string& name, XKeycode keyOfV) {
     desktop_->setLayout(name);
@@ -334,6 +341,7 @@ TEST_F(EventTapTest, ThePasteChordFitsTheApplicationAndTheLayout) {
   poster.postKey(key::kV, modifier::kCommand, PostLocation::session, 1);
   EXPECT_EQ(typedOnceItIs("<Control_L>м"), "<Control_L>м") << "a key of the user's";
   EXPECT_EQ(pastes, (std::vector{PasteSelection::clipboard, PasteSelection::clipboardAndPrimary,
+                                 PasteSelection::clipboard, PasteSelection::clipboard,
                                  PasteSelection::clipboard, PasteSelection::clipboard}));
 }
 

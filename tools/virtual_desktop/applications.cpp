@@ -61,8 +61,9 @@ std::string Application::textOnceItIs(const std::string& expected) {
   return seen;
 }
 
-Xterm::Xterm(VirtualDesktop& desktop, const std::string& name)
-    : Application(desktop, {"xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "14", "-e", "sh", "-c",
+Xterm::Xterm(VirtualDesktop& desktop, const std::string& name, const std::string& windowClass)
+    : Application(desktop, {"xterm", "-name", name, "-class", windowClass, "-u8", "-fa", "DejaVu Sans Mono",
+                            "-fs", "14", "-e", "sh", "-c",
                             "stty raw -echo && exec cat >'" + fileOf(desktop, name + ".txt").string() + "'"}),
       file_(desktop.directory() / (name + ".txt")) {}
 

@@ -38,7 +38,8 @@ class Application {
 // A terminal whose program takes every byte as it comes. Erasing is applied to the text.
 class Xterm : public Application {
  public:
-  explicit Xterm(VirtualDesktop& desktop, const std::string& name = "xterm");
+  explicit Xterm(VirtualDesktop& desktop, const std::string& name = "xterm",
+                 const std::string& windowClass = "XTerm");
   std::string text() override;
   std::string bytes() const;  // as received
 

@@ -1,11 +1,12 @@
 #include "x11/desktop/x11_desktop.h"
 
 #include "base/log.h"
+#include "platform/insertion/insertion_table.h"
 #include "platform/main_queue.h"
 #include "x11/connection/x_connection.h"
-#include "x11/desktop/paste_chords.h"
 #include "x11/desktop/x11_accessibility_trust.h"
 #include "x11/desktop/x11_hot_key_center.h"
+#include "x11/desktop/x11_insertion_target.h"
 #include "x11/desktop/x11_mouse_monitor.h"
 #include "x11/desktop/x11_target_focus.h"
 #include "x11/desktop/x11_workspace.h"
@@ -73,8 +74,8 @@ class LossReport {
 struct X11Desktop::Parts {
   std::shared_ptr<LossReport> loss;
   std::unique_ptr<XConnection> x;
-  PasteChords chords;
   std::unique_ptr<X11Workspace> workspace;
+  std::unique_ptr<X11InsertionTarget> target;
   std::unique_ptr<X11Pasteboard> pasteboard;
   std::unique_ptr<X11TargetFocus> focus;
   std::unique_ptr<X11MouseMonitor> mouse;
@@ -94,7 +95,6 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   auto parts = std::make_unique<Parts>();
   auto& p = *parts;
   p.x = std::move(x).value();
-  p.chords = PasteChords(options.terminalsFile);
   p.loss = std::make_shared<LossReport>(queue, options.connectionLost);
   const auto lost = LossReport::reporter(p.loss);
   const std::string& display = p.x->displayName();
@@ -107,10 +107,9 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   p.workspace = std::move(workspace).value();
   p.focus = std::make_unique<X11TargetFocus>(*p.x, *p.workspace, queue);
 
-  const auto pastesFromPrimary = [&p] {
-    const auto active = p.workspace->activeWindow();
-    return p.chords.pastesFromPrimary(active.bundleIdentifier, active.windowClass);
-  };
+  p.target = std::make_unique<X11InsertionTarget>([&p] { return p.workspace->activeWindow(); },
+                                                  options.insertionTable);
+  const auto pastesFromPrimary = [&p] { return p.target->profile().pastesSelection; };
   auto pasteboard = X11Pasteboard::connect(display, queue, {pastesFromPrimary, lost});
   if (!pasteboard) return pasteboard.error();
   p.pasteboard = std::move(pasteboard).value();
@@ -132,11 +131,10 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   if (!hotKeys) return hotKeys.error();
   p.hotKeys = std::move(hotKeys).value();
   p.tap = std::make_unique<X11EventTap>(*p.keyboard);
-  p.poster = std::make_unique<X11EventPoster>(
-      *p.keyboard, p.chords, [&p] { return p.workspace->activeWindow(); },
-      [&p](const PasteTarget& target, PasteSelection selection) {
-        p.pasteboard->pasteWillBePosted(target, selection);
-      });
+  p.poster = std::make_unique<X11EventPoster>(*p.keyboard, *p.target,
+                                              [&p](const PasteTarget& target, PasteSelection selection) {
+                                                p.pasteboard->pasteWillBePosted(target, selection);
+                                              });
   p.hold = std::make_unique<X11TypedKeysHold>(*p.keyboard, queue, p.pasteboard->pasteTracker());
   p.activations = p.workspace->observeActiveWindow([&queue, &p, weak = std::weak_ptr(p.loss)] {
     queue.run([&p, weak] {
@@ -157,6 +155,9 @@ EventTap& X11Desktop::eventTap() {
 }
 EventPoster& X11Desktop::eventPoster() {
   return *parts_->poster;
+}
+InsertionTarget& X11Desktop::insertionTarget() {
+  return *parts_->target;
 }
 TypedKeysHold& X11Desktop::typedKeysHold() {
   return *parts_->hold;

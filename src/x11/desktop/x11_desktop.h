@@ -14,6 +14,8 @@ class AccessibilityTrust;
 class EventPoster;
 class EventTap;
 class HotKeyCenter;
+class InsertionTable;
+class InsertionTarget;
 class KeyboardLayout;
 class MainQueue;
 class MouseMonitor;
@@ -26,9 +28,9 @@ class Workspace;
 class X11Desktop {
  public:
   struct Options {
-    std::string display;                  // as in the environment variable DISPLAY, which is used when empty
-    std::filesystem::path guardProgram;   // the program quorlo-keyboard-guard
-    std::filesystem::path terminalsFile;  // the user's additions to the known terminals; may be missing
+    std::string display;                 // as in the environment variable DISPLAY, which is used when empty
+    std::filesystem::path guardProgram;  // the program quorlo-keyboard-guard
+    std::function<const InsertionTable&()> insertionTable;  // asked whenever something is inserted
     // Called once, on the main thread, when the server goes away. The ports then do nothing any more.
     std::function<void()> connectionLost;
   };
@@ -44,6 +46,7 @@ class X11Desktop {
 
   EventTap& eventTap();
   EventPoster& eventPoster();
+  InsertionTarget& insertionTarget();
   TypedKeysHold& typedKeysHold();
   MouseMonitor& mouseMonitor();
   KeyboardLayout& keyboardLayout();

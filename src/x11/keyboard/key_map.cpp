@@ -48,19 +48,19 @@ XKeysym KeyMap::keysym(XKeycode keycode, LayoutIndex layout, std::uint32_t level
   return count > 0 ? keysyms[0] : XKeysym{XKB_KEY_NoSymbol};
 }
 
-XKeycode KeyMap::keyFor(XKeysym keysym, LayoutIndex layout) const {
+XKeycode KeyMap::keyFor(XKeysym keysym, LayoutIndex layout, std::uint32_t level) const {
   const auto last = xkb_keymap_max_keycode(map_.get());
   for (auto keycode = xkb_keymap_min_keycode(map_.get()); keycode <= last && keycode <= 255; ++keycode) {
     const auto candidate = static_cast<XKeycode>(keycode);
-    if (this->keysym(candidate, layout) == keysym) return candidate;
+    if (this->keysym(candidate, layout, level) == keysym) return candidate;
   }
   return 0;
 }
 
-XKeycode KeyMap::keyForInAnyLayout(XKeysym keysym, LayoutIndex layout) const {
-  if (const auto keycode = keyFor(keysym, layout); keycode != 0) return keycode;
+XKeycode KeyMap::keyForInAnyLayout(XKeysym keysym, LayoutIndex layout, std::uint32_t level) const {
+  if (const auto keycode = keyFor(keysym, layout, level); keycode != 0) return keycode;
   for (LayoutIndex other = 0; other < xkb_keymap_num_layouts(map_.get()); ++other) {
-    if (const auto keycode = keyFor(keysym, other); keycode != 0) return keycode;
+    if (const auto keycode = keyFor(keysym, other, level); keycode != 0) return keycode;
   }
   return 0;
 }

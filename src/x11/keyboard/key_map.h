@@ -29,10 +29,10 @@ class KeyMap {
 
   // What the key produces at the level of a layout; level 0 is without modifiers.
   XKeysym keysym(XKeycode keycode, LayoutIndex layout, std::uint32_t level = 0) const;
-  // The key that produces the keysym without modifiers in the layout, or 0.
-  XKeycode keyFor(XKeysym keysym, LayoutIndex layout) const;
+  // The key that produces the keysym at the level of the layout, or 0.
+  XKeycode keyFor(XKeysym keysym, LayoutIndex layout, std::uint32_t level = 0) const;
   // The same for the first layout that has one, beginning with the given one.
-  XKeycode keyForInAnyLayout(XKeysym keysym, LayoutIndex layout) const;
+  XKeycode keyForInAnyLayout(XKeysym keysym, LayoutIndex layout, std::uint32_t level = 0) const;
   // The key to press for a key code: by name or by place. 0 for none.
   XKeycode keyForCode(KeyCode code, LayoutIndex layout) const;
 

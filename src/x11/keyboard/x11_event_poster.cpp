@@ -1,13 +1,16 @@
 #include "x11/keyboard/x11_event_poster.h"
 
 #include "base/log.h"
-#include "x11/desktop/paste_chords.h"
+#include "platform/insertion/insertion_profile.h"
+#include "x11/desktop/x11_insertion_target.h"
 #include "x11/keyboard/keyboard_service.h"
 #include "x11/keyboard/text_strokes.h"
 
 #include <xkbcommon/xkbcommon.h>
 
+#include <algorithm>
 #include <array>
+#include <variant>
 
 namespace quorlo {
 
@@ -27,23 +30,20 @@ constexpr auto kModifierKeys = std::to_array<ModifierKey>({
 
 }  // namespace
 
-X11EventPoster::X11EventPoster(KeyboardService& keyboard, const PasteChords& chords,
-                               std::function<ActiveWindow()> activeWindow,
+X11EventPoster::X11EventPoster(KeyboardService& keyboard, const X11InsertionTarget& target,
                                PasteAnnouncement pasteWillBePosted)
-    : keyboard_(keyboard),
-      chords_(chords),
-      activeWindow_(std::move(activeWindow)),
-      pasteWillBePosted_(std::move(pasteWillBePosted)) {}
+    : keyboard_(keyboard), target_(target), pasteWillBePosted_(std::move(pasteWillBePosted)) {}
 
 void X11EventPoster::paste() {
   if (keyboard_.map() == nullptr) return;
-  const auto window = activeWindow_();
-  const bool terminal = chords_.pastesFromPrimary(window.bundleIdentifier, window.windowClass);
-  const auto chord = pasteChord(terminal);
-  pasteWillBePosted_({window.window, window.processIdentifier},
-                     terminal ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard);
+  const auto window = target_.window();
+  const auto profile = target_.profile();
+  const auto chords = pasteChords(profile.pasteChords);
+  pasteWillBePosted_({window.window, window.processIdentifier}, profile.pastesSelection
+                                                                    ? PasteSelection::clipboardAndPrimary
+                                                                    : PasteSelection::clipboard);
   keyboard_.report({key::kV, modifier::kLeftCommandEvent, u"v", KeyDownEvent::Origin::posted});
-  press(chord, 1);
+  for (const auto& chord : chords) press(chord, 1);
 }
 
 void X11EventPoster::postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) {
@@ -99,11 +99,39 @@ X11EventPoster::Chord X11EventPoster::chordFor(KeyCode code, ModifierFlags flags
   return chord;
 }
 
+// Absent keys are 0.
+X11EventPoster::Chord X11EventPoster::chordFor(const KeyChord& wanted) const {
+  if (const auto* const code = std::get_if<KeyCode>(&wanted.key)) return chordFor(*code, wanted.modifiers);
+  const auto keysym = xkb_utf32_to_keysym(std::get<char32_t>(wanted.key));
+  const auto& map = *keyboard_.map();
+  auto modifiers = wanted.modifiers;
+  auto key = map.keyForInAnyLayout(keysym, keyboard_.layout());
+  if (key == 0) {
+    key = map.keyForInAnyLayout(keysym, keyboard_.layout(), 1);
+    modifiers |= modifier::kShift;
+  }
+  auto chord = chordFor(key::kV, modifiers);
+  chord.key = key;
+  return chord;
+}
+
+// Those that the table gives, or the usual one where there are none or the layout lacks one of their keys.
+std::vector<X11EventPoster::Chord> X11EventPoster::pasteChords(const std::vector<KeyChord>& wanted) const {
+  std::vector<Chord> chords;
+  for (const auto& each : wanted) chords.push_back(chordFor(each));
+  if (std::ranges::find(chords, 0, &Chord::key) != chords.end()) {
+    logWarning("WARNING: #pC7hord - The keyboard layout lacks a key of the application's way of pasting.");
+    chords.clear();
+  }
+  if (chords.empty()) chords.push_back(usualPasteChord());
+  return chords;
+}
+
 // Toolkits find the shortcut of a key in the other layouts as well; where none has a v, the one chord that is
 // left has no letter.
-X11EventPoster::Chord X11EventPoster::pasteChord(bool terminal) const {
+X11EventPoster::Chord X11EventPoster::usualPasteChord() const {
   const auto keyOfV = keyboard_.map()->keyForInAnyLayout(XKB_KEY_v, keyboard_.layout());
-  if (terminal || keyOfV == 0) return chordFor(key::kHelp, modifier::kShift);
+  if (keyOfV == 0) return chordFor(key::kHelp, modifier::kShift);
   auto chord = chordFor(key::kV, modifier::kCommand);
   chord.key = keyOfV;
   return chord;

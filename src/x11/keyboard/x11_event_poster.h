@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/event_poster.h"
-#include "x11/desktop/active_window.h"
 #include "x11/keyboard/key_stream.h"
 #include "x11/keyboard/key_translation.h"
 #include "x11/selection/paste_target.h"
@@ -12,7 +11,8 @@
 namespace quorlo {
 
 class KeyboardService;
-class PasteChords;
+class X11InsertionTarget;
+struct KeyChord;
 
 // Presses keys by XTEST.
 class X11EventPoster : public EventPoster {
@@ -20,8 +20,8 @@ class X11EventPoster : public EventPoster {
   using PasteAnnouncement = std::function<void(const PasteTarget&, PasteSelection)>;
 
   // `pasteWillBePosted` is called before each paste chord.
-  X11EventPoster(KeyboardService& keyboard, const PasteChords& chords,
-                 std::function<ActiveWindow()> activeWindow, PasteAnnouncement pasteWillBePosted);
+  X11EventPoster(KeyboardService& keyboard, const X11InsertionTarget& target,
+                 PasteAnnouncement pasteWillBePosted);
 
   void paste() override;
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count) override;
@@ -34,14 +34,15 @@ class X11EventPoster : public EventPoster {
     std::vector<XKeycode> modifiers;
   };
   Chord chordFor(KeyCode code, ModifierFlags flags) const;
-  Chord pasteChord(bool terminal) const;
+  Chord usualPasteChord() const;
+  Chord chordFor(const KeyChord& chord) const;
+  std::vector<Chord> pasteChords(const std::vector<KeyChord>& chords) const;
   void press(const Chord& chord, int count) const;
   static void pressOnce(const Chord& chord, KeyStream::Output& output);
   void report(KeyCode code, ModifierFlags flags, int count) const;
 
   KeyboardService& keyboard_;
-  const PasteChords& chords_;
-  std::function<ActiveWindow()> activeWindow_;
+  const X11InsertionTarget& target_;
   PasteAnnouncement pasteWillBePosted_;
 };
 
