@@ -14,6 +14,7 @@
 #include "base/core_dumps.h"
 #include "base/localized.h"
 #include "engine/abbreviations_monitor.h"
+#include "engine/accessibility_help.h"
 #include "engine/accessibility_manager.h"
 #include "engine/fill_in/fill_in_controller.h"
 #include "engine/paste/macro_preparation.h"
@@ -91,6 +92,8 @@ struct Program::Parts {
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
   std::string status() const;
+  std::vector<AccessibilityHelp> obstacles() const;
+  void showObstacles();
 
   std::unique_ptr<Ground> ground;
   std::function<void(int status)> quit;
@@ -142,6 +145,7 @@ struct Program::Parts {
   LaunchAtLogin launchAtLogin{environment.configDirectory().parent_path() / "autostart", ground->programFile};
   StarterOffer starterOffer{defaults, persistence, environment.resourcesDirectory() / "starter-library.json"};
   QtStatusItem statusItem{{queue, notifications, defaults}};
+  Subscription obstacleChanges = desktop->accessibilityTrust().observeObstacles([this] { showObstacles(); });
   SnippetMenuWindow menuWindow{desktop->mouseMonitor()};
   std::unique_ptr<AboutWindow> about;
   QtAppWindows windows;
