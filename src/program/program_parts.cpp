@@ -3,6 +3,7 @@
 #include "app/shell/quorlo_app.h"
 #include "base/log.h"
 #include "program/crash_report.h"
+#include "program/doctor/typing_obstacle_text.h"
 #include "store/abbreviation_rules.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
@@ -111,6 +112,10 @@ void Program::Parts::createAbbreviationsMonitor() {
                                                      desktop->workspace(), context, settings, accessibility,
                                                      persistence, persistence.managedObjectContext(), paste});
   shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
+}
+
+std::string Program::Parts::inputMethod() const {
+  return (ibus.inputMethod().isEmpty() ? fcitx.inputMethod() : ibus.inputMethod()).toStdString();
 }
 
 void Program::Parts::mentionCrashReport() {
@@ -244,6 +249,10 @@ std::string Program::Parts::status() const {
       persistence.managedObjectContext().count(Entity::snippet, QLSnippet::kDeletionDate.isNil());
   std::string missing;
   for (const auto& [what, remedy] : obstacles()) missing += "  " + toUtf8(what) + " " + toUtf8(remedy) + "\n";
+  if (const auto obstacle = context.obstacle(); obstacle && settings.abbreviationsEnabled()) {
+    const auto [what, remedy] = describe(*obstacle, inputMethod());
+    missing += "  " + what + " " + remedy + "\n";
+  }
   return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{}{} snippets in {}.\n",
                      QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
                      missing, snippets ? snippets.value() : 0, storeFile.string());

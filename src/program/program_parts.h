@@ -51,6 +51,9 @@
 #include "ui/screen_lock.h"
 #include "ui/thread_background_queue.h"
 #include "ui/tray/qt_status_item.h"
+#include "ui/typing/fcitx_input_method.h"
+#include "ui/typing/ibus_engine.h"
+#include "ui/typing/password_field.h"
 #include "x11/desktop/x11_desktop.h"
 
 #include <QCoreApplication>
@@ -91,6 +94,7 @@ struct Program::Parts {
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
+  std::string inputMethod() const;  // the one that makes text of the keys; empty for none
   std::string status() const;
   std::vector<AccessibilityHelp> obstacles() const;
   void showObstacles();
@@ -109,7 +113,14 @@ struct Program::Parts {
   AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
   Subscription accessibilityAddress = desktop->serveAddress(
       std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
-  SessionTypingContext context{{.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); }}};
+  FcitxInputMethod fcitx;
+  IbusEngine ibus{queue, background};
+  PasswordField passwordField{queue, background, desktop->workspace()};
+  SessionTypingContext context{
+      {.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); },
+       .passwordFieldHasFocus = [this] { return passwordField.hasFocus(); },
+       .inputMethodIsActive =
+           [this] { return !inputMethod().empty() && !settings.expandWhileInputMethodIsActive(); }}};
   ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};
