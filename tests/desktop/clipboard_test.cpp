@@ -2,6 +2,8 @@
 #include "desktop/quorlo_desktop_test.h"
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <sstream>
 
 namespace quorlo {
@@ -49,6 +51,51 @@ TEST_F(DesktopClipboardTest, PicturesTextsAndLargeDataAreBackAfterAnExpansion) {
   expectRestored(*editor, {"picture", "html:<img src='x'>", "text:a picture"});
   expectRestored(*editor, {"image"});
   expectRestored(*editor, {"data:application/x-large:10000000", "text:ten megabytes"});
+}
+
+// Its owner takes seconds to encode it.
+TEST_F(DesktopClipboardTest, APhotographOfAWholeScreenIsBackAfterAnExpansion) {
+  startQuorlo();
+  Mousepad editor(desktop());
+  const auto holder = fillClipboard({"photo:3840x2160"});
+  type("brb x");
+  EXPECT_EQ(editor.textOnceItIs("be right back x"), "be right back x");
+  std::string after;
+  const auto isBack = [&] { return (after = clipboard()).ends_with(holder->offers()); };
+  EXPECT_TRUE(waitUntil(isBack, 6 * kPatience)) << "pixels before:\n"
+                                                << holder->offers() << "after:\n"
+                                                << after;
+}
+
+TEST_F(DesktopClipboardTest, AnEditorThatHangsGetsTheSnippetAndNotThePassword) {
+  startQuorlo();
+  const auto holder = fillClipboard({"text:MY-PASSWORD"});
+  Mousepad editor(desktop());
+  type("y");
+  EXPECT_EQ(editor.textOnceItIs("y"), "y");
+  editor.process().signal(SIGSTOP);
+  type(" brb ");
+  // Longer than typed keys are held and the piece stays on the clipboard.
+  const auto later = std::chrono::steady_clock::now() + std::chrono::seconds(4);
+  waitUntil([&] { return std::chrono::steady_clock::now() > later; });
+  editor.process().signal(SIGCONT);
+  EXPECT_EQ(editor.textOnceItIs("y be right back "), "y be right back ");
+  keyboard().tap("Ctrl+v");
+  EXPECT_EQ(editor.textOnceItIs("y be right back MY-PASSWORD"), "y be right back MY-PASSWORD");
+}
+
+TEST_F(DesktopClipboardTest, AnotherProcessMayReadTheClipboardForAProgram) {
+  startQuorlo();
+  const auto holder = fillClipboard({"text:mine"});
+  auto editor = openRichEditor(RichEditor::Kind::kRelaying);
+  std::string expected;
+  for (int i = 0; i < 3; ++i) {
+    type("brb x");
+    expected += "be right back x";
+    EXPECT_EQ(editor->textOnceItIs(expected), expected);
+  }
+  const auto isBack = [&] { return clipboard().find("text/plain 4 ") != std::string::npos; };
+  EXPECT_TRUE(waitUntil(isBack)) << clipboard();
 }
 
 TEST_F(DesktopClipboardTest, TheClipboardIsBackAfterATerminalPastedToo) {

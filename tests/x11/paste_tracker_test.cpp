@@ -160,8 +160,10 @@ TEST_F(PasteTrackerTest, ALatePasteEndsWhenItsTargetIsNoLongerMeant) {
 TEST_F(PasteTrackerTest, AReadOnBehalfOfTheTargetEndsTheWait) {
   paste("piece");
   now += PasteTracker::kEarliestRead;
+  EXPECT_FALSE(tracker.lastPasteWasRead());
   EXPECT_EQ(read("UTF8_STRING", kRelay), "piece");
   EXPECT_FALSE(tracker.hasUnreadPaste());
+  EXPECT_TRUE(tracker.lastPasteWasRead());
   EXPECT_EQ(read("UTF8_STRING", kRelay), "current");
   EXPECT_EQ(read("UTF8_STRING"), "piece") << "it may have read for itself";
 }

@@ -118,6 +118,8 @@ const char* argumentOf(RichEditor::Kind kind) {
       return "--chat";
     case RichEditor::Kind::kCompleting:
       return "--completing";
+    case RichEditor::Kind::kRelaying:
+      return "--relaying";
     case RichEditor::Kind::kEditor:
       break;
   }

@@ -74,10 +74,11 @@ class Featherpad : public FileEditor {
 };
 
 // Our own rich-text editor (tests/desktop/apps); with kChat, Return sends and empties the field; with
-// kCompleting, what is typed opens a popup that grabs the keyboard.
+// kCompleting, what is typed opens a popup that grabs the keyboard. As kRelaying, another process reads the
+// clipboard for it.
 class RichEditor : public Application {
  public:
-  enum class Kind { kEditor, kChat, kCompleting };
+  enum class Kind { kEditor, kChat, kCompleting, kRelaying };
 
   // The program's path; every editor of a desktop has a name of its own.
   RichEditor(VirtualDesktop& desktop, const std::string& program, Kind kind = Kind::kEditor,

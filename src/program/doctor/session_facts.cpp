@@ -22,7 +22,6 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 namespace quorlo {
 namespace {
@@ -63,8 +62,6 @@ void lookAtTheBus(SessionFacts& facts) {
                                                   .property("IsStatusNotifierHostRegistered")
                                                   .toBool();
   facts.isRunning = RunningInstance().isThere();
-  if (!facts.isRunning) return;
-  if (auto obstacles = RunningInstance().obstacles()) facts.obstaclesOfRunning = std::move(obstacles).value();
 }
 
 // Programs that keep what was on the clipboard, by the names of their processes.

@@ -105,6 +105,7 @@ std::optional<PasteTracker::Reading> PasteTracker::readingForTarget(const Client
   const bool isFromThere = !fromPrimary || paste->selection == PasteSelection::clipboardAndPrimary;
   if (habits_.isClipboardManager(reader) || targetIsReading || !isFromThere) return std::nullopt;
   paste->isLate = true;
+  lastDelivered_ = std::max(lastDelivered_, paste->id);
   habits_.hasRead(paste->target.client);
   return Reading{0, paste->offer};
 }

@@ -2,8 +2,10 @@
 // test-clipboard-holder show             prints what the clipboard holds
 //
 // CONTENT: text:STRING, html:STRING, picture (a PNG file's bytes), image (an image in all formats that Qt can
-// write, encoded when asked for), data:TYPE:BYTES (so many bytes of a fixed sequence under a MIME type).
-// A line for each type: TYPE SIZE SHA-256, sorted by type; then "." on a line of its own.
+// write, encoded when asked for), photo:WIDTHxHEIGHT (the same for one that takes long to encode, as
+// photographs do), data:TYPE:BYTES (so many bytes of a fixed sequence under a MIME type). A line for each
+// type: TYPE SIZE SHA-256, sorted by type; "pixels SHA-256" where there is an image; then "." on a line of
+// its own.
 #include <QBuffer>
 #include <QClipboard>
 #include <QCryptographicHash>
@@ -21,6 +23,20 @@ QImage picture() {
   QImage image(320, 200, QImage::Format_ARGB32);
   for (int y = 0; y < image.height(); ++y) {
     for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgba(x % 256, y, (x * y) % 256, 255));
+  }
+  return image;
+}
+
+// Shades with noise.
+QImage photo(const QSize& size) {
+  QImage image(size, QImage::Format_RGB32);
+  std::mt19937 generator(1);
+  for (int y = 0; y < size.height(); ++y) {
+    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < size.width(); ++x) {
+      const auto noise = static_cast<int>(generator() % 16);
+      line[x] = qRgb(x % 240 + noise, y % 240 + noise, (x + y) % 240 + noise);
+    }
   }
   return image;
 }
@@ -51,6 +67,8 @@ bool add(const QString& content, QMimeData& data) {
     data.setData("image/png", pngBytes());
   } else if (kind == "image") {
     data.setImageData(picture());
+  } else if (kind == "photo") {
+    data.setImageData(photo({value.section('x', 0, 0).toInt(), value.section('x', 1).toInt()}));
   } else if (kind == "data") {
     data.setData(value.section(':', 0, 0), fixedBytes(value.section(':', 1).toInt()));
   } else {
@@ -69,6 +87,12 @@ void print(const QMimeData& data) {
     const auto bytes = data.data(format);
     out << format << " " << bytes.size() << " "
         << QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex() << "\n";
+  }
+  if (const auto image = qvariant_cast<QImage>(data.imageData()).convertToFormat(QImage::Format_ARGB32);
+      !image.isNull()) {
+    const QByteArrayView pixels(image.constBits(), image.sizeInBytes());
+    out << "pixels " << QCryptographicHash::hash(pixels.toByteArray(), QCryptographicHash::Sha256).toHex()
+        << "\n";
   }
   out << ".\n";
 }

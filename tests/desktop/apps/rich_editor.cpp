@@ -1,13 +1,15 @@
-// test-rich-editor DIRECTORY [--chat] [--completing]
+// test-rich-editor DIRECTORY [--chat] [--completing] [--relaying]
 //
 // A rich-text editor that writes what it holds to DIRECTORY/plain.txt and rich.html after every change. With
 // --chat, Return sends: the text is appended as a line to DIRECTORY/sent.txt and the field emptied.
 // With --completing, a popup that grabs the keyboard offers completions of what was typed.
+// With --relaying, another process reads the clipboard for the editor, as in compatibility layers.
 #include <QApplication>
 #include <QCompleter>
 #include <QDir>
 #include <QFile>
 #include <QKeyEvent>
+#include <QProcess>
 #include <QSaveFile>
 #include <QTextEdit>
 
@@ -15,7 +17,8 @@ namespace {
 
 class Editor : public QTextEdit {
  public:
-  Editor(const QString& directory, bool chat, bool completing) : directory_(directory), chat_(chat) {
+  Editor(const QString& directory, bool chat, bool completing, bool relaying)
+      : directory_(directory), chat_(chat), relaying_(relaying) {
     setWindowTitle("Rich editor");
     setFontPointSize(20);
     connect(this, &QTextEdit::textChanged, this, [this] { write(); });
@@ -30,6 +33,7 @@ class Editor : public QTextEdit {
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     if (chat_ && event->key() == Qt::Key_Return) return send();
+    if (relaying_ && event->matches(QKeySequence::Paste)) return pasteFromRelay();
     QTextEdit::keyPressEvent(event);
   }
 
@@ -53,8 +57,16 @@ class Editor : public QTextEdit {
     clear();
   }
 
+  void pasteFromRelay() {
+    QProcess relay;
+    relay.start("xclip", {"-o", "-selection", "clipboard", "-t", "UTF8_STRING"});
+    if (!relay.waitForFinished()) qFatal("The relay does not answer");
+    insertPlainText(QString::fromUtf8(relay.readAllStandardOutput()));
+  }
+
   QDir directory_;
   bool chat_;
+  bool relaying_;
   QCompleter completer_{QStringList{"one", "two"}};
 };
 
@@ -63,8 +75,9 @@ class Editor : public QTextEdit {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList words = QCoreApplication::arguments();
-  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat] [--completing]");
-  Editor editor(words[1], words.contains("--chat"), words.contains("--completing"));
+  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat] [--completing] [--relaying]");
+  Editor editor(words[1], words.contains("--chat"), words.contains("--completing"),
+                words.contains("--relaying"));
   editor.resize(600, 300);
   editor.show();
   return QApplication::exec();
