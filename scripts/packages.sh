@@ -12,5 +12,5 @@ fuzz_packages=(clang-16 libclang-rt-16-dev)
 lint_packages=(clang-format clang-tidy)
 desktop_packages=(
   xserver-xorg-core xserver-xorg-video-dummy xserver-xorg-dev openbox x11-xserver-utils x11-utils
-  x11-xkb-utils dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot xclip xdotool trayer dunst sqlite3 strace groff-base
+  x11-xkb-utils xinput dbus dbus-x11 fonts-dejavu-core xterm mousepad featherpad scrot xclip xdotool trayer dunst sqlite3 strace groff-base
 )

@@ -94,7 +94,7 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
 }
 
 bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
-  const auto& frontmost = use_.accessibility.frontmostApplication();
+  const auto frontmost = use_.accessibility.frontmostApplication();
   if (use_.context.obstacle()) {
     potentialAbbreviation.clear();
     return false;

@@ -35,6 +35,7 @@ class StatusAdaptor final : public QDBusAbstractAdaptor {
   StatusAdaptor(QObject* parent, const ApplicationRequests& requests);
 
   Q_SLOT QString Status();
+  Q_SLOT QStringList Obstacles();
 
  private:
   const ApplicationRequests& requests_;

@@ -69,6 +69,12 @@ QString StatusAdaptor::Status() {
   return QString::fromStdString(requests_.status());
 }
 
+QStringList StatusAdaptor::Obstacles() {
+  QStringList list;
+  for (const auto& each : requests_.obstacles()) list.append(QString::fromStdString(each));
+  return list;
+}
+
 ApplicationService::ApplicationService(ApplicationRequests requests)
     : object_(std::make_unique<ServedObject>(std::move(requests))) {
   auto bus = QDBusConnection::sessionBus();

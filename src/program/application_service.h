@@ -22,6 +22,8 @@ struct ApplicationRequests {
   std::function<void()> showSettings;
   std::function<void()> quit;
   std::function<std::string()> status;  // for people, several lines
+  // What keeps it from expanding at the moment: in turn a fact and what to do about it.
+  std::function<std::vector<std::string>()> obstacles;
 };
 
 // Answers on the session bus as org.quorlo.Quorlo: the interface org.freedesktop.Application (Desktop Entry,

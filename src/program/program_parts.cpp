@@ -3,6 +3,7 @@
 #include "app/shell/quorlo_app.h"
 #include "base/log.h"
 #include "program/crash_report.h"
+#include "program/doctor/typing_obstacle_text.h"
 #include "store/abbreviation_rules.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
@@ -87,7 +88,7 @@ AppDelegate::Dependencies Program::Parts::delegateDependencies() {
 }
 
 QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
-  statusItem.setToolTip(QuorloApp(QUORLO_VERSION).toolTip());
+  showObstacles();
   return menu.emplace(QLSnippetStatusMenuViewController::Dependencies{
       .queue = queue,
       .settings = settings,
@@ -111,6 +112,10 @@ void Program::Parts::createAbbreviationsMonitor() {
                                                      desktop->workspace(), context, settings, accessibility,
                                                      persistence, persistence.managedObjectContext(), paste});
   shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
+}
+
+std::string Program::Parts::inputMethod() const {
+  return (ibus.inputMethod().isEmpty() ? fcitx.inputMethod() : ibus.inputMethod()).toStdString();
 }
 
 void Program::Parts::mentionCrashReport() {
@@ -212,15 +217,45 @@ ApplicationRequests Program::Parts::requests() {
           .showEditor = [this] { navigation.showSnippetEditor(); },
           .showSettings = [this] { navigation.showSettings(); },
           .quit = [this] { delegate.terminate(); },
-          .status = [this] { return status(); }};
+          .status = [this] { return status(); },
+          .obstacles =
+              [this] {
+                std::vector<std::string> list;
+                for (const auto& [what, remedy] : obstacles()) {
+                  list.push_back(toUtf8(what));
+                  list.push_back(toUtf8(remedy));
+                }
+                return list;
+              }};
+}
+
+// While abbreviations are off nothing is watched, and nothing is missing.
+std::vector<AccessibilityHelp> Program::Parts::obstacles() const {
+  std::vector<AccessibilityHelp> list;
+  if (!settings.abbreviationsEnabled()) return list;
+  for (const auto each : desktop->accessibilityTrust().obstacles())
+    list.push_back(quorlo::accessibilityHelp(each));
+  return list;
+}
+
+void Program::Parts::showObstacles() {
+  auto toolTip = QuorloApp(QUORLO_VERSION).toolTip();
+  for (const auto& each : obstacles()) toolTip += u"\n" + each.what;
+  statusItem.setToolTip(toolTip);
 }
 
 std::string Program::Parts::status() const {
   const auto snippets =
       persistence.managedObjectContext().count(Entity::snippet, QLSnippet::kDeletionDate.isNil());
-  return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{} snippets in {}.\n",
+  std::string missing;
+  for (const auto& [what, remedy] : obstacles()) missing += "  " + toUtf8(what) + " " + toUtf8(remedy) + "\n";
+  if (const auto obstacle = context.obstacle(); obstacle && settings.abbreviationsEnabled()) {
+    const auto [what, remedy] = describe(*obstacle, inputMethod());
+    missing += "  " + what + " " + remedy + "\n";
+  }
+  return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{}{} snippets in {}.\n",
                      QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
-                     snippets ? snippets.value() : 0, storeFile.string());
+                     missing, snippets ? snippets.value() : 0, storeFile.string());
 }
 
 }  // namespace quorlo

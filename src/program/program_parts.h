@@ -14,6 +14,7 @@
 #include "base/core_dumps.h"
 #include "base/localized.h"
 #include "engine/abbreviations_monitor.h"
+#include "engine/accessibility_help.h"
 #include "engine/accessibility_manager.h"
 #include "engine/fill_in/fill_in_controller.h"
 #include "engine/paste/macro_preparation.h"
@@ -50,6 +51,9 @@
 #include "ui/screen_lock.h"
 #include "ui/thread_background_queue.h"
 #include "ui/tray/qt_status_item.h"
+#include "ui/typing/fcitx_input_method.h"
+#include "ui/typing/ibus_engine.h"
+#include "ui/typing/password_field.h"
 #include "x11/desktop/x11_desktop.h"
 
 #include <QCoreApplication>
@@ -90,7 +94,10 @@ struct Program::Parts {
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
+  std::string inputMethod() const;  // the one that makes text of the keys; empty for none
   std::string status() const;
+  std::vector<AccessibilityHelp> obstacles() const;
+  void showObstacles();
 
   std::unique_ptr<Ground> ground;
   std::function<void(int status)> quit;
@@ -106,7 +113,14 @@ struct Program::Parts {
   AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
   Subscription accessibilityAddress = desktop->serveAddress(
       std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
-  SessionTypingContext context{{.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); }}};
+  FcitxInputMethod fcitx;
+  IbusEngine ibus{queue, background};
+  PasswordField passwordField{queue, background, desktop->workspace()};
+  SessionTypingContext context{
+      {.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); },
+       .passwordFieldHasFocus = [this] { return passwordField.hasFocus(); },
+       .inputMethodIsActive =
+           [this] { return !inputMethod().empty() && !settings.expandWhileInputMethodIsActive(); }}};
   ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};
@@ -142,6 +156,7 @@ struct Program::Parts {
   LaunchAtLogin launchAtLogin{environment.configDirectory().parent_path() / "autostart", ground->programFile};
   StarterOffer starterOffer{defaults, persistence, environment.resourcesDirectory() / "starter-library.json"};
   QtStatusItem statusItem{{queue, notifications, defaults}};
+  Subscription obstacleChanges = desktop->accessibilityTrust().observeObstacles([this] { showObstacles(); });
   SnippetMenuWindow menuWindow{desktop->mouseMonitor()};
   std::unique_ptr<AboutWindow> about;
   QtAppWindows windows;

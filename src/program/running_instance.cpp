@@ -101,6 +101,15 @@ Result<std::string> RunningInstance::status() const {
   return answer.value().arguments().value(0).toString().toStdString();
 }
 
+Result<std::vector<std::string>> RunningInstance::obstacles() const {
+  const auto answer = call(kServiceName, "Obstacles", {});
+  if (!answer) return answer.error();
+  std::vector<std::string> list;
+  for (const auto& each : answer.value().arguments().value(0).toStringList())
+    list.push_back(each.toStdString());
+  return list;
+}
+
 // Waits for the end of the process, not of its service: only then its place is free for another one.
 Status RunningInstance::quit() const {
   const auto process = processOfInstance();

@@ -19,6 +19,8 @@ class RunningInstance {
   Status open(const std::vector<std::filesystem::path>& files) const;
   Status activateAction(std::string_view name) const;
   Result<std::string> status() const;
+  // What keeps it from expanding at the moment: in turn a fact and what to do about it.
+  Result<std::vector<std::string>> obstacles() const;
 
   // Asks it to quit and waits until it has; an error when it has not within about 10 s.
   Status quit() const;

@@ -3,15 +3,23 @@
 
 #include <xcb/xcb.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace quorlo {
 namespace {
 
 class DesktopTypingContextTest : public QuorloDesktopTest {};
+
+std::string readFile(const std::filesystem::path& file) {
+  std::ifstream in(file);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
 
 // Another program that has the keyboard for itself until Escape is typed (tests/desktop/apps).
 class KeyboardTaker {
@@ -23,11 +31,7 @@ class KeyboardTaker {
 
   std::string typedOnceItIs(const std::string& expected) const {
     std::string seen;
-    waitUntil([&] {
-      std::ifstream in(file_);
-      seen = {std::istreambuf_iterator<char>(in), {}};
-      return seen == expected;
-    });
+    waitUntil([&] { return (seen = readFile(file_)) == expected; });
     return seen;
   }
 
@@ -99,6 +103,152 @@ TEST_F(DesktopTypingContextTest, AHotKeyOfAnotherProgramTakesTheKeyboardForAMome
   std::string expected;
   for (int i = 0; i < 5; ++i) expected += "be right back,";
   EXPECT_EQ(editor->textOnceItIs(expected), expected);
+}
+
+// A stand-in for services of the session (tests/desktop/apps), on a bus of its own or on the desktop's.
+class SessionServices {
+ public:
+  SessionServices(VirtualDesktop& desktop, const std::vector<std::string>& names, const std::string& address)
+      : desktop_(desktop), address_(address), name_(names.front()), process_(start(desktop, names)) {
+    EXPECT_TRUE(waitUntil([&] { return readFile(output(desktop)) == "ready\n"; }));
+  }
+
+  // The engine, the input method or the role of the part with the focus.
+  void tell(const std::string& what) {
+    runProgram({.words = {"dbus-send", "--bus=" + address_, "--print-reply", "--dest=" + name_, "/",
+                          "org.quorlo.Test.Tell", "string:" + what},
+                .variables = desktop_.variables(),
+                .output = desktop_.directory() / "tell.txt"});
+  }
+
+ private:
+  static std::filesystem::path output(VirtualDesktop& desktop) {
+    return desktop.directory() / "services.txt";
+  }
+  ChildProcess start(VirtualDesktop& desktop, std::vector<std::string> names) const {
+    std::filesystem::remove(output(desktop));
+    names.insert(names.begin(), {"env", "DBUS_SESSION_BUS_ADDRESS=" + address_, SESSION_SERVICES});
+    return desktop.start(std::move(names), output(desktop));
+  }
+
+  VirtualDesktop& desktop_;
+  std::string address_;
+  std::string name_;
+  ChildProcess process_;
+};
+
+struct DesktopTypingServicesTest : DesktopTypingContextTest {
+  void TearDown() override {
+    DesktopTypingContextTest::TearDown();
+    std::filesystem::remove_all(desktop().configHome() / "ibus");
+  }
+  std::string status() {
+    const auto file = desktop().directory() / "status.txt";
+    std::filesystem::remove(file);
+    runProgram({.words = {QUORLO, "status"}, .variables = desktop().variables(), .output = file});
+    return readFile(file);
+  }
+  bool statusSays(const std::string& what) {
+    return waitUntil([&] { return status().find(what) != std::string::npos; });
+  }
+  bool statusIsSilent() {
+    return waitUntil([&] { return status().find("Nothing expands") == std::string::npos; });
+  }
+  std::string sessionBus() { return desktop().variables().at("DBUS_SESSION_BUS_ADDRESS"); }
+};
+
+TEST_F(DesktopTypingServicesTest, NothingExpandsWhileIbusMakesTextOfTheKeysUntilItEndsAndWhenItIsBack) {
+  startQuorlo();
+  auto editor = openRichEditor();
+  const auto startBus = [&](const std::string& address) {
+    return desktop().start({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address});
+  };
+  std::string expected;
+  const auto expectTyped = [&](const std::string& keys, const std::string& text) {
+    type(keys);
+    expected += text;
+    EXPECT_EQ(editor->textOnceItIs(expected), expected);
+  };
+  for (const std::string number : {"1", "2"}) {  // the second is one that was started again
+    const auto socket = desktop().directory() / ("ibus" + number);
+    auto bus = startBus("unix:path=" + socket.string());
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(socket); }));
+    SessionServices ibus(desktop(), {"org.freedesktop.IBus"}, "unix:path=" + socket.string());
+    ibus.tell("libpinyin");
+    EXPECT_TRUE(statusSays("the input method libpinyin")) << status();
+    expectTyped("brb sig\n", "brb sig\n");
+    ibus.tell("xkb:us::eng");
+    EXPECT_TRUE(statusIsSilent());
+    expectTyped("brb.", "brb.");
+    expectTyped(" brb .", " be right back .");
+    ibus.tell("hangul");
+    EXPECT_TRUE(statusSays("the input method hangul")) << status();
+    bus.signal(SIGKILL);
+    EXPECT_TRUE(statusIsSilent());
+    expectTyped(" brb .", " be right back .");
+  }
+}
+
+TEST_F(DesktopTypingServicesTest, AnEngineThatRunsAtTheStartCountsUnlessTheUserWantsItOtherwise) {
+  SessionServices ibus(desktop(), {"org.freedesktop.IBus"}, sessionBus());
+  ibus.tell("libpinyin");
+  startQuorlo();
+  auto editor = openRichEditor();
+  EXPECT_TRUE(statusSays("the input method libpinyin")) << status();
+  type("brb \n");
+  EXPECT_EQ(editor->textOnceItIs("brb \n"), "brb \n");
+  runProgram({.words = {QUORLO, "settings", "set", "ExpandWhileInputMethodIsActive", "on"},
+              .variables = desktop().variables(),
+              .output = desktop().directory() / "set.txt"});
+  EXPECT_TRUE(statusIsSilent());
+  type("brb .");
+  EXPECT_EQ(editor->textOnceItIs("brb \nbe right back ."), "brb \nbe right back .");
+}
+
+TEST_F(DesktopTypingServicesTest, NothingExpandsWhileFcitxMakesTextOfTheKeys) {
+  startQuorlo();
+  auto editor = openRichEditor();
+  {
+    SessionServices fcitx(desktop(), {"org.fcitx.Fcitx5"}, sessionBus());
+    // Told until Quorlo listens.
+    EXPECT_TRUE(waitUntil([&] {
+      fcitx.tell("pinyin");
+      return status().find("the input method pinyin") != std::string::npos;
+    }));
+    type("brb \n");
+    EXPECT_EQ(editor->textOnceItIs("brb \n"), "brb \n");
+    fcitx.tell("keyboard-us");
+    EXPECT_TRUE(statusIsSilent());
+    fcitx.tell("mozc");
+    EXPECT_TRUE(statusSays("the input method mozc"));
+  }
+  EXPECT_TRUE(statusIsSilent());
+  type("brb .");
+  EXPECT_EQ(editor->textOnceItIs("brb \nbe right back ."), "brb \nbe right back .");
+}
+
+TEST_F(DesktopTypingServicesTest, APasswordFieldThatTheAccessibilityBusNamesSeesWhatWasTyped) {
+  constexpr auto kPassword = "40";
+  constexpr auto kEntry = "79";
+  startQuorlo(kLastSymbol);
+  auto editor = openRichEditor();
+  {
+    SessionServices services(desktop(), {"org.a11y.atspi.Registry", "org.a11y.Bus"}, sessionBus());
+    EXPECT_TRUE(waitUntil([&] {
+      services.tell(kEntry);
+      services.tell(kPassword);
+      return status().find("a password field") != std::string::npos;
+    }));
+    type("pasbrb1 br");
+    EXPECT_EQ(editor->textOnceItIs("pasbrb1 br"), "pasbrb1 br");
+    services.tell(kEntry);
+    EXPECT_TRUE(statusIsSilent());
+    type("b brb.");
+    EXPECT_EQ(editor->textOnceItIs("pasbrb1 brb be right back."), "pasbrb1 brb be right back.");
+    services.tell(kPassword);
+    EXPECT_TRUE(statusSays("a password field"));
+  }
+  EXPECT_TRUE(statusIsSilent()) << "its program is gone";
 }
 
 }  // namespace

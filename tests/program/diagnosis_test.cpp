@@ -37,6 +37,10 @@ TEST(DiagnosisTest, EachTroubleIsNamedWithARemedyAndNothingElseIsAProblem) {
       {[](SessionFacts& f) { f.hasNotificationServer = false; }, "No program shows notifications", false},
       {[](SessionFacts& f) { f.abbreviationsEnabled = false; }, "quorlo --abbreviations on", false},
       {[](SessionFacts& f) { f.isRunning = false; }, "Quorlo is not running", false},
+      {[](SessionFacts& f) {
+         f.obstaclesOfRunning = {"The keyboard is taken.", "Close it."};
+       },
+       "Close it.", true},
   };
   for (const auto& [trouble, said, isProblem] : cases) {
     SessionFacts facts;

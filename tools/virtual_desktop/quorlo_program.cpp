@@ -52,19 +52,22 @@ QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program
   waitUntilItWatches();
 }
 
-QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program)
+QuorloProgram::QuorloProgram(VirtualDesktop& desktop, const std::string& program, Start start)
     : log_(freshLog(desktop)),
       debugLog_(dataFolder(desktop) / "Quorlo.log"),
       process_(desktop.start({program}, log_)) {
-  waitUntilItWatches();
+  if (start == Start::waitsUntilItWatches) waitUntilItWatches();
 }
 
 std::string QuorloProgram::log() const {
   return std::filesystem::exists(debugLog_) ? readFile(log_) + readFile(debugLog_) : readFile(log_);
 }
 
+bool QuorloProgram::watches() const {
+  return log().find("Watching the keyboards.") != std::string::npos;
+}
+
 void QuorloProgram::waitUntilItWatches() {
-  const auto watches = [this] { return log().find("Watching the keyboards.") != std::string::npos; };
   waitUntil([&] { return watches() || !process_.running(); });
   if (!watches() || !process_.running()) {
     throw std::runtime_error("Quorlo does not watch the keyboard. It wrote:\n" + log());

@@ -21,11 +21,15 @@ class QuorloProgram {
                 const StoredSettings& settings = {});
 
   // The same with the library and the settings that are there, after one that has ended.
-  QuorloProgram(VirtualDesktop& desktop, const std::string& program);
+  enum class Start { waitsUntilItWatches, doesNotWait };
+  QuorloProgram(VirtualDesktop& desktop, const std::string& program,
+                Start start = Start::waitsUntilItWatches);
 
   ChildProcess& process() { return process_; }
   // Everything logged so far, to standard error or, in debug mode, to the file.
   std::string log() const;
+  // Whether it has begun to watch the keyboard.
+  bool watches() const;
 
  private:
   void waitUntilItWatches();

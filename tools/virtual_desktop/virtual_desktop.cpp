@@ -83,8 +83,7 @@ VirtualDesktop::VirtualDesktop(const std::vector<std::string>& serverArguments)
   bus_.emplace(
       commandFor({"dbus-daemon", "--nofork", "--nopidfile", "--config-file=" + (run / "bus.conf").string()}));
   writeFile(directory_ / "openbox.xml", kOpenboxConfiguration);
-  windowManager_.emplace(
-      commandFor({"openbox", "--sm-disable", "--config-file", directory_ / "openbox.xml"}));
+  windowManager_.emplace(startWindowManager());
   setLayout("us");
 
   windows_ = std::make_unique<WindowList>(connection_.get());
@@ -111,6 +110,18 @@ ChildProcess VirtualDesktop::start(std::vector<std::string> words,
   auto command = commandFor(std::move(words));
   if (!output.empty()) command.output = output;
   return ChildProcess(command);
+}
+
+ChildProcess VirtualDesktop::startWindowManager() const {
+  return start({"openbox", "--replace", "--sm-disable", "--config-file", directory_ / "openbox.xml"});
+}
+
+void VirtualDesktop::replaceWindowManager() {
+  auto next = startWindowManager();
+  const bool hasReplaced = waitUntil(
+      [&] { return !windowManager_->running() && windows_->managerRuns() && !windows_->all().empty(); });
+  if (!hasReplaced) throw std::runtime_error("The window manager was not replaced");
+  windowManager_.emplace(std::move(next));
 }
 
 void VirtualDesktop::setLayout(const std::string& layout, const std::string& options) {

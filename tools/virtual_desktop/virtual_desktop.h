@@ -47,6 +47,11 @@ class VirtualDesktop {
   xcb_connection_t* connection() const { return connection_.get(); }
   XorgServer& server() { return server_; }
 
+  ChildProcess& windowManager() { return *windowManager_; }
+  // Starts another window manager in the place of the one that runs or has ended, and returns when it manages
+  // the windows. Until one of them is activated, the window manager has the keyboard focus.
+  void replaceWindowManager();
+
   // As setxkbmap takes them: "us", "de", "us(intl)"; options such as "compose:ralt".
   void setLayout(const std::string& layout, const std::string& options = {});
   // Reads the keyboard map again, when a program has changed it by other means.
@@ -57,6 +62,7 @@ class VirtualDesktop {
 
  private:
   const KeyLayout& layout();
+  ChildProcess startWindowManager() const;
   Command commandFor(std::vector<std::string> words) const;
 
   TempDir directory_;

@@ -53,8 +53,10 @@ enum class Setting {
   playSound,
   showNotificationForExpension,
   showFormatInspector,
+  expandWhileInputMethodIsActive,
 };
-inline constexpr std::size_t kSettingCount = static_cast<std::size_t>(Setting::showFormatInspector) + 1;
+inline constexpr std::size_t kSettingCount =
+    static_cast<std::size_t>(Setting::expandWhileInputMethodIsActive) + 1;
 
 // What the values of a setting are, and with it how they are stored.
 enum class SettingKind {

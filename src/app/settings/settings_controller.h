@@ -79,6 +79,9 @@ class SettingsController {
   bool expandAbbreviationWithinWord() const { return boolean(Setting::expandAbbreviationWithinWord); }
   void setExpandAbbreviationWithinWord(bool on) { write(Setting::expandAbbreviationWithinWord, on); }
 
+  bool expandWhileInputMethodIsActive() const { return boolean(Setting::expandWhileInputMethodIsActive); }
+  void setExpandWhileInputMethodIsActive(bool on) { write(Setting::expandWhileInputMethodIsActive, on); }
+
   bool removeTriggerKey() const { return boolean(Setting::removeTriggerKey); }
   void setRemoveTriggerKey(bool on) { write(Setting::removeTriggerKey, on); }
 

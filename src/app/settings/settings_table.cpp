@@ -145,6 +145,8 @@ std::array<SettingDescription, kSettingCount> makeTable() {
       flag("PlaySound", true, user, "An expansion plays a sound."),
       flag("ShowNotificationForExpension", true, user, "A notification follows an expansion."),
       flag("ShowFormatInspector", true, user, "The editor shows a format bar for formatted text."),
+      flag("ExpandWhileInputMethodIsActive", false, user,
+           "Abbreviations expand also while an input method (IBus, fcitx5) makes text of the keys."),
   };
 }
 

@@ -95,6 +95,10 @@ std::vector<Finding> switches(const SessionFacts& facts) {
   } else {
     findings.push_back({Level::note, "Quorlo is not running.", "Start it with: quorlo"});
   }
+  const auto& obstacles = facts.obstaclesOfRunning;
+  for (std::size_t i = 0; i + 1 < obstacles.size(); i += 2) {
+    findings.push_back({Level::problem, obstacles[i], obstacles[i + 1]});
+  }
   if (!facts.abbreviationsEnabled) {
     findings.push_back({Level::note, "Abbreviations are switched off.",
                         "Switch them on in the menu, or with: quorlo --abbreviations on"});

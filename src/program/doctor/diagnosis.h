@@ -20,6 +20,7 @@ struct SessionFacts {
   bool hasNotificationServer = true;
   std::optional<std::string> clipboardManager;  // the name of the program that keeps the clipboard's history
   bool isRunning = true;
+  std::vector<std::string> obstaclesOfRunning;  // in turn a fact and what to do about it
   bool abbreviationsEnabled = true;
   bool autoPasteIsEnabled = true;
   bool showsInTray = true;

@@ -22,6 +22,7 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace quorlo {
 namespace {
@@ -62,6 +63,8 @@ void lookAtTheBus(SessionFacts& facts) {
                                                   .property("IsStatusNotifierHostRegistered")
                                                   .toBool();
   facts.isRunning = RunningInstance().isThere();
+  if (!facts.isRunning) return;
+  if (auto obstacles = RunningInstance().obstacles()) facts.obstaclesOfRunning = std::move(obstacles).value();
 }
 
 // Programs that keep what was on the clipboard, by the names of their processes.

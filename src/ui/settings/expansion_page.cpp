@@ -46,6 +46,10 @@ SettingsPage* makeExpansionPage(const SettingsServices& services) {
   page->addSwitch(u"Also expand abbreviations at the end of a word",
                   &SettingsController::expandAbbreviationWithinWord,
                   &SettingsController::setExpandAbbreviationWithinWord);
+  page->addSwitch(u"Also while an input method is active",
+                  &SettingsController::expandWhileInputMethodIsActive,
+                  &SettingsController::setExpandWhileInputMethodIsActive,
+                  u"What is typed for Chinese, Japanese or Korean text would expand, too.");
 
   page->beginGroup(u"What completes an abbreviation");
   addTriggerTypes(*page, settings);
