@@ -111,7 +111,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   if (mayExpand && trigger == AbbreviationTriggerType::delimiterKey &&
       isDelimiter(event, use_.settings.activeAbbreviationKeyStrings())) {
     if (const auto match = findTypedAbbreviation(); match.snippet) {
-      if (!folderAllowsExpansion(*match.snippet, frontmost.get())) return false;
+      if (!isAllowed(*match.snippet, frontmost.get())) return false;
       expand(match, event.characters);
       swallow = true;
     }
@@ -123,7 +123,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   const bool addsText = typedKey(event) == TypedKey::text && !event.characters.empty();
   if (mayExpand && addsText && trigger == AbbreviationTriggerType::lastSymbol) {
     if (const auto match = findTypedAbbreviation();
-        match.snippet && folderAllowsExpansion(*match.snippet, frontmost.get())) {
+        match.snippet && isAllowed(*match.snippet, frontmost.get())) {
       expand(match, {});
       return true;
     }
@@ -174,6 +174,10 @@ bool AbbreviationsMonitor::isApplicationExcluded(const std::string& bundleIdenti
   if (bundleIdentifier == use_.workspace.ownBundleIdentifier()) return true;
   const auto excluded = use_.lookup.hasApp(bundleIdentifier, kExcluded);
   return excluded.ok() && excluded.value();
+}
+
+bool AbbreviationsMonitor::isAllowed(const QLSnippet& snippet, const RunningApplication* application) const {
+  return folderAllowsExpansion(snippet, application) && use_.paste.mayExpand();
 }
 
 void AbbreviationsMonitor::expand(const Match& match, std::u16string_view delimiter) {

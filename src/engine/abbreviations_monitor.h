@@ -72,6 +72,7 @@ class AbbreviationsMonitor {
  private:
   EventTap::Port* eventTap();
   bool isApplicationExcluded(const std::string& bundleIdentifier) const;
+  bool isAllowed(const QLSnippet& snippet, const RunningApplication* application) const;
   Match findTypedAbbreviation() const;
   void editBuffer(const KeyDownEvent& event);
   void expand(const Match& match, std::u16string_view delimiter);

@@ -148,8 +148,9 @@ struct Program::Parts {
   FillInController prompt{{queue, desktop->pasteboard(), desktop->targetFocus(), desktop->typedKeysHold(),
                            settings, environment, interpreter, fillInWindow}};
   MacroPreparation preparation{interpreter, prompt};
-  PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->keyboardLayout(),
-                         desktop->typedKeysHold(), application, notifications, settings, sound, preparation}};
+  PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->insertionTarget(),
+                         desktop->keyboardLayout(), desktop->typedKeysHold(), application, notifications,
+                         settings, sound, preparation}};
   std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
   std::optional<SharedInstances> shared;
 

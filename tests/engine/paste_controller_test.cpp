@@ -390,6 +390,60 @@ TEST_F(PasteTest, AnOwnerThatRefusesItsContentsDoesNotStopTheExpansion) {
   EXPECT_EQ(desktop.text(), u"S ");
 }
 
+TEST_F(PasteTest, AnApplicationThatDoesNotPasteIsTypedInto) {
+  desktop.front().profile.method = InsertionMethod::type;
+  add(u"sig", u"one\ntwo\tthree");
+  desktop.typeAndWait(u"sig ");
+  EXPECT_EQ(desktop.text(), u"one\ntwo\tthree ");
+  EXPECT_TRUE(desktop.front().pasted.empty());
+  desktop.removeKeyOf(u'w');  // such a piece can only be pasted
+  desktop.typeAndWait(u"sig ");
+  EXPECT_EQ(desktop.front().pasted.size(), 1U);
+}
+
+TEST_F(PasteTest, AnApplicationMayBeLeftAlone) {
+  desktop.front().profile.method = InsertionMethod::none;
+  add(u"sig", u"S");
+  desktop.typeAndWait(u"sig ");
+  useLastSymbol();
+  desktop.typeAndWait(u"sig");
+  EXPECT_EQ(desktop.text(), u"sig sig");
+  desktop.launch("org.example.Other");
+  desktop.typeAndWait(u"sig");
+  EXPECT_EQ(desktop.text(), u"S");
+}
+
+TEST_F(PasteTest, KeysTypedMeanwhileWaitForTheApplicationToMoveItsCaret) {
+  desktop.front().profile.pauseAfterCaretMoves = Seconds(0.2);
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(0));
+  add(u"sig", u"[%cursor%]");
+  add(u"brb", u"back");
+  desktop.type(u"sig x");
+  desktop.queue.advance(Seconds(0.15));
+  EXPECT_EQ(desktop.posts.back(), (FakeDesktop::Post{key::kLeftArrow, 0, PostLocation::annotatedSession, 2}));
+  EXPECT_TRUE(desktop.holdsKeys());
+  desktop.queue.advance(Seconds(0.2));
+  EXPECT_FALSE(desktop.holdsKeys());
+  EXPECT_EQ(desktop.text(), u"[x] ");
+  desktop.type(u" brb ");
+  desktop.queue.advance(Seconds(0.15));
+  EXPECT_FALSE(desktop.holdsKeys()) << "no caret was moved";
+}
+
+TEST_F(PasteTest, KeysAreCountedByWhatTheToolkitErasesAndPasses) {
+  desktop.pasteboard.copyFromElsewhere("e\u0301\U0001F468\u200D\U0001F469");
+  add(u"e\u0301x", u"[%cursor%%clipboard%\U0001F600]");
+  for (const auto toolkit : {Toolkit::qt, Toolkit::gtk}) {
+    desktop.front().toolkit = toolkit;
+    desktop.posts.clear();
+    desktop.typeAndWait(u" e\u0301x ");
+    EXPECT_EQ(desktop.posts.front().count, toolkit == Toolkit::qt ? 3 : 2);
+    EXPECT_EQ(desktop.posts.back().code, key::kLeftArrow);
+    EXPECT_EQ(desktop.posts.back().count, 5)
+        << "two from the clipboard, one picture, a bracket, the delimiter";
+  }
+}
+
 TEST(PieceContentsTest, EachTypeOffersWhatSuitsThePlaceWhereItLands) {
   AttributedString rich(u"bold\nline");
   TextAttributes bold;

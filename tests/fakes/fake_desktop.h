@@ -6,6 +6,7 @@
 #include "platform/accessibility_trust.h"
 #include "platform/event_poster.h"
 #include "platform/event_tap.h"
+#include "platform/insertion/insertion_target.h"
 #include "platform/keyboard_layout.h"
 #include "platform/mouse_monitor.h"
 #include "platform/typed_keys_hold.h"
@@ -28,6 +29,8 @@ struct FakeApplication {
   std::u16string text;
   std::size_t caret = 0;
   std::vector<PasteboardContents> pasted;
+  InsertionProfile profile;
+  Toolkit toolkit = Toolkit::unknown;
 
   void receive(KeyCode code, ModifierFlags flags, std::u16string_view characters,
                const FakePasteboard& pasteboard);
@@ -42,6 +45,7 @@ struct FakeApplication {
 // Keystrokes in, text out.
 class FakeDesktop : public EventTap,
                     public EventPoster,
+                    public InsertionTarget,
                     public TypedKeysHold,
                     public MouseMonitor,
                     public KeyboardLayout,
@@ -109,6 +113,8 @@ class FakeDesktop : public EventTap,
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
   bool canType(std::u16string_view text) const override;
   void typeText(std::u16string_view text) override;
+  InsertionProfile profile() const override { return active_->profile; }
+  Toolkit toolkit() const override { return active_->toolkit; }
   std::unique_ptr<Hold> begin() override;
   bool lastPieceWasRead() const override { return !piecesStayUnread_; }
   Subscription observeLeftMouseDown(std::function<void()> handler) override;

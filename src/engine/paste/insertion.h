@@ -3,6 +3,7 @@
 #include "base/life_token.h"
 #include "engine/paste/paste_services.h"
 #include "macros/prepared_snippet.h"
+#include "platform/insertion/toolkit.h"
 #include "platform/main_queue.h"
 #include "platform/pasteboard.h"
 #include "platform/typed_keys_hold.h"
@@ -15,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorlo {
@@ -58,12 +60,14 @@ class Insertion {
   void countKeysToCursor(const AttributedString& piece);
   void deleteAbbreviationAndPaste();
   void postPaste();
-  void pressPasteChord();
+  void pasteOrType(std::u16string_view text);
   void typeNextSpecialKey();
   void pressSpecialKey(const KeyStep& key);
   void pasteClipboard(bool textOnly);
   void pasteNextPartOrFinish();
-  void moveCaretToCursor();
+  bool moveCaretToCursor();
+  void restoreAndFinish();
+  std::function<Toolkit()> toolkit() const;
   void finishPasting();
   void notifyAutoPasteOff();
   void end();
@@ -98,6 +102,7 @@ class Insertion {
   std::size_t numberOfKeyTypesToGetToCursorPosition = 0;
   bool abbreviationHasBeenRemoved = false;
   bool ignorePaste = false;
+  std::u16string pieceText_;  // of the piece to paste now
 
   LifeToken life_;
 };

@@ -2,6 +2,7 @@
 
 #include "app/settings/settings_controller.h"
 #include "engine/paste/paste_notifications.h"
+#include "platform/insertion/insertion_target.h"
 #include "platform/user_notifications.h"
 
 #include <utility>
@@ -26,6 +27,10 @@ void PasteController::pasteSnippet(AttributedString content, std::shared_ptr<QLS
   if (!insertion_) return begin(std::move(request));
   waiting_.push_back(std::move(request));
   insertion_->callOffQuestion();
+}
+
+bool PasteController::mayExpand() const {
+  return use_.target.profile().method != InsertionMethod::none;
 }
 
 void PasteController::begin(InsertionRequest request) {

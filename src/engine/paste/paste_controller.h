@@ -40,6 +40,9 @@ class PasteController {
   void pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet, std::u16string abbreviation,
                     PastingCompletion completion);
 
+  // False in an application that the user wants left alone.
+  bool mayExpand() const;
+
   // Lets the menu hide the program's windows before the insertion starts. They return when it has ended.
   void hideOwnWindows() { ownWindows_.hide(); }
 

@@ -5,6 +5,7 @@
 namespace quorlo {
 
 class EventPoster;
+class InsertionTarget;
 class KeyboardLayout;
 class MainQueue;
 class OwnApplication;
@@ -20,6 +21,7 @@ struct PasteServices {
   MainQueue& queue;
   Pasteboard& generalPasteboard;
   EventPoster& poster;
+  InsertionTarget& target;
   KeyboardLayout& layout;
   TypedKeysHold& typedKeys;
   OwnApplication& application;

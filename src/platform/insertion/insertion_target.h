@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/insertion/insertion_profile.h"
+#include "platform/insertion/toolkit.h"
 
 namespace quorlo {
 
@@ -11,6 +12,8 @@ class InsertionTarget {
 
   // How it takes what is inserted, by the table of applications.
   virtual InsertionProfile profile() const = 0;
+  // Looks at the process, which takes about a millisecond.
+  virtual Toolkit toolkit() const = 0;
 };
 
 }  // namespace quorlo

@@ -17,6 +17,7 @@ class X11InsertionTarget : public InsertionTarget {
                      std::function<const InsertionTable&()> table);
 
   InsertionProfile profile() const override;
+  Toolkit toolkit() const override;
   ActiveWindow window() const { return activeWindow_(); }
 
  private:
