@@ -47,6 +47,9 @@ class Session {
     typist.setGap(std::chrono::milliseconds(scene_.oneOf(kGaps)));
     typist.typeWords(3, Promise::expands);
     const auto chosen = choose();
+    log_ << "round " << ++outcome.rounds << ": ";
+    for (const auto* each : chosen) log_ << (each == chosen.front() ? "" : " + ") << each->name;
+    log_ << std::flush;
     bool isStrict = true;
     for (const auto* each : chosen) {
       isStrict = isStrict && each->meanwhile == Disturbance::Meanwhile::everythingExpands;
@@ -59,7 +62,8 @@ class Session {
     typist.typeWords(4, Promise::expands);
     typist.waitForArrival();
     typist.closeAccount();
-    account(chosen, hasSettled, outcome);
+    outcome.disturbances += static_cast<int>(chosen.size());
+    account(hasSettled, outcome);
   }
 
  private:
@@ -78,7 +82,7 @@ class Session {
     return chosen;
   }
 
-  void account(const Chosen& chosen, bool hasSettled, ChaosOutcome& outcome) {
+  void account(bool hasSettled, ChaosOutcome& outcome) {
     auto result = scene_.typist().takeResult();
     if (!hasSettled) {
       result.faults.wrong += 1;
@@ -88,12 +92,8 @@ class Session {
       result.faults.wrong += 1;
       result.report += "The clipboard does not hold what was copied last.\n";
     }
-    ++outcome.rounds;
-    outcome.disturbances += static_cast<int>(chosen.size());
     outcome.faults += result.faults;
     outcome.longestDeadTime = std::max(outcome.longestDeadTime, result.longestDeadTime);
-    log_ << "round " << outcome.rounds << ": ";
-    for (const auto* each : chosen) log_ << (each == chosen.front() ? "" : " + ") << each->name;
     log_ << "; dead for " << result.longestDeadTime.count() << " ms";
     if (result.faults.sum() > 0) {
       log_ << "; lost " << result.faults.lost << ", wrong " << result.faults.wrong << "\n" << result.report;
