@@ -35,6 +35,7 @@ TEST(DiagnosisTest, EachTroubleIsNamedWithARemedyAndNothingElseIsAProblem) {
       {[](SessionFacts& f) { f.hasStatusNotifierHost = false; }, "shows no tray icons", false},
       {[](SessionFacts& f) { f.clipboardManager = "clipit"; }, "clipit keeps", false},
       {[](SessionFacts& f) { f.hasNotificationServer = false; }, "No program shows notifications", false},
+      {[](SessionFacts& f) { f.hasAccessibilityBus = false; }, "expand in password fields too", false},
       {[](SessionFacts& f) { f.abbreviationsEnabled = false; }, "quorlo --abbreviations on", false},
       {[](SessionFacts& f) { f.isRunning = false; }, "Quorlo is not running", false},
       {[](SessionFacts& f) {

@@ -21,7 +21,12 @@ std::vector<Finding> display(const SessionFacts& facts) {
     return {{Level::problem, *facts.displayProblem,
              "Run Quorlo inside a graphical session that has an X server."}};
   }
-  if (facts.obstacles.empty()) return {{Level::fine, "Keys can be watched and posted on this display."}};
+  if (facts.obstacles.empty()) {
+    return {
+        {Level::fine, "Keys can be watched and posted on this display.",
+         "Abbreviations expand from the keys of keyboards. Keys that programs make (xdotool, remote control "
+         "and on-screen keyboards by XTEST) are not watched."}};
+  }
   std::vector<Finding> findings;
   for (const auto each : facts.obstacles) {
     const auto help = accessibilityHelp(each);
@@ -62,6 +67,16 @@ Finding clipboard(const SessionFacts& facts) {
                   *facts.clipboardManager),
       "If snippets turn up in the history, or a paste brings the wrong text, switch the history off for a "
       "try, and exclude Quorlo in its settings."};
+}
+
+Finding passwordFields(const SessionFacts& facts) {
+  if (facts.hasAccessibilityBus) {
+    return {Level::fine, "Nothing expands in password fields of programs that use the accessibility bus."};
+  }
+  return {Level::note,
+          "The accessibility bus does not run. Abbreviations expand in password fields too, unless a prompt "
+          "has the keyboard for itself.",
+          "The package at-spi2-core brings that bus. Programs can be excluded in Settings > Applications."};
 }
 
 Finding notifications(const SessionFacts& facts) {
@@ -123,6 +138,7 @@ std::vector<Finding> diagnose(const SessionFacts& facts) {
     findings.push_back(guard(facts));
     findings.push_back(tray(facts));
     findings.push_back(clipboard(facts));
+    findings.push_back(passwordFields(facts));
   }
   findings.push_back(notifications(facts));
   findings.push_back(folders(facts));

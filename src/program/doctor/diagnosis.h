@@ -18,6 +18,7 @@ struct SessionFacts {
   bool hasStatusNotifierHost = true;
   bool hasXEmbedTray = false;
   bool hasNotificationServer = true;
+  bool hasAccessibilityBus = true;
   std::optional<std::string> clipboardManager;  // the name of the program that keeps the clipboard's history
   bool isRunning = true;
   std::vector<std::string> obstaclesOfRunning;  // in turn a fact and what to do about it

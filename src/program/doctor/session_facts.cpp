@@ -56,6 +56,7 @@ void lookAtTheBus(SessionFacts& facts) {
     facts.hasNotificationServer = bus.interface()->activatableServiceNames().value().contains(
         QLatin1String("org.freedesktop.Notifications"));
   }
+  facts.hasAccessibilityBus = has("org.a11y.Bus");
   facts.hasStatusNotifierHost =
       has("org.kde.StatusNotifierWatcher") && QDBusInterface(QStringLiteral("org.kde.StatusNotifierWatcher"),
                                                              QStringLiteral("/StatusNotifierWatcher"),
