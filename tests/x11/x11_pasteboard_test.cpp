@@ -225,6 +225,7 @@ TEST_F(X11PasteboardTest, CompletesBehindAPieceWhatASlowOwnerWasAskedFor) {
   owner_.own(kClipboard, {{"image/png", {picture, inPieces}},
                           {"application/x-qt-image", {picture}},
                           {"text/rtf", {bytes("{}")}},
+                          {"TEXT", {bytes("a caption")}},
                           {kUtf8, {bytes("a caption")}}});
   bool mayBeReplaced = false;
   std::optional<PasteboardCopy> copy;

@@ -93,6 +93,12 @@ bool isMarkerTarget(std::string_view target) {
   return target.starts_with(kMarkerPrefix) || target == kPasswordHint;
 }
 
+bool isTextName(std::string_view target) {
+  static constexpr std::array<std::string_view, 6> kNames{
+      "UTF8_STRING", "STRING", "TEXT", "COMPOUND_TEXT", "text/plain", pasteboard_type::kPlainText};
+  return contains(kNames, target);
+}
+
 bool isPicture(std::string_view target) {
   return target.starts_with("image/") && target.find("svg") == std::string_view::npos;
 }

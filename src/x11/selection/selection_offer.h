@@ -47,6 +47,8 @@ PasteboardData encoded(const PasteboardData& data, OfferedTarget::Encoding encod
 bool isProtocolTarget(std::string_view target);
 bool isMarkerTarget(std::string_view target);
 
+// One of the names of plain text, which are all offered when one of them has been saved.
+bool isTextName(std::string_view target);
 // A picture of pixels, which its owner encodes when it is asked for.
 bool isPicture(std::string_view target);
 

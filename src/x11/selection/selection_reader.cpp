@@ -327,6 +327,10 @@ std::vector<PasteboardLoss> SelectionReader::lossesOf(const Read& read) const {
   for (const auto& target : read.wanted) {
     if (!read.hasAskedFor(target)) losses.push_back({target, unanswered});
   }
+  const bool hasText = std::ranges::any_of(read.fetches, [](const Fetch& fetch) {
+    return fetch.state == State::complete && isTextName(fetch.target);
+  });
+  if (hasText) std::erase_if(losses, [](const PasteboardLoss& loss) { return isTextName(loss.type); });
   return losses;
 }
 
