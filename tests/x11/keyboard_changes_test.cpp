@@ -163,6 +163,39 @@ TEST_F(KeyboardChangesTest, AShiftThatIsTappedWithStickyKeysCountsForTheNextKey)
   setStickyKeys(*desktop_, false);
 }
 
+TEST_F(KeyboardChangesTest, ModifiersThatStickDoNotReachPostedKeys) {
+  setStickyKeys(*desktop_, true);
+  const auto post = [&] {
+    keyboard.service->post([](KeyStream::Output& output) {
+      output.press(kQ);
+      output.release(kQ);
+    });
+  };
+  // What the window has noted since the last call, once it is that.
+  const auto arrives = [&](const std::string& log) {
+    keyboard.pumpUntil([&] { return window.log() == log; });
+    const auto result = window.log();
+    window.clear();
+    return result;
+  };
+  const std::string shift = "<Shift_L>^<Shift_L>";
+  keys().tap("Shift");
+  EXPECT_EQ(arrives(shift), shift);
+  post();
+  EXPECT_EQ(arrives("q^q"), "q^q") << "latched";
+  keys().tap("Shift");
+  keys().tap("Shift");
+  keys().tap(kA);
+  EXPECT_EQ(arrives(shift + shift + "A^A"), shift + shift + "A^A");
+  post();
+  EXPECT_EQ(arrives("q^q"), "q^q") << "locked";
+  keys().tap(kA);
+  EXPECT_EQ(arrives("A^A"), "A^A") << "locked as before";
+  keys().tap("Shift");
+  EXPECT_TRUE(readsAs(kA, "a"));
+  setStickyKeys(*desktop_, false);
+}
+
 TEST_F(KeyboardChangesTest, AStormOfLayoutsEndsWithTheLastOne) {
   for (int i = 0; i < 8; ++i) {
     for (const auto* layout : {"de", "fr", "us"}) {

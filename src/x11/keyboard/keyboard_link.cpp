@@ -18,6 +18,10 @@ namespace {
 constexpr std::uint16_t kAllDevices = 0;
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
 
+// Those that make chords of keys; a locked Caps Lock or layout does not.
+constexpr std::uint8_t kOfChords =
+    XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+
 constexpr std::string_view kWaylandDevices = "xwayland-";  // of Xwayland, by their names
 
 std::string_view nameOf(const xcb_input_xi_device_info_t& device) {
@@ -209,6 +213,8 @@ KeyReader::Locks KeyboardLink::locks() {
   const auto state =
       connection_.reply(xcb_xkb_get_state_reply, xcb_xkb_get_state(connection_.get(), masterKeyboard_));
   if (!state) return {};
+  latched_ = state->latchedMods;
+  stuck_ = state->lockedMods & kOfChords;
   return {state->latchedMods, state->lockedMods, state->latchedGroup, state->lockedGroup};
 }
 
@@ -230,6 +236,18 @@ void KeyboardLink::followLocks(const KeyReader::Locks& locks) {
 void KeyboardLink::lock(Device device, const KeyReader::Locks& locks) const {
   xcb_xkb_latch_lock_state(connection_.get(), device, 0xFF, static_cast<std::uint8_t>(locks.lockedModifiers),
                            1, static_cast<std::uint8_t>(locks.lockedGroup), 0, 0, 0);
+}
+
+std::uint8_t KeyboardLink::freeStuckModifiers() {
+  const auto stuck = stuck_.load();
+  if (latched_ == 0 && stuck == 0) return 0;
+  xcb_xkb_latch_lock_state(connection_.get(), masterKeyboard_, stuck, 0, 0, 0, 0xFF, 0, 0);
+  return stuck;
+}
+
+void KeyboardLink::lockModifiers(std::uint8_t modifiers) {
+  if (modifiers == 0) return;
+  xcb_xkb_latch_lock_state(connection_.get(), masterKeyboard_, modifiers, modifiers, 0, 0, 0, 0, 0);
 }
 
 void KeyboardLink::press(XKeycode keycode) {

@@ -8,6 +8,7 @@
 #include "x11/keyboard/keyboard_events.h"
 #include "x11/keyboard/map_sharing.h"
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -68,6 +69,9 @@ class KeyboardLink : public KeyStream::Output {
   // The grabbed keyboards take over what was changed of the session's keyboard. True when the map that
   // applications see is another one.
   bool followMap() { return maps_.follow(grabbed_); }
+  // Takes away modifiers that hold without a key, by Sticky Keys; tells which are to be locked again.
+  std::uint8_t freeStuckModifiers();
+  void lockModifiers(std::uint8_t modifiers);
   void followControls();
   void followLocks(const KeyReader::Locks& locks);
 
@@ -94,6 +98,8 @@ class KeyboardLink : public KeyStream::Output {
   KeyboardEvents events_;
   Device masterKeyboard_ = 0;
   Device xtestKeyboard_ = 0;
+  std::atomic<std::uint8_t> latched_ = 0;  // as last heard
+  std::atomic<std::uint8_t> stuck_ = 0;
   std::set<Device> grabbed_;
   std::set<Device> refused_;  // by another program, which was logged
   MapSharing maps_{connection_, 0};

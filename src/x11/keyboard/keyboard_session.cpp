@@ -294,7 +294,11 @@ void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) 
   if (!stream_) return;
   noteProgress();
   if (tapping_) {
-    stream_->withoutModifiers(keys);
+    stream_->withoutModifiers([&](KeyStream::Output& output) {
+      const auto stuck = link_.freeStuckModifiers();
+      keys(output);
+      link_.lockModifiers(stuck);
+    });
   } else {
     const auto modifiers = link_.pressedModifiers();
     for (const auto keycode : modifiers) link_.release(keycode);
