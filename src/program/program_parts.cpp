@@ -221,7 +221,7 @@ ApplicationRequests Program::Parts::requests() {
           .obstacles =
               [this] {
                 std::vector<std::string> list;
-                for (const auto& [what, remedy] : obstacles()) {
+                for (const auto& [what, remedy] : obstaclesNow()) {
                   list.push_back(toUtf8(what));
                   list.push_back(toUtf8(remedy));
                 }
@@ -238,6 +238,15 @@ std::vector<AccessibilityHelp> Program::Parts::obstacles() const {
   return list;
 }
 
+std::vector<AccessibilityHelp> Program::Parts::obstaclesNow() const {
+  auto list = obstacles();
+  const auto obstacle = context.obstacle();
+  if (obstacle && settings.abbreviationsEnabled()) {
+    list.push_back(typingObstacleHelp(*obstacle, inputMethod()));
+  }
+  return list;
+}
+
 void Program::Parts::showObstacles() {
   auto toolTip = QuorloApp(QUORLO_VERSION).toolTip();
   for (const auto& each : obstacles()) toolTip += u"\n" + each.what;
@@ -248,11 +257,8 @@ std::string Program::Parts::status() const {
   const auto snippets =
       persistence.managedObjectContext().count(Entity::snippet, QLSnippet::kDeletionDate.isNil());
   std::string missing;
-  for (const auto& [what, remedy] : obstacles()) missing += "  " + toUtf8(what) + " " + toUtf8(remedy) + "\n";
-  if (const auto obstacle = context.obstacle(); obstacle && settings.abbreviationsEnabled()) {
-    const auto [what, remedy] = describe(*obstacle, inputMethod());
-    missing += "  " + what + " " + remedy + "\n";
-  }
+  for (const auto& [what, remedy] : obstaclesNow())
+    missing += "  " + toUtf8(what) + " " + toUtf8(remedy) + "\n";
   return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{}{} snippets in {}.\n",
                      QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
                      missing, snippets ? snippets.value() : 0, storeFile.string());

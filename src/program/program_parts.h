@@ -97,6 +97,7 @@ struct Program::Parts {
   std::string inputMethod() const;  // the one that makes text of the keys; empty for none
   std::string status() const;
   std::vector<AccessibilityHelp> obstacles() const;
+  std::vector<AccessibilityHelp> obstaclesNow() const;  // with those of the place where the user types
   void showObstacles();
 
   std::unique_ptr<Ground> ground;

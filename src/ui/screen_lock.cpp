@@ -7,6 +7,7 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 #include <utility>
 
@@ -14,6 +15,7 @@ namespace quorlo {
 namespace {
 
 const auto kLogin = QStringLiteral("org.freedesktop.login1");
+const auto kProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 const auto kSession = QStringLiteral("org.freedesktop.login1.Session");
 constexpr auto kScreenSavers = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
                                 "org.cinnamon.ScreenSaver", "org.mate.ScreenSaver", "org.xfce.ScreenSaver"};
@@ -41,8 +43,33 @@ ScreenLock::ScreenLock(std::function<void(bool)> changed) : changed_(std::move(c
   for (const auto* const interface : kScreenSavers) {
     bus.connect({}, {}, QString::fromLatin1(interface), QStringLiteral("ActiveChanged"), this,
                 SLOT(activeChanged(bool, QDBusMessage)));
+    askScreenSaver(QString::fromLatin1(interface));
   }
   followSession();
+}
+
+// By its name, so that it is not started. Its signals tell its other name, under which it is remembered.
+void ScreenLock::askScreenSaver(const QString& interface) {
+  const auto path = QLatin1Char('/') + QString(interface).replace(QLatin1Char('.'), QLatin1Char('/'));
+  auto call = QDBusMessage::createMethodCall(interface, path, interface, QStringLiteral("GetActive"));
+  call.setAutoStartService(false);
+  auto* const answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    const QDBusPendingReply<bool> isActive = *answer;
+    if (isActive.isValid() && isActive.value()) activeChanged(true, isActive.reply());
+    answer->deleteLater();
+  });
+}
+
+void ScreenLock::askSession(const QString& path) {
+  const auto call = QDBusMessage::createMethodCall(kLogin, path, kProperties, QStringLiteral("Get"))
+                    << kSession << QStringLiteral("LockedHint");
+  auto* const answer = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    const QDBusPendingReply<QDBusVariant> isLocked = *answer;
+    if (isLocked.isValid()) note(kLogin, isLocked.value().variant().toBool());
+    answer->deleteLater();
+  });
 }
 
 void ScreenLock::followSession() {
@@ -52,8 +79,9 @@ void ScreenLock::followSession() {
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, bus, answer]() mutable {
     const QDBusPendingReply<QDBusObjectPath> session = *answer;
     if (session.isValid()) {
-      bus.connect(kLogin, session.value().path(), QStringLiteral("org.freedesktop.DBus.Properties"),
-                  QStringLiteral("PropertiesChanged"), this, SLOT(sessionChanged(QString, QVariantMap)));
+      bus.connect(kLogin, session.value().path(), kProperties, QStringLiteral("PropertiesChanged"), this,
+                  SLOT(sessionChanged(QString, QVariantMap)));
+      askSession(session.value().path());
     }
     answer->deleteLater();
   });

@@ -14,7 +14,8 @@ namespace quorlo {
 
 // Tells when the screen is locked, so that nobody takes the password for an abbreviation: by logind's session
 // (freedesktop.org, org.freedesktop.login1.Session, LockedHint) and the screen savers of the session bus.
-// Never locked where there is neither. Needs the QCoreApplication.
+// Both are asked at the start, since the screen may be locked already. Never locked where there is neither.
+// Needs the QCoreApplication.
 class ScreenLock final : public QObject {
   Q_OBJECT
 
@@ -26,6 +27,8 @@ class ScreenLock final : public QObject {
   Q_SLOT void activeChanged(bool isActive, const QDBusMessage& message);
   Q_SLOT void sessionChanged(const QString& interface, const QVariantMap& changed);
   void followSession();
+  void askSession(const QString& path);
+  void askScreenSaver(const QString& interface);
   void note(const QString& locker, bool isLocked);
 
   std::function<void(bool)> changed_;

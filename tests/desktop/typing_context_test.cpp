@@ -152,7 +152,7 @@ struct DesktopTypingServicesTest : DesktopTypingContextTest {
     return waitUntil([&] { return status().find(what) != std::string::npos; });
   }
   bool statusIsSilent() {
-    return waitUntil([&] { return status().find("Nothing expands") == std::string::npos; });
+    return waitUntil([&] { return status().find("nothing expands") == std::string::npos; });
   }
   std::string sessionBus() { return desktop().variables().at("DBUS_SESSION_BUS_ADDRESS"); }
 };
@@ -175,14 +175,14 @@ TEST_F(DesktopTypingServicesTest, NothingExpandsWhileIbusMakesTextOfTheKeysUntil
     ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(socket); }));
     SessionServices ibus(desktop(), {"org.freedesktop.IBus"}, "unix:path=" + socket.string());
     ibus.tell("libpinyin");
-    EXPECT_TRUE(statusSays("the input method libpinyin")) << status();
+    EXPECT_TRUE(statusSays("input method libpinyin")) << status();
     expectTyped("brb sig\n", "brb sig\n");
     ibus.tell("xkb:us::eng");
     EXPECT_TRUE(statusIsSilent());
     expectTyped("brb.", "brb.");
     expectTyped(" brb .", " be right back .");
     ibus.tell("hangul");
-    EXPECT_TRUE(statusSays("the input method hangul")) << status();
+    EXPECT_TRUE(statusSays("input method hangul")) << status();
     bus.signal(SIGKILL);
     EXPECT_TRUE(statusIsSilent());
     expectTyped(" brb .", " be right back .");
@@ -194,7 +194,7 @@ TEST_F(DesktopTypingServicesTest, AnEngineThatRunsAtTheStartCountsUnlessTheUserW
   ibus.tell("libpinyin");
   startQuorlo();
   auto editor = openRichEditor();
-  EXPECT_TRUE(statusSays("the input method libpinyin")) << status();
+  EXPECT_TRUE(statusSays("input method libpinyin")) << status();
   type("brb \n");
   EXPECT_EQ(editor->textOnceItIs("brb \n"), "brb \n");
   runProgram({.words = {QUORLO, "settings", "set", "ExpandWhileInputMethodIsActive", "on"},
@@ -213,14 +213,14 @@ TEST_F(DesktopTypingServicesTest, NothingExpandsWhileFcitxMakesTextOfTheKeys) {
     // Told until Quorlo listens.
     EXPECT_TRUE(waitUntil([&] {
       fcitx.tell("pinyin");
-      return status().find("the input method pinyin") != std::string::npos;
+      return status().find("input method pinyin") != std::string::npos;
     }));
     type("brb \n");
     EXPECT_EQ(editor->textOnceItIs("brb \n"), "brb \n");
     fcitx.tell("keyboard-us");
     EXPECT_TRUE(statusIsSilent());
     fcitx.tell("mozc");
-    EXPECT_TRUE(statusSays("the input method mozc"));
+    EXPECT_TRUE(statusSays("input method mozc"));
   }
   EXPECT_TRUE(statusIsSilent());
   type("brb .");

@@ -17,6 +17,9 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProcess>
@@ -143,6 +146,34 @@ TEST_F(SessionBusTest, TheScreenIsLockedWhileALockerThatIsThereSaysSo) {
   QDBusConnection::disconnectFromBus("saver");
   ASSERT_TRUE(runEventLoopUntil([&] { return changes.size() == 4; })) << "it crashed";
   EXPECT_THAT(changes, ElementsAre(true, false, true, false));
+}
+
+// Answers what is asked at the start: a screen saver's GetActive, and logind's session with its LockedHint.
+struct LockedScreen : QDBusVirtualObject {
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& call, const QDBusConnection& bus) override {
+    const auto method = call.member();
+    if (method == "GetActive") return bus.send(call.createReply(true));
+    if (method.startsWith("GetSession")) {
+      return bus.send(call.createReply(QVariant::fromValue(QDBusObjectPath("/session"))));
+    }
+    return method == "Get" && bus.send(call.createReply(QVariant::fromValue(QDBusVariant(true))));
+  }
+};
+
+TEST_F(SessionBusTest, AScreenThatIsLockedAlreadyIsSeenToBeLocked) {
+  for (const auto* const name : {"org.gnome.ScreenSaver", "org.freedesktop.login1"}) {
+    auto locker = connectAs(name);
+    LockedScreen screen;
+    ASSERT_TRUE(locker.registerVirtualObject("/", &screen, QDBusConnection::SubPath));
+    ASSERT_TRUE(locker.registerService(name));
+    bool isLocked = false;
+    ScreenLock lock([&](bool locked) { isLocked = locked; });
+    EXPECT_TRUE(runEventLoopUntil([&] { return isLocked; })) << name;
+    locker.unregisterService(name);
+    locker.unregisterObject("/");
+    QDBusConnection::disconnectFromBus(name);
+  }
 }
 
 TEST_F(SessionBusTest, NotificationsShowAfterTheirDelayAndReportTheirOwnActions) {

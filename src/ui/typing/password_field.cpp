@@ -3,11 +3,15 @@
 #include "platform/background_queue.h"
 #include "platform/main_queue.h"
 #include "platform/workspace.h"
+#include "ui/typing/accessibility_messages.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QList>
 #include <QStringList>
 
 #include <algorithm>
@@ -20,7 +24,6 @@ const auto kStarter = QStringLiteral("org.a11y.Bus");
 const auto kRegistry = QStringLiteral("org.a11y.atspi.Registry");
 const auto kBus = QStringLiteral("org.freedesktop.DBus");
 const auto kBusPath = QStringLiteral("/org/freedesktop/DBus");
-constexpr uint kRoleOfPasswords = 40;
 
 QDBusMessage callTo(const QString& name, const QString& path, const QString& interface, const char* method) {
   auto call = QDBusMessage::createMethodCall(name, path, interface, QString::fromLatin1(method));
@@ -45,6 +48,7 @@ PasswordField::PasswordField(MainQueue& queue, BackgroundQueue& background, cons
     : queue_(queue), background_(background), workspace_(workspace) {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;
+  registerAccessibilityMessages();
   busRuns_.setConnection(bus);
   busRuns_.addWatchedService(kStarter);
   connect(&busRuns_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askForAddress(); });
@@ -83,6 +87,9 @@ void PasswordField::connected(const QString& connection) {
   connection_ = connection;
   bus.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"),
               QStringList{QStringLiteral("focused")}, {}, this, SLOT(focusChanged(QDBusMessage)));
+  bus.connect(kRegistry, QStringLiteral("/org/a11y/atspi/accessible/root"),
+              QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("ChildrenChanged"),
+              QStringList{QStringLiteral("add")}, {}, this, SLOT(programsChanged(QDBusMessage)));
   names_ = std::make_unique<QDBusServiceWatcher>();
   names_->setConnection(bus);
   names_->addWatchedService(kRegistry);
@@ -127,11 +134,40 @@ void PasswordField::askForRole() {
   ask<uint>(QDBusConnection(connection_),
             callTo(focused_.program, focused_.path, QStringLiteral("org.a11y.atspi.Accessible"), "GetRole"),
             this, [this, field = focused_](uint role) {
-              if (field != focused_ || role != kRoleOfPasswords) return;
-              isPassword_ = true;
-              names_->addWatchedService(field.program);
-              askForProcess();
+              if (field != focused_ || role != kPasswordRole) return;
+              focusIsOnPassword(field);
             });
+}
+
+// A program that starts may have given the focus before anything hears what it announces: a prompt, which is
+// nothing but a password field, for instance.
+void PasswordField::programsChanged(const QDBusMessage& event) {
+  if (event.arguments().size() < 4) return;
+  const auto added = event.arguments()[3].value<QDBusVariant>().variant();
+  const auto program = qdbus_cast<AccessibleReference>(added);
+  if (!program.program.isEmpty()) lookFor(program);
+}
+
+void PasswordField::lookFor(const AccessibleReference& program) {
+  constexpr uint kInOrder = 1;
+  constexpr int kOne = 1;
+  const auto call =
+      callTo(program.program, program.path.path(), QStringLiteral("org.a11y.atspi.Collection"), "GetMatches")
+      << QVariant::fromValue(FocusedPasswordRule{}) << kInOrder << kOne << true;
+  ask<QList<AccessibleReference>>(QDBusConnection(connection_), call, this,
+                                  [this](const QList<AccessibleReference>& found) {
+                                    if (!found.isEmpty())
+                                      focusIsOnPassword({found.first().program, found.first().path.path()});
+                                  });
+}
+
+void PasswordField::focusIsOnPassword(const Field& field) {
+  names_->removeWatchedService(focused_.program);
+  focused_ = field;
+  isPassword_ = true;
+  process_ = 0;
+  names_->addWatchedService(field.program);
+  askForProcess();
 }
 
 void PasswordField::askForProcess() {

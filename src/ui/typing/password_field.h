@@ -16,10 +16,12 @@ namespace quorlo {
 class BackgroundQueue;
 class MainQueue;
 class Workspace;
+struct AccessibleReference;
 
 // Knows whether the user types into a password field, where programs tell: by the accessibility bus
 // (AT-SPI), on which a program announces the part of its window that gets the focus. One question to that
-// program follows each announcement. The bus is never started, only used where it runs. Main thread.
+// program follows each announcement, and one the start of a program. The bus is never started, only used
+// where it runs. Main thread.
 class PasswordField final : public QObject {
   Q_OBJECT
 
@@ -44,7 +46,10 @@ class PasswordField final : public QObject {
   void announceInterest();
   void end();
   Q_SLOT void focusChanged(const QDBusMessage& event);
+  Q_SLOT void programsChanged(const QDBusMessage& event);
   void askForRole();
+  void lookFor(const AccessibleReference& program);
+  void focusIsOnPassword(const Field& field);
   void askForProcess();
 
   MainQueue& queue_;
