@@ -166,6 +166,7 @@ void Program::Parts::setWindowMakers() {
   windows.setMaker(kSettingsWindow, [=, this] {
     return std::make_unique<SettingsWindow>(SettingsServices{
         .settings = settings,
+        .insertion = ground->insertion,
         .sound = sound,
         .persistence = persistence,
         .workspace = desktop->workspace(),

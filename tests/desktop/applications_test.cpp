@@ -28,7 +28,8 @@ TEST_F(DesktopApplicationsTest, AnEntryMadeWhileQuorloRunsChangesTheWayOfPasting
 
 // GTK erases a letter with its accents by one press of Backspace, Qt one code point.
 TEST_F(DesktopApplicationsTest, CombiningSequencesAreErasedWholeAndTheCaretPassesEmoji) {
-  startQuorlo(libraryOf({{"e\u0301x", "[%cursor%\U0001F468\u200D\U0001F469e\u0301]"}}));
+  startQuorlo(libraryOf({{"e\u0301x", "[%cursor%\U0001F468\u200D\U0001F469e\u0301]"}}),
+              {{"PasteBetweenSnippetPartsDelay", "0.5"}});
   const std::string expected = "a [z\U0001F468\u200D\U0001F469e\u0301] ";
   desktop().setLayout("vn");
   Mousepad mousepad(desktop());

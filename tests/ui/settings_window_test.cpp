@@ -4,6 +4,7 @@
 #include "ui/event_loop.h"
 #include "ui/settings/application_chooser.h"
 #include "ui/settings/hot_key_field.h"
+#include "ui/settings/insertion_entry_dialog.h"
 #include "ui/settings_world.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -20,6 +22,7 @@
 #include <QRadioButton>
 #include <QStackedWidget>
 #include <QTest>
+#include <QTreeWidget>
 
 #include <fstream>
 
@@ -145,6 +148,45 @@ TEST_F(SettingsWindowTest, ApplicationsAreExcludedByChoiceOrByIdentifierAndTaken
   QTest::keyClick(list, Qt::Key_Delete);
   EXPECT_EQ(excluded(), std::vector<std::string>{"com.example.Hidden"});
   EXPECT_EQ(list->count(), 1);
+}
+
+TEST_F(SettingsWindowTest, AnApplicationGetsAWayOfPastingThatCanBeChangedAndRemoved) {
+  const auto rows = [&] {
+    std::vector<std::string> all;
+    auto* const table = window.findChild<QTreeWidget*>();
+    for (int i = 0; i < table->topLevelItemCount(); ++i) {
+      auto* const item = table->topLevelItem(i);
+      all.push_back((item->text(0) + QStringLiteral(": ") + item->text(1)).toStdString());
+    }
+    return all;
+  };
+  const auto answer = [&](int way, const char* keys, double pause) {
+    auto* const dialog = dynamic_cast<InsertionEntryDialog*>(window.findChild<QDialog*>());
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QComboBox*>()->setCurrentIndex(way);
+    if (keys != nullptr) dialog->findChildren<QLineEdit*>()[1]->setText(QString::fromUtf8(keys));
+    dialog->findChild<QDoubleSpinBox*>()->setValue(pause);
+    auto* const save = dialog->findChild<QDialogButtonBox*>()->buttons().front();
+    ASSERT_TRUE(save->isEnabled());
+    save->click();
+    ASSERT_TRUE(runEventLoopUntil([&] { return !window.findChild<QDialog*>(); }));
+  };
+  window.show();
+  window.askForWay("Viewer");
+  answer(2, "Ctrl+r plus", 0);
+  EXPECT_EQ(rows(), std::vector<std::string>{"Viewer: Paste with Ctrl+r Plus"});
+  window.askForWay("viewer");
+  auto* const dialog = window.findChild<QDialog*>();
+  EXPECT_EQ(dialog->findChildren<QLineEdit*>()[1]->text(), QStringLiteral("Ctrl+r Plus"));
+  dialog->findChildren<QLineEdit*>()[1]->setText(QStringLiteral("Ctrl+nothing"));
+  EXPECT_FALSE(dialog->findChild<QDialogButtonBox*>()->buttons().front()->isEnabled());
+  answer(3, nullptr, 0.2);
+  EXPECT_EQ(rows(), std::vector<std::string>{"Viewer: Type the text, pause 0.2 s"});
+  EXPECT_EQ(insertion.table().profileFor("viewer", {}).method, InsertionMethod::type);
+  window.findChild<QTreeWidget*>()->setCurrentItem(window.findChild<QTreeWidget*>()->topLevelItem(0));
+  window.findChild<QTreeWidget*>()->parentWidget()->findChildren<QPushButton*>()[2]->click();
+  EXPECT_EQ(rows(), std::vector<std::string>());
+  EXPECT_TRUE(insertion.entries().empty());
 }
 
 TEST_F(SettingsWindowTest, SoundsAreHeardWhenChosenAndAMissingOneSelectsNothing) {

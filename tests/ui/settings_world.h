@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/settings/insertion_settings.h"
 #include "app/settings/launch_at_login.h"
 #include "app/settings/settings_controller.h"
 #include "app/settings/sound_manager.h"
@@ -41,7 +42,9 @@ struct SettingsWorld {
   PersistenceController persistence{desktop.queue, environment};
   ManagedObjectContext& library = persistence.managedObjectContext();
   LaunchAtLogin launchAtLogin{folder.path().toStdString() + "/autostart", "quorlo"};
+  InsertionSettings insertion{folder.path().toStdString() + "/config"};
   SettingsServices services{settings,
+                            insertion,
                             sound,
                             persistence,
                             desktop,

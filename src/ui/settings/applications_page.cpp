@@ -4,6 +4,7 @@
 #include "store/persistence_controller.h"
 #include "store/ql_app.h"
 #include "ui/settings/application_chooser.h"
+#include "ui/settings/insertion_ways.h"
 #include "ui/settings/settings_page.h"
 #include "ui/settings/settings_pages.h"
 
@@ -33,11 +34,12 @@ class ApplicationsPage : public SettingsPage {
         workspace_(services.workspace),
         persistence_(services.persistence),
         list_(new QListWidget),
+        ways_(new InsertionWays(services.insertion, services.workspace)),
         remove_(new QPushButton(localizedText(u"Remove"))) {
     beginGroup(u"No abbreviation expands in these applications");
     list_->setAccessibleName(localizedText(u"Applications without abbreviations"));
     list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    list_->setMinimumHeight(10 * fontMetrics().lineSpacing());
+    list_->setMinimumHeight(6 * fontMetrics().lineSpacing());
     addWidget(list_);
     auto* const add = new QPushButton(localizedText(u"Add Application…"));
     auto* const buttons = new QWidget;
@@ -48,6 +50,9 @@ class ApplicationsPage : public SettingsPage {
     row->addStretch();
     addWidget(buttons);
     addHint(u"For single folders of snippets, the snippet editor has rules of its own.");
+    beginGroup(u"Applications that take text in a way of their own");
+    addWidget(ways_);
+    addHint(u"Quorlo knows terminals, Emacs, gVim and LibreOffice by itself.");
 
     connect(add, &QPushButton::clicked, this, [this] { choose(); });
     connect(remove_, &QPushButton::clicked, this, [this] { removeSelected(); });
@@ -59,6 +64,8 @@ class ApplicationsPage : public SettingsPage {
       if (isVisible()) fill();
     });
   }
+
+  void askForWay(const std::string& application) { ways_->ask(application); }
 
  protected:
   void showEvent(QShowEvent* event) override {
@@ -127,6 +134,7 @@ class ApplicationsPage : public SettingsPage {
   Workspace& workspace_;
   PersistenceController& persistence_;
   QListWidget* list_;
+  InsertionWays* ways_;
   QPushButton* remove_;
   std::vector<InstalledApplication> installed_;
   std::vector<std::string> shown_;
@@ -135,8 +143,9 @@ class ApplicationsPage : public SettingsPage {
 
 }  // namespace
 
-SettingsPage* makeApplicationsPage(const SettingsServices& services) {
-  return new ApplicationsPage(services);
+ApplicationsPageParts makeApplicationsPage(const SettingsServices& services) {
+  auto* const page = new ApplicationsPage(services);
+  return {page, [page](const std::string& application) { page->askForWay(application); }};
 }
 
 }  // namespace quorlo

@@ -4,11 +4,13 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace quorlo {
 
 class Environment;
 class HotKeyCenter;
+class InsertionSettings;
 class KeyboardLayout;
 class LaunchAtLogin;
 class PersistenceController;
@@ -20,6 +22,7 @@ class Workspace;
 // What the pages of the settings window change and use; all of it outlives the window.
 struct SettingsServices {
   SettingsController& settings;
+  InsertionSettings& insertion;
   SoundManager& sound;
   PersistenceController& persistence;
   Workspace& workspace;
@@ -34,10 +37,15 @@ struct SettingsServices {
   std::function<void()> showAbout;
 };
 
+struct ApplicationsPageParts {
+  SettingsPage* page;
+  std::function<void(const std::string& application)> askForWay;  // lives as long as the page
+};
+
 // One file each. The caller owns the page.
 SettingsPage* makeGeneralPage(const SettingsServices& services);
 SettingsPage* makeExpansionPage(const SettingsServices& services);
-SettingsPage* makeApplicationsPage(const SettingsServices& services);
+ApplicationsPageParts makeApplicationsPage(const SettingsServices& services);
 SettingsPage* makeSoundsPage(const SettingsServices& services);
 SettingsPage* makeMenuPage(const SettingsServices& services);
 SettingsPage* makeHotKeysPage(const SettingsServices& services);

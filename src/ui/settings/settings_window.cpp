@@ -30,7 +30,10 @@ SettingsWindow::SettingsWindow(const SettingsServices& services)
 
   addPage(makeGeneralPage(services), u"gearshape");
   addPage(makeExpansionPage(services), u"keyboard");
-  addPage(makeApplicationsPage(services), u"macwindow");
+  auto applications = makeApplicationsPage(services);
+  askForWay_ = std::move(applications.askForWay);
+  applicationsRow_ = titles_->count();
+  addPage(applications.page, u"macwindow");
   addPage(makeSoundsPage(services), u"speaker.wave.2");
   addPage(makeMenuPage(services), u"magnifyingglass");
   addPage(makeHotKeysPage(services), u"command");
@@ -57,6 +60,11 @@ SettingsWindow::SettingsWindow(const SettingsServices& services)
   // As large as the largest page, where the screen has room.
   const QSize frame(titles_->width() + 3 * row->contentsMargins().left(), 2 * row->contentsMargins().top());
   resize((largestPage_ + frame).boundedTo(screen()->availableGeometry().size() * 0.9));
+}
+
+void SettingsWindow::askForWay(const std::string& application) {
+  titles_->setCurrentRow(applicationsRow_);
+  askForWay_(application);
 }
 
 void SettingsWindow::addPage(SettingsPage* page, QStringView symbolName) {

@@ -2,6 +2,9 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <string>
+
 class QListWidget;
 class QStackedWidget;
 
@@ -16,12 +19,17 @@ class SettingsWindow : public QWidget {
   // Everything that the services refer to must outlive the window.
   explicit SettingsWindow(const SettingsServices& services);
 
+  // Opens the page of the applications and asks there how this one takes what is inserted.
+  void askForWay(const std::string& application);
+
  private:
   void addPage(SettingsPage* page, QStringView symbolName);
 
   QListWidget* titles_;
   QStackedWidget* pages_;
   QSize largestPage_;
+  int applicationsRow_ = 0;
+  std::function<void(const std::string&)> askForWay_;
 };
 
 }  // namespace quorlo
