@@ -53,6 +53,14 @@ TEST(DiagnosisTest, EachTroubleIsNamedWithARemedyAndNothingElseIsAProblem) {
   }
 }
 
+TEST(DiagnosisTest, WhatTheRunningProgramLacksIsSaidOnce) {
+  SessionFacts facts;
+  facts.obstacles = {AccessibilityObstacle::noKeyboard};
+  facts.obstaclesOfRunning = {"No keyboard is plugged in.", "Plug one in."};
+  const auto text = report(diagnose(facts));
+  EXPECT_EQ(text.find("No keyboard"), text.rfind("No keyboard")) << text;
+}
+
 TEST(DiagnosisTest, TheLibraryIsLookedAtWithoutBeingTouched) {
   const TemporaryDirectory directory;
   EXPECT_EQ(checkLibrary(directory.path()).value(), std::nullopt);

@@ -1,5 +1,6 @@
 // Other programs change the keyboard while it is watched: what is typed is read as applications read it, and
 // the keyboards are left as those programs wanted them.
+#include "x11/connection/xcb_xkb.h"
 #include "x11/keyboard_desktop.h"
 
 #include <gtest/gtest.h>
@@ -149,7 +150,7 @@ TEST_F(KeyboardChangesTest, LocksThatOtherProgramsSetHoldForWhatIsTyped) {
 }
 
 TEST_F(KeyboardChangesTest, AShiftThatIsTappedWithStickyKeysCountsForTheNextKey) {
-  setStickyKeys(*desktop_, true);
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_STICKY_KEYS, true);
   EXPECT_TRUE(readsAs(kA, "a"));
   keyboard.seenText.clear();
   keys().tap("Shift");
@@ -159,12 +160,24 @@ TEST_F(KeyboardChangesTest, AShiftThatIsTappedWithStickyKeysCountsForTheNextKey)
   EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed().ends_with("Brb"); })) << window.typed();
   keyboard.stopTap();
   EXPECT_TRUE(arrivesAs(kA, "a"));
-  EXPECT_TRUE(stickyKeys(*desktop_)) << "gone with the tap";
-  setStickyKeys(*desktop_, false);
+  EXPECT_NE(controls(*desktop_) & XCB_XKB_BOOL_CTRL_STICKY_KEYS, 0U) << "gone with the tap";
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_STICKY_KEYS, false);
+}
+
+// Keys pass two keyboards: what delays or drops them must do so once.
+TEST_F(KeyboardChangesTest, SlowKeysWaitOnTheSessionsKeyboardOnlyWhileAKeyboardFloats) {
+  const auto device = deviceNamed(*desktop_, XorgServer::kKeyboardSocket);
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_SLOW_KEYS | XCB_XKB_BOOL_CTRL_STICKY_KEYS, true);
+  const auto isFollowed = [&] { return (controls(*desktop_, device) & XCB_XKB_BOOL_CTRL_STICKY_KEYS) != 0; };
+  EXPECT_TRUE(keyboard.pumpUntil(isFollowed));
+  EXPECT_EQ(controls(*desktop_, device) & XCB_XKB_BOOL_CTRL_SLOW_KEYS, 0U);
+  keyboard.stopTap();
+  EXPECT_NE(controls(*desktop_, device) & XCB_XKB_BOOL_CTRL_SLOW_KEYS, 0U);
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_SLOW_KEYS | XCB_XKB_BOOL_CTRL_STICKY_KEYS, false);
 }
 
 TEST_F(KeyboardChangesTest, ModifiersThatStickDoNotReachPostedKeys) {
-  setStickyKeys(*desktop_, true);
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_STICKY_KEYS, true);
   const auto post = [&] {
     keyboard.service->post([](KeyStream::Output& output) {
       output.press(kQ);
@@ -193,7 +206,7 @@ TEST_F(KeyboardChangesTest, ModifiersThatStickDoNotReachPostedKeys) {
   EXPECT_EQ(arrives("A^A"), "A^A") << "locked as before";
   keys().tap("Shift");
   EXPECT_TRUE(readsAs(kA, "a"));
-  setStickyKeys(*desktop_, false);
+  setControls(*desktop_, XCB_XKB_BOOL_CTRL_STICKY_KEYS, false);
 }
 
 TEST_F(KeyboardChangesTest, AStormOfLayoutsEndsWithTheLastOne) {

@@ -119,22 +119,21 @@ auto withXkb(const VirtualDesktop& desktop, Task task) {
 
 }  // namespace
 
-void setStickyKeys(const VirtualDesktop& desktop, bool isOn) {
+void setControls(const VirtualDesktop& desktop, std::uint32_t controls, bool areOn) {
   withXkb(desktop, [&](const XConnection& connection) {
     const std::array<std::uint8_t, 32> repeats{};
-    xcb_xkb_set_controls(connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                         XCB_XKB_BOOL_CTRL_STICKY_KEYS, isOn ? XCB_XKB_BOOL_CTRL_STICKY_KEYS : 0,
-                         XCB_XKB_CONTROL_CONTROLS_ENABLED, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                         repeats.data());
+    xcb_xkb_set_controls(connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, controls,
+                         areOn ? controls : 0, XCB_XKB_CONTROL_CONTROLS_ENABLED, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                         0, 0, 0, 0, repeats.data());
     connection.sync();
   });
 }
 
-bool stickyKeys(const VirtualDesktop& desktop) {
-  return withXkb(desktop, [](const XConnection& connection) {
-    const auto controls = connection.reply(xcb_xkb_get_controls_reply,
-                                           xcb_xkb_get_controls(connection.get(), XCB_XKB_ID_USE_CORE_KBD));
-    return controls && (controls->enabledControls & XCB_XKB_BOOL_CTRL_STICKY_KEYS) != 0;
+std::uint32_t controls(const VirtualDesktop& desktop, std::uint16_t device) {
+  return withXkb(desktop, [&](const XConnection& connection) {
+    const auto reply =
+        connection.reply(xcb_xkb_get_controls_reply, xcb_xkb_get_controls(connection.get(), device));
+    return reply ? reply->enabledControls : 0;
   });
 }
 

@@ -48,9 +48,10 @@ std::uint16_t deviceNamed(const VirtualDesktop& desktop, const std::string& name
 // As when the keyboard is plugged in or out.
 void setKeyboardEnabled(const VirtualDesktop& desktop, const std::string& name, bool enabled);
 
-// Of the session's keyboard, as a settings dialog sets it.
-void setStickyKeys(const VirtualDesktop& desktop, bool isOn);
-bool stickyKeys(const VirtualDesktop& desktop);
+// Of the session's keyboard, as a settings dialog sets them: XCB_XKB_BOOL_CTRL_...
+void setControls(const VirtualDesktop& desktop, std::uint32_t controls, bool areOn);
+// Those that are on, of the session's keyboard or another.
+std::uint32_t controls(const VirtualDesktop& desktop, std::uint16_t device = 3);
 
 // The keyboard service on a virtual desktop, with a tap whose verdicts the test gives.
 class KeyboardDesktop {

@@ -110,10 +110,6 @@ std::vector<Finding> switches(const SessionFacts& facts) {
   } else {
     findings.push_back({Level::note, "Quorlo is not running.", "Start it with: quorlo"});
   }
-  const auto& obstacles = facts.obstaclesOfRunning;
-  for (std::size_t i = 0; i + 1 < obstacles.size(); i += 2) {
-    findings.push_back({Level::problem, obstacles[i], obstacles[i + 1]});
-  }
   if (!facts.abbreviationsEnabled) {
     findings.push_back({Level::note, "Abbreviations are switched off.",
                         "Switch them on in the menu, or with: quorlo --abbreviations on"});
@@ -130,6 +126,15 @@ std::vector<Finding> switches(const SessionFacts& facts) {
   return findings;
 }
 
+// What the running Quorlo lacks, as far as this look at the session has not met it too.
+void addObstaclesOfRunning(const SessionFacts& facts, std::vector<Finding>& findings) {
+  const auto& list = facts.obstaclesOfRunning;
+  for (std::size_t i = 0; i + 1 < list.size(); i += 2) {
+    if (std::ranges::find(findings, list[i], &Finding::text) != findings.end()) continue;
+    findings.push_back({Level::problem, list[i], list[i + 1]});
+  }
+}
+
 }  // namespace
 
 std::vector<Finding> diagnose(const SessionFacts& facts) {
@@ -144,6 +149,7 @@ std::vector<Finding> diagnose(const SessionFacts& facts) {
   findings.push_back(folders(facts));
   findings.push_back(library(facts));
   std::ranges::move(switches(facts), std::back_inserter(findings));
+  addObstaclesOfRunning(facts, findings);
   return findings;
 }
 
