@@ -378,6 +378,19 @@ TEST_F(X11PasteboardTest, ATargetThatIgnoredTheChordReadsWhatTheUserPastesIntoIt
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "the user's password");
 }
 
+// A slow target answers the ping between its two questions.
+TEST_F(X11PasteboardTest, ATargetThatHasBegunToReadGetsThePieceWhateverTheUserTypesMeanwhile) {
+  pasteIntoHangingTarget();
+  EXPECT_FALSE(target_.readTargets(kClipboard).empty());
+  ASSERT_TRUE(waitUntil([&] {
+    target_.step();
+    return target_.hasAnsweredPing();
+  }));
+  target_.tapKey(kControlKey);
+  owner_.readTargets(kClipboard);  // the server and the pasteboard have seen the key
+  EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
+}
+
 TEST_F(X11PasteboardTest, TypingAloneDoesNotMakeATargetReadTheUsersClipboard) {
   pasteIntoHangingTarget();
   ASSERT_TRUE(waitUntil([&] {

@@ -24,7 +24,8 @@ constexpr std::array<xcb_keysym_t, 11> kChordKeys{
 
 }  // namespace
 
-LatePasteWatch::LatePasteWatch(XConnection& x, Over over) : x_(x), over_(std::move(over)) {
+LatePasteWatch::LatePasteWatch(XConnection& x, Over gone, Over ignored)
+    : x_(x), gone_(std::move(gone)), ignored_(std::move(ignored)) {
   const auto* input = x_.extension(xcb_input_id);
   if (input == nullptr) return;
   const auto version = x_.reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(x_.get(), 2, 2));
@@ -105,7 +106,7 @@ void LatePasteWatch::handleEvent(const xcb_generic_event_t& event) {
     }
     case XCB_DESTROY_NOTIFY: {
       const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
-      return end([window](const Watched& watched) { return watched.window == window; });
+      return end(gone_, [window](const Watched& watched) { return watched.window == window; });
     }
     case XCB_GE_GENERIC: {
       const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
@@ -127,7 +128,7 @@ void LatePasteWatch::userActs() {
   const auto active = x_.property(x_.root(), x_.atom("_NET_ACTIVE_WINDOW"));
   const auto windows = active ? active->cardinals() : std::vector<std::uint32_t>();
   if (windows.empty()) return;
-  end([window = windows.front()](const Watched& watched) {
+  end(ignored_, [window = windows.front()](const Watched& watched) {
     return !watched.isBusy && watched.window == window;
   });
 }
@@ -141,12 +142,12 @@ bool LatePasteWatch::beginsChord(xcb_keycode_t key) const {
                      [](xcb_keysym_t keysym) { return std::ranges::count(kChordKeys, keysym) > 0; });
 }
 
-void LatePasteWatch::end(const std::function<bool(const Watched&)>& isOver) {
+void LatePasteWatch::end(const Over& how, const std::function<bool(const Watched&)>& isOver) {
   std::vector<PasteTracker::PasteId> over;
   for (const auto& [paste, watched] : watched_) {
     if (isOver(watched)) over.push_back(paste);
   }
-  for (const auto paste : over) over_(paste);
+  for (const auto paste : over) how(paste);
 }
 
 }  // namespace quorlo

@@ -21,7 +21,7 @@ class LatePasteWatch {
  public:
   using Over = std::function<void(PasteTracker::PasteId)>;
 
-  LatePasteWatch(XConnection& x, Over over);
+  LatePasteWatch(XConnection& x, Over gone, Over ignored);
 
   // The pastes that are late now.
   void follow(const std::vector<PasteTracker::Late>& pastes);
@@ -40,10 +40,11 @@ class LatePasteWatch {
   void selectEvents();
   void userActs();
   bool beginsChord(xcb_keycode_t key) const;
-  void end(const std::function<bool(const Watched&)>& isOver);
+  void end(const Over& how, const std::function<bool(const Watched&)>& isOver);
 
   XConnection& x_;
-  Over over_;
+  Over gone_;
+  Over ignored_;
   std::uint8_t inputOpcode_ = 0;  // 0: the server lacks raw events
   std::map<PasteTracker::PasteId, Watched> watched_;
   bool seesInput_ = false;

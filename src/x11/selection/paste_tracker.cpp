@@ -198,6 +198,13 @@ void PasteTracker::close(PasteId paste) {
   std::erase_if(pastes_, [&](const Paste& each) { return each.id == paste; });
 }
 
+void PasteTracker::closeIgnored(PasteId paste) {
+  const std::lock_guard lock(mutex_);
+  const auto* found = find(paste);
+  if (found != nullptr && found->lastVisit != found->announced) return;
+  std::erase_if(pastes_, [&](const Paste& each) { return each.id == paste; });
+}
+
 void PasteTracker::closeLate(bool fromPrimary) {
   const auto selection = fromPrimary ? PasteSelection::clipboardAndPrimary : PasteSelection::clipboard;
   const std::lock_guard lock(mutex_);

@@ -103,6 +103,9 @@ class PasteTracker {
   };
   std::vector<Late> latePastes() const;
   void close(PasteId paste);
+  // The user begins a paste of his own. A target that has asked for anything since its chord has not ignored
+  // it.
+  void closeIgnored(PasteId paste);
   // The selection is another program's now, which also serves the targets of late pastes.
   void closeLate(bool fromPrimary);
 

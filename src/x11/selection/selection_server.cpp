@@ -23,11 +23,16 @@ SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget bu
       owner_(x, loop, tracker_, std::move(runProvider)),
       reader_(x, loop),
       primary_(owner_, reader_),
-      late_(x,
-            [this](PasteTracker::PasteId paste) {
-              tracker_.close(paste);
-              closeFinishedPastes();
-            }),
+      late_(
+          x,
+          [this](PasteTracker::PasteId paste) {
+            tracker_.close(paste);
+            closeFinishedPastes();
+          },
+          [this](PasteTracker::PasteId paste) {
+            tracker_.closeIgnored(paste);
+            closeFinishedPastes();
+          }),
       clipboard_(x.atom("CLIPBOARD")),
       clipboardManager_(x.atom("CLIPBOARD_MANAGER")) {
   if (const auto* xfixes = x.extension(xcb_xfixes_id)) {
