@@ -150,8 +150,8 @@ struct Program::Parts {
                            settings, environment, interpreter, fillInWindow}};
   MacroPreparation preparation{interpreter, prompt};
   PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->insertionTarget(),
-                         desktop->keyboardLayout(), desktop->typedKeysHold(), application, notifications,
-                         settings, sound, preparation}};
+                         desktop->keyboardLayout(), desktop->typedKeysHold(), desktop->frontWindow(),
+                         application, notifications, settings, sound, preparation}};
   std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
   std::optional<SharedInstances> shared;
 

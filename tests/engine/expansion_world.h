@@ -94,7 +94,7 @@ struct ExpansionWorld : testing::Test {
   MacroPreparation preparation{interpreter, prompt};
   SoundManager sound{settings, environment, player, background};
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
-  PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, desktop,
+  PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, desktop, desktop,
                          ownApplication, notifications, settings, sound, preparation}};
   AbbreviationsMonitor monitor{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
                                 persistence, context, paste}};

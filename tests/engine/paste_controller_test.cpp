@@ -162,6 +162,82 @@ TEST_F(PasteTest, AfterKeysHadToBeDeliveredNothingIsErased) {
   EXPECT_EQ(desktop.text(), u"ask S");
 }
 
+TEST_F(PasteTest, WhenAnotherWindowHasTheKeysByThenNothingIsErasedAndTheyGoThere) {
+  const auto snippet = add(u"sig", u"S");
+  auto& editor = desktop.front();
+  auto& other = desktop.launch("org.example.Other");
+  for (const bool lastSymbol : {false, true}) {
+    if (lastSymbol) useLastSymbol();
+    for (int step = 0; step < 5; ++step) {
+      editor.clear();
+      other.clear();
+      desktop.activate(&editor);
+      desktop.type(lastSymbol ? u"sigx" : u"sig x");
+      desktop.queue.advance(Seconds(0.01 * step));
+      desktop.activate(&other);
+      desktop.type(u"y");
+      desktop.queue.settle();
+      EXPECT_EQ(editor.text, lastSymbol ? u"si" : u"sig");
+      EXPECT_EQ(other.text, lastSymbol ? u"gxy" : u" xy");
+    }
+  }
+  EXPECT_TRUE(desktop.posts.empty());
+  EXPECT_EQ(desktop.pasteboard.changeCount(), 1);
+  EXPECT_EQ(snippet->useCount(), 0);
+  desktop.typeAndWait(u" sig");
+  EXPECT_EQ(other.text, u"gxy S");
+}
+
+TEST_F(PasteTest, ATargetThatClosesTakesNothingWithIt) {
+  add(u"sig", u"S");
+  auto& other = desktop.front();
+  other.text = u"Kind regards";
+  auto& dialog = desktop.launch("org.example.Dialog");
+  desktop.type(u"sig ");
+  desktop.close(dialog);
+  desktop.queue.advance(Seconds(0.1));
+  desktop.activate(&other);
+  desktop.queue.settle();
+  EXPECT_TRUE(desktop.posts.empty());
+  EXPECT_EQ(other.text, u"Kind regards");
+  // Where only the window manager is missing for a moment, the expansion goes on.
+  desktop.type(u"sig ");
+  desktop.activate(nullptr);
+  desktop.queue.settle();
+  EXPECT_EQ(desktop.posts.size(), 2U);
+}
+
+TEST_F(PasteTest, NoPieceAndNoKeyReachesAnotherWindowHalfway) {
+  const auto snippet = add(u"m", u"one" + pressing(u"tab") + u"two" + pressing(u"tab") + u"th%cursor%ree");
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
+  auto& other = desktop.front();
+  auto& editor = desktop.launch("org.example.Editor2");
+  for (int step = 1; step < 9; ++step) {
+    editor.clear();
+    other.clear();
+    desktop.activate(&editor);
+    desktop.type(u"m x");
+    desktop.queue.advance(Seconds(0.01 + 0.06 * step));
+    desktop.activate(&other);
+    desktop.queue.settle();
+    EXPECT_EQ(other.text, u"x") << step;
+    EXPECT_EQ(std::u16string(u"one\ttwo\tthree ").substr(0, editor.text.size()), editor.text) << step;
+    EXPECT_EQ(desktop.pasteboard.text(), "mine") << step;
+    EXPECT_EQ(snippet->useCount(), editor.text.ends_with(u"three ") ? 1 : 0) << step;
+    snippet->setUseCount(0);
+  }
+}
+
+TEST_F(PasteTest, AKeyOfTheSnippetMayOpenTheWindowOfTheNextPiece) {
+  add(u"m", u"one%specialKey:value=combi:code=45:modFlags=1048576:specialKey%two");
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
+  desktop.type(u"m ");
+  desktop.queue.advance(Seconds(0.2));  // the chord has been pressed
+  const auto& opened = desktop.launch("org.example.Editor");
+  desktop.queue.settle();
+  EXPECT_EQ(opened.text, u"two ");
+}
+
 TEST_F(PasteTest, AnExpansionDuringTheRestoreDelayKeepsWhatWasSavedFirst) {
   add(u"sig", u"S");
   desktop.type(u"sig ");

@@ -70,6 +70,16 @@ void FakeDesktop::activate(FakeApplication* application) {
   }
 }
 
+void FakeDesktop::close(FakeApplication& application) {
+  application.isOpen = false;
+  if (active_ == &application) activate(nullptr);
+}
+
+bool FakeDesktop::isStill(FrontWindow::Id window) const {
+  if (window == 0 || active_ != nullptr) return window == 0 || window == current();
+  return reinterpret_cast<const FakeApplication*>(window)->isOpen;
+}
+
 void FakeDesktop::type(std::u16string_view characters) {
   for (const auto& character : characters) {
     switch (character) {

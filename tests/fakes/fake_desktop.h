@@ -6,6 +6,7 @@
 #include "platform/accessibility_trust.h"
 #include "platform/event_poster.h"
 #include "platform/event_tap.h"
+#include "platform/front_window.h"
 #include "platform/insertion/insertion_target.h"
 #include "platform/keyboard_layout.h"
 #include "platform/mouse_monitor.h"
@@ -28,6 +29,7 @@ struct FakeApplication {
   std::shared_ptr<RunningApplication> record;
   std::u16string text;
   std::size_t caret = 0;
+  bool isOpen = true;
   std::vector<PasteboardContents> pasted;
   InsertionProfile profile;
   Toolkit toolkit = Toolkit::unknown;
@@ -51,6 +53,7 @@ class FakeDesktop : public EventTap,
                     public KeyboardLayout,
                     public AccessibilityTrust,
                     public TypingContext,
+                    public FrontWindow,
                     public Workspace {
  public:
   FakeMainQueue queue;
@@ -63,6 +66,8 @@ class FakeDesktop : public EventTap,
   FakeApplication& launch(std::optional<std::string> bundleIdentifier);
   // Makes the application the active one; null for none.
   void activate(FakeApplication* application);
+  // No application is active then.
+  void close(FakeApplication& application);
   FakeApplication& front() { return *active_; }
   const std::u16string& text() { return front().text; }
 
@@ -113,8 +118,10 @@ class FakeDesktop : public EventTap,
   void postKey(KeyCode code, ModifierFlags flags, PostLocation location, int count = 1) override;
   bool canType(std::u16string_view text) const override;
   void typeText(std::u16string_view text) override;
-  InsertionProfile profile() const override { return active_->profile; }
-  Toolkit toolkit() const override { return active_->toolkit; }
+  InsertionProfile profile() const override {
+    return active_ != nullptr ? active_->profile : InsertionProfile();
+  }
+  Toolkit toolkit() const override { return active_ != nullptr ? active_->toolkit : Toolkit::unknown; }
   std::unique_ptr<Hold> begin() override;
   bool lastPieceWasRead() const override { return !piecesStayUnread_; }
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
@@ -129,6 +136,8 @@ class FakeDesktop : public EventTap,
     if (trusted_) return {};
     return {AccessibilityObstacle::noXtest};
   }
+  FrontWindow::Id current() const override { return reinterpret_cast<FrontWindow::Id>(active_); }
+  bool isStill(FrontWindow::Id window) const override;
   std::optional<TypingObstacle> obstacle() const override { return obstacle_; }
   Subscription observeObstacles(std::function<void()> changed) override {
     return obstacleObservers_.add(std::move(changed));

@@ -40,16 +40,22 @@ bool isClipboardKey(const KeyStep& key) {
   return key.type == kClipboardKey || key.type == kClipboardTextKey;
 }
 
+// Keys that open and close windows, as chords, Return in a dialog and Space on a button do.
+bool mayMoveFocus(const KeyStep& key) {
+  return key.type == kCombinationKey || key.type == "return" || key.type == "escape" || key.type == "space";
+}
+
 }  // namespace
 
 Insertion::Insertion(const PasteServices& services, const PasteKeys& keys, PasteboardKeeper& pasteboard,
                      OwnWindows& ownWindows, InsertionRequest request, std::function<void()> ended)
-    : hold_(services.typedKeys.begin()),
+    : hold_(std::move(request.hold)),
       use_(services),
       keys_(keys),
       pasteboard_(pasteboard),
       ownWindows_(ownWindows),
       ended_(std::move(ended)),
+      target_(request.target),
       content_(std::move(request.content)),
       snippet(std::move(request.snippet)),
       abbreviationUsedToTriggerPaste(std::move(request.abbreviation)),
@@ -86,13 +92,15 @@ bool Insertion::keepTrigger() {
 }
 
 void Insertion::callOffQuestion() {
-  if (!isAsking_) return;
-  hold_ = use_.typedKeys.begin();
-  use_.preparation.callOff();
+  if (isAsking_) use_.preparation.callOff();
 }
 
 void Insertion::callOff() {
-  pasteboard_.leaveToUser();
+  if (pieceIndex_ == 0) {
+    pasteboard_.leaveToUser();
+  } else {
+    giveBackPasteboard();
+  }
   ownWindows_.showLater();
   end();
 }
@@ -120,16 +128,28 @@ void Insertion::insert(PreparedSnippet prepared) {
 
 void Insertion::putNextPiece() {
   pasteboard_.whenReplaceable(life_.guard([this] {
-    if (!mayGoOn()) return callOff();
+    // The keys of a snippet may open the window that its next piece is meant for.
+    if (std::exchange(keyMayMoveFocus_, false)) target_ = use_.frontWindow.current();
+    const bool mayGoOn = pieceIndex_ == 0 ? mayBegin() : reachesTarget();
+    if (!mayGoOn) return callOff();
     putPiece();
     deleteAbbreviationAndPaste();
   }));
 }
 
-bool Insertion::mayGoOn() {
-  if (pieceIndex_ > 0 || keepTrigger() || abbreviationUsedToTriggerPaste.empty()) return true;
+bool Insertion::mayBegin() {
+  if (use_.settings.autoPasteIsEnabled() && !reachesTarget()) return false;
+  if (keepTrigger() || abbreviationUsedToTriggerPaste.empty()) return true;
   logWarning("WARNING: #iNs2bRk - Keys had to be delivered before the abbreviation was erased; it stays.");
   return false;
+}
+
+bool Insertion::reachesTarget() const {
+  const bool reaches = use_.frontWindow.isStill(target_);
+  if (!reaches) {
+    logWarning("WARNING: #iNs7wNd - Keys no longer reach the window that the snippet was meant for.");
+  }
+  return reaches;
 }
 
 void Insertion::putPiece() {
@@ -197,6 +217,7 @@ void Insertion::pasteOrType(std::u16string_view text) {
 
 void Insertion::typeNextSpecialKey() {
   if (specialKeys_.empty()) return pasteNextPartOrFinish();
+  if (!reachesTarget()) return callOff();
   const auto key = std::move(specialKeys_.front());
   specialKeys_.pop_front();
   if (isClipboardKey(key)) return pasteClipboard(key.type == kClipboardTextKey);
@@ -205,6 +226,7 @@ void Insertion::typeNextSpecialKey() {
 }
 
 void Insertion::pressSpecialKey(const KeyStep& key) {
+  keyMayMoveFocus_ = mayMoveFocus(key);
   if (key.type == kCombinationKey) {
     if (!key.combination) return;
     use_.poster.postKey(key.combination->keyCode, key.combination->flags, PostLocation::session);
@@ -252,12 +274,12 @@ void Insertion::restoreAndFinish() {
     pasteboard_.keepPiece();
     return end();
   }
-  pasteboard_.giveBackAfter(restoreDelay());
+  giveBackPasteboard();
   finishPasting();
 }
 
 bool Insertion::moveCaretToCursor() {
-  if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1) return false;
+  if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1 || !reachesTarget()) return false;
   use_.poster.postKey(keys_.leftArrowKeyCode, 0, PostLocation::annotatedSession,
                       static_cast<int>(numberOfKeyTypesToGetToCursorPosition));
   return true;
@@ -267,9 +289,11 @@ std::function<Toolkit()> Insertion::toolkit() const {
   return [this] { return use_.target.toolkit(); };
 }
 
-Seconds Insertion::restoreDelay() const {
+void Insertion::giveBackPasteboard() {
+  if (!use_.settings.restorePateboardItems()) return pasteboard_.keepPiece();
   const Seconds between = use_.settings.pasteBetweenSnippetPartsDelay();
-  return between <= Seconds(0) ? kRestoreDelayWithoutPartsDelay : std::min(between, kLongestRestoreDelay);
+  pasteboard_.giveBackAfter(between <= Seconds(0) ? kRestoreDelayWithoutPartsDelay
+                                                  : std::min(between, kLongestRestoreDelay));
 }
 
 void Insertion::finishPasting() {

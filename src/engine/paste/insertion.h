@@ -3,6 +3,7 @@
 #include "base/life_token.h"
 #include "engine/paste/paste_services.h"
 #include "macros/prepared_snippet.h"
+#include "platform/front_window.h"
 #include "platform/insertion/toolkit.h"
 #include "platform/main_queue.h"
 #include "platform/pasteboard.h"
@@ -25,7 +26,10 @@ class OwnWindows;
 class PasteboardKeeper;
 class QLSnippet;
 
+// What was asked for, and the state of the desktop at that moment.
 struct InsertionRequest {
+  std::unique_ptr<TypedKeysHold::Hold> hold;
+  FrontWindow::Id target = 0;
   AttributedString content;
   std::shared_ptr<QLSnippet> snippet;
   std::u16string abbreviation;
@@ -46,7 +50,7 @@ class Insertion {
             OwnWindows& ownWindows, InsertionRequest request, std::function<void()> ended);
 
   void start();
-  // Cancels an open question: the user has left it for something else.
+  // Cancels an open question: the user has left it for something else. Does nothing without a question.
   void callOffQuestion();
 
  private:
@@ -55,7 +59,8 @@ class Insertion {
   void callOff();
   void insert(PreparedSnippet prepared);
   void putNextPiece();
-  bool mayGoOn();
+  bool mayBegin();
+  bool reachesTarget() const;
   void putPiece();
   void countKeysToCursor(const AttributedString& piece);
   void deleteAbbreviationAndPaste();
@@ -67,11 +72,11 @@ class Insertion {
   void pasteNextPartOrFinish();
   bool moveCaretToCursor();
   void restoreAndFinish();
+  void giveBackPasteboard();
   std::function<Toolkit()> toolkit() const;
   void finishPasting();
   void notifyAutoPasteOff();
   void end();
-  Seconds restoreDelay() const;
   void after(Seconds delay, void (Insertion::*step)());
 
   // The first member: keys are delivered once all of the others are gone, and may begin the next insertion.
@@ -82,6 +87,7 @@ class Insertion {
   OwnWindows& ownWindows_;
   std::function<void()> ended_;
 
+  FrontWindow::Id target_;
   AttributedString content_;
   std::shared_ptr<QLSnippet> snippet;
   std::u16string abbreviationUsedToTriggerPaste;
@@ -100,6 +106,7 @@ class Insertion {
   std::size_t pieceIndex_ = 0;
   std::size_t pieceStart_ = 0;  // of the next piece, in snippetText
   std::size_t numberOfKeyTypesToGetToCursorPosition = 0;
+  bool keyMayMoveFocus_ = false;  // the key pressed last
   bool abbreviationHasBeenRemoved = false;
   bool ignorePaste = false;
   std::u16string pieceText_;  // of the piece to paste now

@@ -3,6 +3,7 @@
 #include "app/settings/settings_controller.h"
 #include "engine/paste/paste_notifications.h"
 #include "platform/insertion/insertion_target.h"
+#include "platform/typed_keys_hold.h"
 #include "platform/user_notifications.h"
 
 #include <utility>
@@ -22,8 +23,8 @@ PasteController::PasteController(const Dependencies& dependencies)
 
 void PasteController::pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet,
                                    std::u16string abbreviation, PastingCompletion completion) {
-  InsertionRequest request{std::move(content), std::move(snippet), std::move(abbreviation),
-                           std::move(completion)};
+  InsertionRequest request{use_.typedKeys.begin(), use_.frontWindow.current(), std::move(content),
+                           std::move(snippet),     std::move(abbreviation),    std::move(completion)};
   if (!insertion_) return begin(std::move(request));
   waiting_.push_back(std::move(request));
   insertion_->callOffQuestion();

@@ -5,6 +5,7 @@
 namespace quorlo {
 
 class EventPoster;
+class FrontWindow;
 class InsertionTarget;
 class KeyboardLayout;
 class MainQueue;
@@ -24,6 +25,7 @@ struct PasteServices {
   InsertionTarget& target;
   KeyboardLayout& layout;
   TypedKeysHold& typedKeys;
+  const FrontWindow& frontWindow;
   OwnApplication& application;
   UserNotifications& notifications;
   SettingsController& settings;

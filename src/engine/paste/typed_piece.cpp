@@ -14,7 +14,8 @@ constexpr std::u16string_view kTypedByKeys = u"\n\t";
 
 bool typePiece(EventPoster& poster, std::u16string_view text) {
   std::u16string characters(text);
-  std::erase_if(characters, [](char16_t unit) { return kTypedByKeys.find(unit) != std::u16string_view::npos; });
+  std::erase_if(characters,
+                [](char16_t unit) { return kTypedByKeys.find(unit) != std::u16string_view::npos; });
   if (!poster.canType(characters)) return false;
   while (!text.empty()) {
     const auto end = std::min(text.find_first_of(kTypedByKeys), text.size());

@@ -5,6 +5,7 @@
 #include "platform/main_queue.h"
 #include "x11/connection/x_connection.h"
 #include "x11/desktop/x11_accessibility_trust.h"
+#include "x11/desktop/x11_front_window.h"
 #include "x11/desktop/x11_hot_key_center.h"
 #include "x11/desktop/x11_insertion_target.h"
 #include "x11/desktop/x11_mouse_monitor.h"
@@ -78,6 +79,7 @@ struct X11Desktop::Parts {
   std::unique_ptr<X11InsertionTarget> target;
   std::unique_ptr<X11Pasteboard> pasteboard;
   std::unique_ptr<X11TargetFocus> focus;
+  std::unique_ptr<X11FrontWindow> frontWindow;
   std::unique_ptr<X11MouseMonitor> mouse;
   std::unique_ptr<KeyboardService> keyboard;
   std::unique_ptr<X11AccessibilityTrust> trust;
@@ -106,6 +108,7 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   if (!workspace) return workspace.error();
   p.workspace = std::move(workspace).value();
   p.focus = std::make_unique<X11TargetFocus>(*p.x, *p.workspace, queue);
+  p.frontWindow = std::make_unique<X11FrontWindow>(*p.x, *p.workspace);
 
   p.target = std::make_unique<X11InsertionTarget>([&p] { return p.workspace->activeWindow(); },
                                                   options.insertionTable);
@@ -191,6 +194,9 @@ Pasteboard& X11Desktop::pasteboard() {
 }
 TargetFocus& X11Desktop::targetFocus() {
   return *parts_->focus;
+}
+FrontWindow& X11Desktop::frontWindow() {
+  return *parts_->frontWindow;
 }
 
 }  // namespace quorlo

@@ -13,6 +13,7 @@ namespace quorlo {
 class AccessibilityTrust;
 class EventPoster;
 class EventTap;
+class FrontWindow;
 class HotKeyCenter;
 class InsertionTable;
 class InsertionTarget;
@@ -63,6 +64,7 @@ class X11Desktop {
   Subscription serveAddress(const std::string& address, std::function<void()> open);
   Pasteboard& pasteboard();
   TargetFocus& targetFocus();
+  FrontWindow& frontWindow();
 
  private:
   struct Parts;

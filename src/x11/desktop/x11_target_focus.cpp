@@ -1,5 +1,6 @@
 #include "x11/desktop/x11_target_focus.h"
 
+#include "x11/connection/window_tree.h"
 #include "x11/desktop/x11_workspace.h"
 
 #include <chrono>
@@ -63,12 +64,7 @@ bool X11TargetFocus::isActive(xcb_window_t window) const {
   const auto focus = x_.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x_.get()));
   if (!focus) return false;
   if (focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT) return true;
-  for (auto inner = focus->focus; inner != XCB_WINDOW_NONE && inner != x_.root();) {
-    if (inner == window) return true;
-    const auto tree = x_.reply(xcb_query_tree_reply, xcb_query_tree(x_.get(), inner));
-    inner = tree ? tree->parent : xcb_window_t{XCB_WINDOW_NONE};
-  }
-  return false;
+  return isInside(x_, focus->focus, window);
 }
 
 void X11TargetFocus::askWindowManager(xcb_window_t window) const {
