@@ -6,6 +6,7 @@
 #include "app/settings/sound_manager.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
+#include "engine/expansion_undo.h"
 #include "engine/paste/macro_preparation.h"
 #include "engine/paste/paste_controller.h"
 #include "fakes/fake_alerts.h"
@@ -99,8 +100,9 @@ class Typist {
   AccessibilityManager accessibility_{desktop_, settings_, desktop_, alerts_, desktop_.queue, {}};
   PasteController paste_{{desktop_.queue, desktop_.pasteboard, desktop_, desktop_, desktop_, desktop_,
                           desktop_, application_, notifications_, settings_, sound_, preparation_}};
+  ExpansionUndo undo_{{desktop_.queue, desktop_, desktop_, desktop_, key::kBackspace}};
   AbbreviationsMonitor monitor_{{desktop_.queue, desktop_, desktop_, desktop_, desktop_, settings_,
-                                 accessibility_, persistence_, context_, paste_}};
+                                 accessibility_, persistence_, context_, paste_, undo_}};
   KeyDownEvent letter_{0, 0, u"a", KeyDownEvent::Origin::keyboard};
   KeyDownEvent space_{key::kSpace, 0, u" ", KeyDownEvent::Origin::keyboard};
 };

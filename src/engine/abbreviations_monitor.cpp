@@ -4,6 +4,7 @@
 #include "base/log.h"
 #include "engine/accessibility_manager.h"
 #include "engine/expansion_rules.h"
+#include "engine/expansion_undo.h"
 #include "engine/typed_key.h"
 #include "platform/main_queue.h"
 #include "platform/mouse_monitor.h"
@@ -16,6 +17,7 @@
 #include "store/use_recorder.h"
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 namespace quorlo {
@@ -41,6 +43,7 @@ AbbreviationsMonitor::AbbreviationsMonitor(const Dependencies& dependencies)
   settingsObservation_ = use_.settings.observe([this](Setting setting) {
     if (setting == Setting::abbreviationsEnabled) updateEventTap();
   });
+  insertions_ = use_.paste.observeInsertions([this] { use_.undo.withdraw(); });
   use_.queue.runAfter(kFirstUpdateDelay, life_.guard([this] { updateEventTap(); }));
 }
 
@@ -55,7 +58,7 @@ void AbbreviationsMonitor::updateEventTap() {
   }
   abbreviationMouseEventMonitor = use_.mouse.observeLeftMouseDown([this] {
     logDebug("leftMouseDown");
-    potentialAbbreviation.clear();
+    forgetTyping();
   });
   logInfo("Adding eventTap");
   eventTap();
@@ -84,11 +87,11 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
   auto& monitor = *static_cast<AbbreviationsMonitor*>(userInfo);
   if (type == TapEventType::kCGEventTapDisabledByTimeout) {
     logError("ERROR: #4ughugir - kCGEventTapDisabledByTimeout");
-    monitor.potentialAbbreviation.clear();
+    monitor.forgetTyping();
     if (monitor._eventTap) monitor._eventTap->enable();
     return TapVerdict::pass;
   }
-  if (type == TapEventType::keysPassedUnseen) monitor.potentialAbbreviation.clear();
+  if (type == TapEventType::keysPassedUnseen) monitor.forgetTyping();
   if (event == nullptr) return TapVerdict::pass;
   return monitor.handleKeyDown(*event) ? TapVerdict::swallow : TapVerdict::pass;
 }
@@ -96,8 +99,13 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
 bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   const auto frontmost = use_.accessibility.frontmostApplication();
   if (use_.context.obstacle()) {
-    potentialAbbreviation.clear();
+    forgetTyping();
     return false;
+  }
+  if (use_.undo.takes(event, frontmost.get())) {
+    // What is given back must not expand again at the next delimiter.
+    potentialAbbreviation.clear();
+    return true;
   }
   if (frontmost && frontmost->bundleIdentifier && isApplicationExcluded(*frontmost->bundleIdentifier)) {
     return false;
@@ -129,6 +137,12 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
     }
   }
   return swallow;
+}
+
+// What was typed need not stand in front of the caret any more.
+void AbbreviationsMonitor::forgetTyping() {
+  potentialAbbreviation.clear();
+  use_.undo.withdraw();
 }
 
 void AbbreviationsMonitor::editBuffer(const KeyDownEvent& event) {
@@ -183,13 +197,21 @@ bool AbbreviationsMonitor::isAllowed(const QLSnippet& snippet, const RunningAppl
 void AbbreviationsMonitor::expand(const Match& match, std::u16string_view delimiter) {
   auto content = match.snippet->text();
   if (!delimiter.empty() && !use_.settings.removeTriggerKey()) content.append(delimiter);
-  const auto typed = graphemeCount(match.matchedText) + graphemeCount(delimiter);
-  use_.paste.pasteSnippet(
-      std::move(content), match.snippet, std::u16string(match.matchedText),
-      [&persistence = use_.persistence, snippet = match.snippet, typed](std::size_t inserted) {
-        recordUse(persistence, *snippet, static_cast<std::int64_t>(inserted),
-                  static_cast<std::int64_t>(typed));
-      });
+  const auto typed = static_cast<std::int64_t>(graphemeCount(match.matchedText) + graphemeCount(delimiter));
+  auto use = std::make_shared<std::optional<RecordedUse>>();
+  auto count = [&persistence = use_.persistence, snippet = match.snippet, typed, use](std::size_t inserted) {
+    *use = recordUse(persistence, *snippet, static_cast<std::int64_t>(inserted), typed);
+  };
+  auto offerUndo = [this, snippet = match.snippet, use, target = lastActiveApplication,
+                    given = std::u16string(match.matchedText).append(delimiterToGiveBack(delimiter))](
+                       const std::u16string& text) {
+    if (!use_.settings.undoExpansionWithBackspace()) return;
+    use_.undo.offer({text, given, target, [&persistence = use_.persistence, snippet, use] {
+                       if (*use) takeBackUse(persistence, *snippet, **use);
+                     }});
+  };
+  use_.paste.pasteSnippet(std::move(content), match.snippet, std::u16string(match.matchedText),
+                          std::move(count), life_.guard(std::move(offerUndo)));
 }
 
 }  // namespace quorlo

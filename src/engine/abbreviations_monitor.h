@@ -14,6 +14,7 @@ namespace quorlo {
 
 class AccessibilityManager;
 class ExpansionLookup;
+class ExpansionUndo;
 class MainQueue;
 class ManagedObjectContext;
 class MouseMonitor;
@@ -40,6 +41,7 @@ class AbbreviationsMonitor {
     PersistenceController& persistence;
     const ExpansionLookup& lookup;
     PasteController& paste;
+    ExpansionUndo& undo;
   };
 
   // Monitoring begins 0.1 s later, if abbreviations are enabled. The references must outlive the monitor.
@@ -74,6 +76,7 @@ class AbbreviationsMonitor {
   bool isApplicationExcluded(const std::string& bundleIdentifier) const;
   bool isAllowed(const QLSnippet& snippet, const RunningApplication* application) const;
   Match findTypedAbbreviation() const;
+  void forgetTyping();
   void editBuffer(const KeyDownEvent& event);
   void expand(const Match& match, std::u16string_view delimiter);
 
@@ -84,6 +87,7 @@ class AbbreviationsMonitor {
   std::unique_ptr<EventTap::Port> _eventTap;
   std::shared_ptr<const RunningApplication> lastActiveApplication;
   Subscription settingsObservation_;
+  Subscription insertions_;
   LifeToken life_;
 };
 

@@ -108,9 +108,9 @@ QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
 }
 
 void Program::Parts::createAbbreviationsMonitor() {
-  monitor.emplace(AbbreviationsMonitor::Dependencies{queue, desktop->eventTap(), desktop->mouseMonitor(),
-                                                     desktop->workspace(), context, settings, accessibility,
-                                                     persistence, persistence.managedObjectContext(), paste});
+  monitor.emplace(AbbreviationsMonitor::Dependencies{
+      queue, desktop->eventTap(), desktop->mouseMonitor(), desktop->workspace(), context, settings,
+      accessibility, persistence, persistence.managedObjectContext(), paste, undo});
   shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
 }
 

@@ -16,6 +16,7 @@
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_help.h"
 #include "engine/accessibility_manager.h"
+#include "engine/expansion_undo.h"
 #include "engine/fill_in/fill_in_controller.h"
 #include "engine/paste/macro_preparation.h"
 #include "engine/paste/paste_controller.h"
@@ -152,6 +153,8 @@ struct Program::Parts {
   PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->insertionTarget(),
                          desktop->keyboardLayout(), desktop->typedKeysHold(), desktop->frontWindow(),
                          application, notifications, settings, sound, preparation}};
+  ExpansionUndo undo{{queue, desktop->eventPoster(), desktop->insertionTarget(), desktop->typedKeysHold(),
+                      PasteKeys(desktop->keyboardLayout()).deleteKeyCode}};
   std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
   std::optional<SharedInstances> shared;
 

@@ -13,16 +13,25 @@ constexpr double kCharactersPerWord = 5;
 
 }  // namespace
 
-void recordUse(PersistenceController& persistence, QLSnippet& snippet, std::int64_t insertedCharacters,
-               std::int64_t typedCharacters) {
+RecordedUse recordUse(PersistenceController& persistence, QLSnippet& snippet, std::int64_t insertedCharacters,
+                      std::int64_t typedCharacters) {
   snippet.setUseCount(snippet.useCount() + 1);
-  const auto saved = std::max<std::int64_t>(0, insertedCharacters - typedCharacters);
+  RecordedUse use{std::max<std::int64_t>(0, insertedCharacters - typedCharacters)};
   const auto user = persistence.currentUser();
-  if (!user || saved == 0) return;
-  user->setSavedChars(user->savedChars() + saved);
-  if (user->wordsPerMinute() <= 0) return;
-  user->setSavedMinutes(user->savedMinutes() +
-                        static_cast<double>(saved) / kCharactersPerWord / user->wordsPerMinute());
+  if (!user || use.savedChars == 0) return use;
+  user->setSavedChars(user->savedChars() + use.savedChars);
+  if (user->wordsPerMinute() <= 0) return use;
+  use.savedMinutes = static_cast<double>(use.savedChars) / kCharactersPerWord / user->wordsPerMinute();
+  user->setSavedMinutes(user->savedMinutes() + use.savedMinutes);
+  return use;
+}
+
+void takeBackUse(PersistenceController& persistence, QLSnippet& snippet, const RecordedUse& use) {
+  snippet.setUseCount(std::max<std::int64_t>(0, snippet.useCount() - 1));
+  const auto user = persistence.currentUser();
+  if (!user || use.savedChars == 0) return;
+  user->setSavedChars(std::max<std::int64_t>(0, user->savedChars() - use.savedChars));
+  user->setSavedMinutes(std::max(0.0, user->savedMinutes() - use.savedMinutes));
 }
 
 }  // namespace quorlo

@@ -4,6 +4,7 @@
 #include "app/settings/sound_manager.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_manager.h"
+#include "engine/expansion_undo.h"
 #include "engine/paste/macro_preparation.h"
 #include "engine/paste/paste_controller.h"
 #include "fakes/fake_alerts.h"
@@ -96,8 +97,9 @@ struct ExpansionWorld : testing::Test {
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
   PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, desktop, desktop,
                          ownApplication, notifications, settings, sound, preparation}};
+  ExpansionUndo undo{{desktop.queue, desktop, desktop, desktop, key::kBackspace}};
   AbbreviationsMonitor monitor{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
-                                persistence, context, paste}};
+                                persistence, context, paste, undo}};
 };
 
 }  // namespace quorlo

@@ -54,9 +54,10 @@ enum class Setting {
   showNotificationForExpension,
   showFormatInspector,
   expandWhileInputMethodIsActive,
+  undoExpansionWithBackspace,
 };
 inline constexpr std::size_t kSettingCount =
-    static_cast<std::size_t>(Setting::expandWhileInputMethodIsActive) + 1;
+    static_cast<std::size_t>(Setting::undoExpansionWithBackspace) + 1;
 
 // What the values of a setting are, and with it how they are stored.
 enum class SettingKind {

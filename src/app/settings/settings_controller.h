@@ -85,6 +85,10 @@ class SettingsController {
   bool removeTriggerKey() const { return boolean(Setting::removeTriggerKey); }
   void setRemoveTriggerKey(bool on) { write(Setting::removeTriggerKey, on); }
 
+  // Backspace right after an expansion gives the abbreviation back.
+  bool undoExpansionWithBackspace() const { return boolean(Setting::undoExpansionWithBackspace); }
+  void setUndoExpansionWithBackspace(bool on) { write(Setting::undoExpansionWithBackspace, on); }
+
   // Set once the delimiter keys of earlier versions have been converted.
   bool oldDefaultsHaveBeenCopied() const { return boolean(Setting::oldDefaultsHaveBeenCopied); }
   void setOldDefaultsHaveBeenCopied(bool done) { write(Setting::oldDefaultsHaveBeenCopied, done); }

@@ -147,6 +147,8 @@ std::array<SettingDescription, kSettingCount> makeTable() {
       flag("ShowFormatInspector", true, user, "The editor shows a format bar for formatted text."),
       flag("ExpandWhileInputMethodIsActive", false, user,
            "Abbreviations expand also while an input method (IBus, fcitx5) makes text of the keys."),
+      flag("UndoExpansionWithBackspace", true, user,
+           "Backspace right after an expansion gives the abbreviation back as it was typed."),
   };
 }
 

@@ -59,7 +59,8 @@ Insertion::Insertion(const PasteServices& services, const PasteKeys& keys, Paste
       content_(std::move(request.content)),
       snippet(std::move(request.snippet)),
       abbreviationUsedToTriggerPaste(std::move(request.abbreviation)),
-      pastingCompletionHandler(std::move(request.completion)) {}
+      pastingCompletionHandler(std::move(request.completion)),
+      standsBeforeCaret_(std::move(request.standsBeforeCaret)) {}
 
 void Insertion::start() {
   if (use_.settings.playSound()) use_.sound.play();
@@ -111,6 +112,7 @@ void Insertion::insert(PreparedSnippet prepared) {
     hold_ = use_.typedKeys.begin();
     pasteboard_.save();
   }
+  isPlainPaste_ = prepared.keys.empty() && !prepared.cursorRange;
   snippetText = std::move(prepared.snippetText);
   cursorRange = prepared.cursorRange;
   cursorPiece_ = prepared.cursorPiece;
@@ -263,6 +265,7 @@ void Insertion::pasteNextPartOrFinish() {
   if (!seperatedSnippetText.empty()) {
     return after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::putNextPiece);
   }
+  if (isPlainPaste_ && standsBeforeCaret_) standsBeforeCaret_(snippetText.string());
   if (!moveCaretToCursor()) return restoreAndFinish();
   const auto pause = use_.target.profile().pauseAfterCaretMoves;
   if (pause <= Seconds(0)) return restoreAndFinish();

@@ -34,6 +34,9 @@ struct InsertionRequest {
   std::shared_ptr<QLSnippet> snippet;
   std::u16string abbreviation;
   std::function<void(std::size_t insertedCharacters)> completion;
+  // Called, before the completion, when the whole text has been pasted at once and the caret stands behind
+  // it.
+  std::function<void(const std::u16string& text)> standsBeforeCaret;
 };
 
 // One snippet on its way into the application that the user is typing in. Made for a request and destroyed
@@ -92,10 +95,12 @@ class Insertion {
   std::shared_ptr<QLSnippet> snippet;
   std::u16string abbreviationUsedToTriggerPaste;
   std::function<void(std::size_t)> pastingCompletionHandler;
+  std::function<void(const std::u16string&)> standsBeforeCaret_;
 
   bool holdWasWhole_ = true;
-  bool isAsking_ = false;    // the preparation waits for the user
-  bool isAnswered_ = false;  // the preparation has completed
+  bool isAsking_ = false;      // the preparation waits for the user
+  bool isAnswered_ = false;    // the preparation has completed
+  bool isPlainPaste_ = false;  // without keys to press and without a place for the caret
 
   AttributedString snippetText;
   std::deque<AttributedString> seperatedSnippetText;  // pieces still to paste

@@ -22,9 +22,11 @@ PasteController::PasteController(const Dependencies& dependencies)
 }
 
 void PasteController::pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet,
-                                   std::u16string abbreviation, PastingCompletion completion) {
-  InsertionRequest request{use_.typedKeys.begin(), use_.frontWindow.current(), std::move(content),
-                           std::move(snippet),     std::move(abbreviation),    std::move(completion)};
+                                   std::u16string abbreviation, PastingCompletion completion,
+                                   StandsBeforeCaret standsBeforeCaret) {
+  InsertionRequest request{use_.typedKeys.begin(),      use_.frontWindow.current(), std::move(content),
+                           std::move(snippet),          std::move(abbreviation),    std::move(completion),
+                           std::move(standsBeforeCaret)};
   if (!insertion_) return begin(std::move(request));
   waiting_.push_back(std::move(request));
   insertion_->callOffQuestion();

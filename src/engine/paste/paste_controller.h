@@ -34,11 +34,14 @@ class PasteController {
 
   static PasteController& shared();
 
+  // Given the text once it stands in front of the caret: pasted at once, with no key pressed after it.
+  using StandsBeforeCaret = std::function<void(const std::u16string& text)>;
+
   // Inserts `content`, which is the snippet's content as it is to be inserted. `abbreviation` is what the
   // user typed and what is erased; empty for a snippet chosen otherwise. The completion runs once the
   // snippet has been inserted, unless the pasteboard is not to be restored.
   void pasteSnippet(AttributedString content, std::shared_ptr<QLSnippet> snippet, std::u16string abbreviation,
-                    PastingCompletion completion);
+                    PastingCompletion completion, StandsBeforeCaret standsBeforeCaret = {});
 
   // False in an application that the user wants left alone.
   bool mayExpand() const;

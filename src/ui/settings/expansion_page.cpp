@@ -66,6 +66,11 @@ SettingsPage* makeExpansionPage(const SettingsServices& services) {
 
   page->beginGroup(u"Inserting");
   page->addSwitch(
+      u"Backspace right after an expansion takes it back", &SettingsController::undoExpansionWithBackspace,
+      &SettingsController::setUndoExpansionWithBackspace,
+      u"The abbreviation stands there again as you typed it. Snippets with keys, a cursor position, "
+      u"pictures or indented lines, and texts of more than 1,000 characters, are left alone.");
+  page->addSwitch(
       u"Auto-Paste", &SettingsController::autoPasteIsEnabled, &SettingsController::setAutoPasteIsEnabled,
       u"A snippet chosen in the menu is inserted into the application in front. Otherwise it is put on "
       u"the clipboard.");
