@@ -109,7 +109,7 @@ class Evaluation {
     const auto value = valueForArgument(u"value", macroString);
     if (value && *value != u"combi") {
       if (specialKeyFromRawValue(*value)) return addKey({here(), toUtf8(*value)});
-      return logWarning("WARNING: #uz84KKlK - " + userText(toUtf8(*value)));
+      return logWarning("WARNING: #sPk4unk - " + userText(toUtf8(*value)));
     }
     const auto code = readNumber<KeyCode>(u"code", macroString);
     if (!code) {

@@ -196,7 +196,7 @@ TEST_F(Interpreter, RemovesKeysThatNameNone) {
   }
   EXPECT_EQ(log.count("A special key names no key"), 5U);
   EXPECT_TRUE(evaluated(u"%specialKey:value=Hyper:specialKey%").keys.empty());
-  EXPECT_EQ(log.count("WARNING: #uz84KKlK - (5 characters)"), 1U);
+  EXPECT_EQ(log.count("WARNING: #sPk4unk - (5 characters)"), 1U);
 }
 
 }  // namespace

@@ -235,7 +235,7 @@ void Insertion::pressSpecialKey(const KeyStep& key) {
   } else if (const auto code = specialKeyCode(key.type)) {
     use_.poster.postKey(*code, 0, PostLocation::session);
   } else {
-    logWarning("WARNING: #sPk4unk - " + userText(key.type));
+    logWarning("WARNING: #uz84KKlK - " + userText(key.type));
   }
 }
 
