@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <csignal>
 #include <cstring>
 
 namespace quorlo {
@@ -53,6 +54,8 @@ std::string XProperty::text() const {
 
 Result<std::unique_ptr<XConnection>> XConnection::open(const std::string& display) {
   const std::string name = display.empty() ? displayFromEnvironment() : display;
+  // The server may end a client while it writes, which must not end the program: xcb reports it as an error.
+  std::signal(SIGPIPE, SIG_IGN);
   int screenNumber = 0;
   xcb_connection_t* connection = xcb_connect(name.empty() ? nullptr : name.c_str(), &screenNumber);
   if (const int code = xcb_connection_has_error(connection); code != 0) {

@@ -83,6 +83,11 @@ void XEventLoop::cancel(TimerId timer) {
   std::erase_if(timers_, [timer](const auto& entry) { return entry.first.second == timer; });
 }
 
+void XEventLoop::watch(int descriptor, Task onReadable) {
+  watched_ = descriptor;
+  onWatchedReadable_ = std::move(onReadable);
+}
+
 void XEventLoop::run() {
   while (true) {
     runTasks();
@@ -100,9 +105,11 @@ void XEventLoop::run() {
         handleBatch(XReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection_.get())))) {
       continue;
     }
-    std::array<pollfd, 2> descriptors{
+    const int watched = watched_;
+    std::array<pollfd, 3> descriptors{
         pollfd{wakeUp_, POLLIN, 0},
-        pollfd{connectionLost_ ? -1 : xcb_get_file_descriptor(connection_.get()), POLLIN, 0}};
+        pollfd{connectionLost_ ? -1 : xcb_get_file_descriptor(connection_.get()), POLLIN, 0},
+        pollfd{watched, POLLIN, 0}};
     busy_ = false;
     poll(descriptors.data(), descriptors.size(), timeout);
     busy_ = true;
@@ -114,6 +121,10 @@ void XEventLoop::run() {
     // second read after each key that finds nothing.
     if (descriptors[1].revents != 0) {
       handleBatch(XReply<xcb_generic_event_t>(xcb_poll_for_event(connection_.get())));
+    }
+    if (descriptors[2].revents != 0 && watched_ == watched) {
+      const auto onReadable = onWatchedReadable_;  // it may watch another one
+      onReadable();
     }
   }
 }

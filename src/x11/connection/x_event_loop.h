@@ -52,6 +52,8 @@ class XEventLoop {
   // On the loop's thread.
   TimerId runAt(Clock::time_point due, Task task);
   void cancel(TimerId timer);
+  // Calls whenever this descriptor is readable or its other end closed; -1 for none. One at a time.
+  void watch(int descriptor, Task onReadable);
 
  private:
   void run();
@@ -70,6 +72,8 @@ class XEventLoop {
   bool connectionLost_ = false;
   // False only while the thread sleeps: set before it takes anything from the connection.
   std::atomic<bool> busy_ = true;
+  int watched_ = -1;
+  Task onWatchedReadable_;
   TimerId lastTimer_ = 0;
   std::map<std::pair<Clock::time_point, TimerId>, Task> timers_;
 

@@ -16,15 +16,9 @@
 
 namespace quorlo {
 
-namespace {
-
-constexpr std::chrono::milliseconds kPatience{1000};
-
-}  // namespace
-
 std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& program,
-                                                  const std::string& display, std::uint32_t window,
-                                                  std::uint32_t askAtom) {
+                                                  const std::string& display, xcb_window_t window,
+                                                  xcb_atom_t messageType) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return nullptr;
 
@@ -44,7 +38,7 @@ std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& p
 
   const std::string path = program;
   const std::string windowText = std::to_string(window);
-  const std::string atomText = std::to_string(askAtom);
+  const std::string atomText = std::to_string(messageType);
   std::array<std::string, 4> words{path, display, windowText, atomText};
   std::array<char*, 5> arguments{words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};
   pid_t process = 0;
@@ -54,32 +48,28 @@ std::unique_ptr<GuardProcess> GuardProcess::start(const std::filesystem::path& p
   close(ends[1]);
   if (failure != 0) {
     close(ends[0]);
-    logWarning("The keyboard guard " + path + " cannot be started: " + std::strerror(failure) +
-               ". Expansion works without it, but should Quorlo ever hang, the keyboard would hang with it.");
+    logWarning("The keyboard guard " + path + " cannot be started: " + std::strerror(failure) + ".");
     return nullptr;
   }
-  std::unique_ptr<GuardProcess> guard(new GuardProcess(process, ends[0]));
-  // No key may be grabbed before the guard sees keys.
-  pollfd ready{ends[0], POLLIN, 0};
-  char sign = 0;
-  if (poll(&ready, 1, static_cast<int>(kPatience.count())) != 1 || read(ends[0], &sign, 1) != 1) {
-    logWarning("The keyboard guard " + path +
-               " does not work. Expansion works without it, but should Quorlo "
-               "ever hang, the keyboard would hang with it.");
-    return nullptr;
-  }
-  return guard;
+  return std::unique_ptr<GuardProcess>(new GuardProcess(process, ends[0]));
 }
 
 GuardProcess::~GuardProcess() {
-  close(socket_);
+  kill(process_, SIGKILL);
   while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
   }
+  close(socket_);
 }
 
-void GuardProcess::answered(std::uint32_t time) {
-  // A full socket or a dead guard is no reason to hold up a key.
-  send(socket_, &time, sizeof time, MSG_NOSIGNAL | MSG_DONTWAIT);
+bool GuardProcess::waitUntilReadable(std::chrono::milliseconds atMost) const {
+  pollfd readable{socket_, POLLIN, 0};
+  return poll(&readable, 1, static_cast<int>(atMost.count())) == 1;
+}
+
+xcb_window_t GuardProcess::readWindow() const {
+  xcb_window_t window = XCB_WINDOW_NONE;
+  const auto size = recv(socket_, &window, sizeof window, MSG_DONTWAIT);
+  return size == sizeof window ? window : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 }  // namespace quorlo

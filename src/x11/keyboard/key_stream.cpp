@@ -24,6 +24,7 @@ void KeyStream::end() {
   pausedModifiers_.clear();
   trigger_.reset();
   judgedEarlier_.reset();
+  lastPress_.reset();
   holding_ = false;
   output_.flush();
 }
@@ -34,18 +35,22 @@ void KeyStream::handle(PhysicalKey key) {
     if (key.kind == PhysicalKey::Kind::press) physicallyDown_.emplace(key.device, key.keycode);
     if (key.kind == PhysicalKey::Kind::release) physicallyDown_.erase({key.device, key.keycode});
     // A key held down during a hold must not come out as a flood.
-    if (key.kind == PhysicalKey::Kind::repeat && (holding_ || !queue_.empty())) return;
+    if (key.kind == PhysicalKey::Kind::repeat && (keysWait() || !queue_.empty())) return;
     queue_.push_back(key);
+    if (keysWait() && key.kind == PhysicalKey::Kind::press) {
+      output_.taken(key.press);
+      output_.flush();
+    }
   }
   drain();
 }
 
 void KeyStream::drain() {
   std::unique_lock lock(mutex_);
-  if (holding_) return;
+  if (keysWait()) return;
   resumeModifiers();
   passJudgedEarlier();
-  while (!holding_ && !queue_.empty()) {
+  while (!keysWait() && !queue_.empty()) {
     const auto key = queue_.front();
     queue_.pop_front();
     switch (key.kind) {
@@ -88,9 +93,11 @@ void KeyStream::keepOnly(const std::set<std::pair<std::uint16_t, XKeycode>>& hel
 }
 
 void KeyStream::handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock) {
+  lastPress_ = key.press;
   if (reader_.map().isModifierKey(key.keycode)) {
     reader_.press(key.keycode);
     press(key.keycode);
+    settleLastPress();
     return;
   }
   const auto reading = reader_.readPress(key.keycode);
@@ -112,14 +119,23 @@ void KeyStream::handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock)
       swallowComposition(key.keycode);
     }
   }
-  if (holding_) return;
-  resumeModifiers();
-  passJudgedEarlier();
+  if (!keysWait()) {
+    resumeModifiers();
+    passJudgedEarlier();
+  }
+  settleLastPress();
 }
 
 void KeyStream::passJudgedEarlier() {
   if (judgedEarlier_) press(*judgedEarlier_);
   judgedEarlier_.reset();
+  settleLastPress();
+}
+
+void KeyStream::settleLastPress() {
+  if (!lastPress_ || judging_ || trigger_ || judgedEarlier_) return;
+  output_.settled(*lastPress_);
+  lastPress_.reset();
 }
 
 // The application has seen the keys before this one and would take the next key for the end of the
@@ -150,6 +166,7 @@ bool KeyStream::keepTrigger(HoldId hold) {
   if (!holding_ || hold != lastHold_) return false;
   if (trigger_ && trigger_->endsComposition) swallowComposition(trigger_->keycode);
   trigger_.reset();
+  settleLastPress();
   output_.flush();
   return true;
 }
@@ -211,6 +228,19 @@ std::vector<XKeycode> KeyStream::releaseModifiers() {
     output_.release(keycode);
   }
   return modifiers;
+}
+
+std::vector<XKeycode> KeyStream::beginPost() {
+  const std::lock_guard lock(mutex_);
+  posting_ = true;
+  return releaseModifiers();
+}
+
+void KeyStream::endPost(const std::vector<XKeycode>& modifiers) {
+  const std::lock_guard lock(mutex_);
+  for (const auto keycode : modifiers) press(keycode);
+  posting_ = false;
+  output_.flush();
 }
 
 void KeyStream::setMap(KeyMap map) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/event_tap.h"
+#include "x11/guard/press_id.h"
 #include "x11/keyboard/key_reader.h"
 
 #include <cstdint>
@@ -19,6 +20,7 @@ struct PhysicalKey {
   Kind kind;
   std::uint16_t device;
   XKeycode keycode;
+  PressId press{};  // of a press
 };
 
 // Which of the holds that follow each other; none has the first value.
@@ -40,6 +42,9 @@ class KeyStream {
     virtual void flush() = 0;
     // What is locked and latched after all keys pressed so far. Waits for the server.
     virtual KeyReader::Locks locks() = 0;
+    // For the guard: the press waits in the queue; it and all before it have been passed on or swallowed.
+    virtual void taken(PressId) {}
+    virtual void settled(PressId) {}
   };
   // Called without the lock.
   class Judge {
@@ -77,15 +82,13 @@ class KeyStream {
   void endHold();
   bool isHolding() const;
 
-  // Runs `post` while the applications see none of the user's modifiers held, and no key of the user's
-  // comes in between.
+  // Runs `post` while the applications see none of the user's modifiers held. Keys typed meanwhile wait for
+  // the next drain(). One thread at a time.
   template <class Post>
   void withoutModifiers(Post post) {
-    const std::lock_guard lock(mutex_);
-    const auto modifiers = releaseModifiers();
+    const auto modifiers = beginPost();
     post(output_);
-    for (const auto keycode : modifiers) press(keycode);
-    output_.flush();
+    endPost(modifiers);
   }
 
   void setMap(KeyMap map);
@@ -100,7 +103,11 @@ class KeyStream {
     bool endsComposition = false;
   };
 
+  bool keysWait() const { return holding_ || posting_; }
+  std::vector<XKeycode> beginPost();
+  void endPost(const std::vector<XKeycode>& modifiers);
   void passJudgedEarlier();
+  void settleLastPress();
   void handlePress(PhysicalKey key, std::unique_lock<std::mutex>& lock);
   void swallowComposition(XKeycode keycode);
   void press(XKeycode keycode);
@@ -118,8 +125,10 @@ class KeyStream {
   std::set<XKeycode> down_;  // as applications see it
   std::deque<PhysicalKey> queue_;
   bool holding_ = false;
+  bool posting_ = false;
   bool hasStickyKeys_ = false;
   HoldId lastHold_ = 0;
+  std::optional<PressId> lastPress_;  // not settled yet
   std::optional<XKeycode> judging_;
   std::optional<Trigger> trigger_;         // swallowed, or about to be, and not yet kept
   std::optional<XKeycode> judgedEarlier_;  // to be passed on unasked, ahead of the queue

@@ -250,6 +250,19 @@ void KeyboardLink::lockModifiers(std::uint8_t modifiers) {
   xcb_xkb_latch_lock_state(connection_.get(), masterKeyboard_, modifiers, modifiers, 0, 0, 0, 0, 0);
 }
 
+void KeyboardLink::setGuard(xcb_window_t window, xcb_atom_t messageType) {
+  guardMessage_ = messageType;
+  guardWindow_ = window;
+}
+
+void KeyboardLink::report(PressReport report, PressId press) const {
+  const xcb_window_t window = guardWindow_;
+  if (window == XCB_WINDOW_NONE) return;
+  const auto message = pressMessage(window, guardMessage_, report, press);
+  xcb_send_event(connection_.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
+                 reinterpret_cast<const char*>(&message));
+}
+
 void KeyboardLink::press(XKeycode keycode) {
   xcb_test_fake_input(connection_.get(), XCB_KEY_PRESS, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
 }

@@ -78,6 +78,10 @@ class KeyboardLink : public KeyStream::Output {
   void press(XKeycode keycode) override;
   void release(XKeycode keycode) override;
   void flush() override { connection_.flush(); }
+  void taken(PressId press) override { report(PressReport::taken, press); }
+  void settled(PressId press) override { report(PressReport::settled, press); }
+  // Presses are reported to this window of the guard from now on; to none when it is XCB_WINDOW_NONE.
+  void setGuard(xcb_window_t window, xcb_atom_t messageType);
 
  private:
   struct Keyboards {
@@ -88,6 +92,7 @@ class KeyboardLink : public KeyStream::Output {
   };
   Keyboards findKeyboards() const;
   void findObstacles();
+  void report(PressReport report, PressId press) const;
   bool isXtest(Device device) const;
   bool grab(Device device) const;
   void lock(Device device, const KeyReader::Locks& locks) const;
@@ -103,6 +108,8 @@ class KeyboardLink : public KeyStream::Output {
   std::set<Device> grabbed_;
   std::set<Device> refused_;  // by another program, which was logged
   MapSharing maps_{connection_, 0};
+  std::atomic<xcb_window_t> guardWindow_ = XCB_WINDOW_NONE;
+  xcb_atom_t guardMessage_ = XCB_ATOM_NONE;
 };
 
 }  // namespace quorlo

@@ -20,6 +20,28 @@ std::string composeLocale() {
   return "C";
 }
 
+// Lets the server carry out what was pressed before it is given more, so that what the keyboard's thread has
+// to say to it never waits behind thousands of keys.
+class PacedOutput : public KeyStream::Output {
+ public:
+  PacedOutput(KeyStream::Output& output, std::function<void()> catchUp)
+      : output_(output), catchUp_(std::move(catchUp)) {}
+  void press(XKeycode keycode) override { output_.press(keycode); }
+  void release(XKeycode keycode) override {
+    output_.release(keycode);
+    if (++released_ % kPortion == 0) catchUp_();
+  }
+  void flush() override { output_.flush(); }
+  KeyReader::Locks locks() override { return output_.locks(); }
+
+ private:
+  static constexpr int kPortion = 64;
+
+  KeyStream::Output& output_;
+  std::function<void()> catchUp_;
+  int released_ = 0;
+};
+
 }  // namespace
 
 Result<std::unique_ptr<KeyboardSession>> KeyboardSession::open(const KeyboardOptions& options,
@@ -38,13 +60,15 @@ KeyboardSession::KeyboardSession(std::unique_ptr<XConnection> connection, Keyboa
       loop_(*connection_, "keyboard") {
   if (!link_.obstacles().empty()) return;
   window_ = connection_->createMessageWindow(XCB_EVENT_MASK_NO_EVENT);
-  askAtom_ = connection_->atom("_QUORLO_KEYBOARD_GUARD");
+  guardMessage_ = connection_->atom("_QUORLO_KEYBOARD_GUARD");
   link_.selectEvents();
   auto map = link_.map();
   if (!map) return;
   stream_.emplace(link_, static_cast<KeyStream::Judge&>(*this), KeyReader(std::move(*map), composeLocale()));
   stream_->setLocks(link_.locks());
   stream_->setStickyKeys(link_.hasStickyKeys());
+  guard_.emplace(*connection_, loop_, options_.guardProgram, window_, guardMessage_,
+                 [this](xcb_window_t window) { link_.setGuard(window, guardMessage_); });
 }
 
 KeyboardSession::~KeyboardSession() {
@@ -91,7 +115,7 @@ void KeyboardSession::endTap() {
 void KeyboardSession::startWatching(std::shared_ptr<TapConversation> conversation) {
   conversation_ = std::move(conversation);
   grabbing_ = true;
-  guard_ = GuardProcess::start(options_.guardProgram, connection_->displayName(), window_, askAtom_);
+  guard_->begin();
   takeKeyboards();
 }
 
@@ -107,7 +131,7 @@ void KeyboardSession::stopWatching() {
   grabbing_ = false;
   stream_->end();
   conversation_.reset();
-  guard_.reset();
+  guard_->end();
   setWatching(Watching::nothing);
 }
 
@@ -150,7 +174,11 @@ bool KeyboardSession::isPassedUnseen(const KeyDownEvent& event) const {
 void KeyboardSession::handleEvent(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7FU) == XCB_CLIENT_MESSAGE) {
     const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
-    if (message.type == askAtom_ && guard_) guard_->answered(message.data.data32[0]);
+    // Whatever the guard asks about came before: it was reported, or is none of ours.
+    if (message.type == guardMessage_ && grabbing_) {
+      link_.taken(pressOf(message));
+      link_.flush();
+    }
     return;
   }
   const auto change = link_.read(event);
@@ -175,11 +203,13 @@ void KeyboardSession::handleChange(const KeyboardChange& change) {
 
 void KeyboardSession::handleKey(const KeyTyped& typed) {
   followSession();
-  const bool isPress = typed.key.kind == PhysicalKey::Kind::press;
-  if (isPress) breaker_.keyTyped();
-  if (isPress && link_.useMapOf(typed.key.device)) readMap();
-  stream_->handle(typed.key);
-  if (guard_ && isPress) guard_->answered(typed.time);
+  auto key = typed.key;
+  if (key.kind == PhysicalKey::Kind::press) {
+    breaker_.keyTyped();
+    key.press = pressNumbering_.next(key.device, typed.time);
+    if (link_.useMapOf(key.device)) readMap();
+  }
+  stream_->handle(key);
 }
 
 // Changes arrive in flocks. They are followed once: when all that has arrived is read, or a key needs it.
@@ -295,10 +325,16 @@ void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) 
   noteProgress();
   if (tapping_) {
     stream_->withoutModifiers([&](KeyStream::Output& output) {
+      PacedOutput paced(output, [this] {
+        connection_->sync();
+        wake();
+        noteProgress();
+      });
       const auto stuck = link_.freeStuckModifiers();
-      keys(output);
+      keys(paced);
       link_.lockModifiers(stuck);
     });
+    loop_.post([this] { stream_->drain(); });
   } else {
     const auto modifiers = link_.pressedModifiers();
     for (const auto keycode : modifiers) link_.release(keycode);
@@ -307,8 +343,8 @@ void KeyboardSession::post(const std::function<void(KeyStream::Output&)>& keys) 
     keys(link_);
     for (const auto keycode : modifiers) link_.press(keycode);
     link_.flush();
+    wake();
   }
-  wake();
 }
 
 bool KeyboardSession::hasKeyboard() {

@@ -5,7 +5,7 @@
 #include "platform/shortcut.h"
 #include "x11/connection/x_connection.h"
 #include "x11/connection/x_event_loop.h"
-#include "x11/guard/guard_process.h"
+#include "x11/guard/guard_keeper.h"
 #include "x11/keyboard/key_stream.h"
 #include "x11/keyboard/keyboard_link.h"
 #include "x11/keyboard/tap_conversation.h"
@@ -130,9 +130,9 @@ class KeyboardSession : KeyStream::Judge {
   KeyboardOptions options_;
   KeyboardLink link_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
-  xcb_atom_t askAtom_ = XCB_ATOM_NONE;
+  xcb_atom_t guardMessage_ = XCB_ATOM_NONE;
   std::optional<KeyStream> stream_;                // present unless there is an obstacle
-  std::unique_ptr<GuardProcess> guard_;            // used on the thread while tapping
+  std::optional<GuardKeeper> guard_;               // on the thread; present with the stream
   std::shared_ptr<TapConversation> conversation_;  // on the thread
   std::set<Shortcut> hotKeys_;                     // on the thread
   bool tapping_ = false;                           // main thread
@@ -142,6 +142,7 @@ class KeyboardSession : KeyStream::Judge {
   Pending pending_;                                // on the thread
   WorkBreaker breaker_;                            // on the thread
   Notices notices_;
+  PressNumbering pressNumbering_;                  // on the thread
   std::atomic<bool> screenIsLocked_ = false;
   std::atomic<Watching> watching_ = Watching::nothing;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
