@@ -25,7 +25,8 @@ class UserNotifications {
 
   // Silently lost where the desktop shows none.
   virtual void post(UserNotification notification) = 0;
-  virtual void setActionHandler(ActionHandler handler) = 0;
+  // Each handler is told of every action.
+  virtual void addActionHandler(ActionHandler handler) = 0;
 };
 
 }  // namespace quorlo

@@ -55,6 +55,10 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
     return settings.table();
   };
   desktopOptions.guardProgram = ground->programFile.parent_path() / "quorlo-keyboard-guard";
+  desktopOptions.pieceWasIgnored = [&told = ground->pieceWasIgnored](const auto& application,
+                                                                     const auto& name) {
+    if (told) told(application, name);
+  };
   desktopOptions.connectionLost = [quit = options.quit] {
     sayThatTheDisplayIsLost();
     quit(1);

@@ -45,6 +45,9 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
   settings.setAccessibilityCheck(
       [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
   persistence.setFileOpener([this](const auto& files) { imports.importFiles(files); });
+  ground->pieceWasIgnored = [this](const auto& identifier, const auto& name) {
+    ignoredPieces.tell(identifier, name);
+  };
   setWindowMakers();
 }
 
@@ -209,6 +212,13 @@ void Program::Parts::setWindowMakers() {
         .closed = [this] { navigation.setPresentsWelcomeView(false); },
     });
   });
+}
+
+void Program::Parts::chooseWay(const std::string& identifier) {
+  navigation.showSettings();
+  if (auto* const window = windows.window(kSettingsWindow)) {
+    static_cast<SettingsWindow*>(window)->askForWay(identifier);
+  }
 }
 
 ApplicationRequests Program::Parts::requests() {

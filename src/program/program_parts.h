@@ -25,6 +25,7 @@
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "platform/system_environment.h"
 #include "program/application_service.h"
+#include "program/ignored_piece_notice.h"
 #include "program/program.h"
 #include "program/session_typing_context.h"
 #include "program/shared_instances.h"
@@ -78,6 +79,8 @@ struct Program::Ground {
       loadCatalogues(environment.resourcesDirectory() / "translations", environment.textLanguages());
   FileUserDefaults defaults{environment.configDirectory()};
   InsertionSettings insertion{environment.configDirectory()};
+  // Set once there is something to tell the user by.
+  std::function<void(const std::string& application, const std::string& name)> pieceWasIgnored;
 };
 
 // One of everything, each after what it uses.
@@ -92,6 +95,7 @@ struct Program::Parts {
   AppDelegate::Dependencies delegateDependencies();
   ApplicationRequests requests();
   void setWindowMakers();
+  void chooseWay(const std::string& identifier);
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
@@ -180,6 +184,8 @@ struct Program::Parts {
                                             .now = [] { return std::chrono::system_clock::now(); }});
                                }}};
   LibraryExporter exports{libraryExport, [this] { return windows.commitEditing(); }};
+  IgnoredPieceNotice ignoredPieces{defaults, notifications,
+                                   [this](const std::string& identifier) { chooseWay(identifier); }};
   AppSetup setup{{persistence, defaults, settings, navigation, [this] { return history.startObserving(); }}};
   AppDelegate delegate{delegateDependencies()};
   std::optional<ApplicationService> service;  // once there is something to ask of it

@@ -19,8 +19,8 @@ void DBusUserNotifications::post(UserNotification notification) {
   });
 }
 
-void DBusUserNotifications::setActionHandler(ActionHandler handler) {
-  server_->setActionHandler(std::move(handler));
+void DBusUserNotifications::addActionHandler(ActionHandler handler) {
+  server_->addActionHandler(std::move(handler));
 }
 
 }  // namespace quorlo

@@ -17,7 +17,7 @@ class DBusUserNotifications final : public UserNotifications {
   ~DBusUserNotifications() override;
 
   void post(UserNotification notification) override;
-  void setActionHandler(ActionHandler handler) override;
+  void addActionHandler(ActionHandler handler) override;
 
  private:
   MainQueue& queue_;

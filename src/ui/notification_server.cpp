@@ -52,15 +52,15 @@ void NotificationServer::show(const UserNotification& notification) {
           });
 }
 
-void NotificationServer::setActionHandler(UserNotifications::ActionHandler handler) {
-  handler_ = std::move(handler);
+void NotificationServer::addActionHandler(UserNotifications::ActionHandler handler) {
+  handlers_.push_back(std::move(handler));
 }
 
 void NotificationServer::actionInvoked(uint notification, const QString& action) {
   const auto shown = categories_.find(notification);  // absent for those of other programs
   if (shown == categories_.end() || action != kAction) return;
   const auto category = shown->second;
-  if (handler_) handler_(category);
+  for (const auto& handler : handlers_) handler(category);
 }
 
 void NotificationServer::notificationClosed(uint notification) {

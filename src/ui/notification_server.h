@@ -7,6 +7,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
@@ -18,13 +19,13 @@ class NotificationServer final : public QObject {
  public:
   // Does nothing without a bus or a server.
   void show(const UserNotification& notification);
-  void setActionHandler(UserNotifications::ActionHandler handler);
+  void addActionHandler(UserNotifications::ActionHandler handler);
 
  private:
   Q_SLOT void actionInvoked(uint notification, const QString& action);
   Q_SLOT void notificationClosed(uint notification);
 
-  UserNotifications::ActionHandler handler_;
+  std::vector<UserNotifications::ActionHandler> handlers_;
   bool listening_ = false;
   std::map<uint, std::string> categories_;  // of the notifications on the screen
 };

@@ -23,6 +23,11 @@ void QtAppWindows::destroyAll() {
   for (auto& [identifier, window] : windows_) window.widget.reset();
 }
 
+QWidget* QtAppWindows::window(std::string_view identifier) const {
+  const auto found = windows_.find(identifier);
+  return found != windows_.end() ? found->second.widget.get() : nullptr;
+}
+
 void QtAppWindows::openWindow(std::string_view identifier) {
   const auto found = windows_.find(identifier);
   if (found == windows_.end() || !found->second.make) return;

@@ -24,6 +24,9 @@ class QtAppWindows final : public AppWindows {
   // Asked by commitEditing, once the window has been made.
   void setCommitEditing(std::string_view identifier, std::function<bool(QWidget&)> commit);
 
+  // Null until it is first opened.
+  QWidget* window(std::string_view identifier) const;
+
   // Before what the windows look at is gone.
   void destroyAll();
 

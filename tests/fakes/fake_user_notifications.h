@@ -10,17 +10,18 @@ namespace quorlo {
 class FakeUserNotifications : public UserNotifications {
  public:
   void post(UserNotification notification) override { posted.push_back(std::move(notification)); }
-  void setActionHandler(ActionHandler handler) override { handler_ = std::move(handler); }
+  void addActionHandler(ActionHandler handler) override { handlers_.push_back(std::move(handler)); }
 
   // The user presses the button of the last notification.
   void chooseAction() const {
-    if (handler_ && !posted.empty()) handler_(posted.back().categoryIdentifier);
+    if (posted.empty()) return;
+    for (const auto& handler : handlers_) handler(posted.back().categoryIdentifier);
   }
 
   std::vector<UserNotification> posted;
 
  private:
-  ActionHandler handler_;
+  std::vector<ActionHandler> handlers_;
 };
 
 }  // namespace quorlo

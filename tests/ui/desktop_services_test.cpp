@@ -186,7 +186,7 @@ TEST_F(SessionBusTest, NotificationsShowAfterTheirDelayAndReportTheirOwnActions)
   FakeMainQueue queue;
   DBusUserNotifications notifications(queue);
   std::vector<std::string> chosen;
-  notifications.setActionHandler([&](const std::string& category) { chosen.push_back(category); });
+  notifications.addActionHandler([&](const std::string& category) { chosen.push_back(category); });
   notifications.post({u"Title", u"1 < 2", "First", u"Don't show again", Seconds(0.1)});
   queue.advance(Seconds(0.09));
   runEventLoopFor(Seconds(0.01));

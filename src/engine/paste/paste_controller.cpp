@@ -16,7 +16,7 @@ PasteController::PasteController(const Dependencies& dependencies)
       pasteboard_(use_.generalPasteboard, use_.queue,
                   [this] { use_.notifications.post(pasteboardLostNotification()); }),
       ownWindows_(use_.application, use_.queue) {
-  use_.notifications.setActionHandler(life_.guard([this](const std::string& category) {
+  use_.notifications.addActionHandler(life_.guard([this](const std::string& category) {
     if (category == kDoNotShowAgain) use_.settings.setShowNotificationForExpension(false);
   }));
 }

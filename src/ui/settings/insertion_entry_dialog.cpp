@@ -63,6 +63,7 @@ InsertionEntryDialog::InsertionEntryDialog(const InsertionEntry& entry, const Wo
   pause_->setValue(entry.profile.pauseAfterCaretMoves.count());
 
   auto* const choose = new QPushButton(localizedText(u"Choose…"));
+  choose->setAutoDefault(false);
   auto* const row = new QHBoxLayout;
   row->addWidget(application_, 1);
   row->addWidget(choose);
@@ -93,7 +94,7 @@ InsertionEntryDialog::InsertionEntryDialog(const InsertionEntry& entry, const Wo
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   check();
   assignMnemonics(*this);
-  resize(sizeHint().expandedTo({30 * fontMetrics().lineSpacing(), 0}));
+  resize(sizeHint().expandedTo({38 * fontMetrics().lineSpacing(), 0}));
 }
 
 InsertionEntry InsertionEntryDialog::entry() const {

@@ -18,6 +18,7 @@
 #include "x11/keyboard/x11_typed_keys_hold.h"
 #include "x11/selection/x11_pasteboard.h"
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 #include <string_view>
@@ -113,7 +114,19 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
   p.target = std::make_unique<X11InsertionTarget>([&p] { return p.workspace->activeWindow(); },
                                                   options.insertionTable);
   const auto pastesFromPrimary = [&p] { return p.target->profile().pastesSelection; };
-  auto pasteboard = X11Pasteboard::connect(display, queue, {pastesFromPrimary, lost});
+  const auto ignored = [&queue, &p, tell = options.pieceWasIgnored,
+                        weak = std::weak_ptr(p.loss)](xcb_window_t window) {
+    queue.run([&p, tell, weak, window] {
+      if (weak.expired() || !tell) return;
+      const auto active = p.workspace->activeWindow();
+      if (active.window != window) return;
+      const auto& running = p.workspace->runningApplications();
+      const auto application = std::ranges::find_if(running, [](const auto& each) { return each->isActive; });
+      const auto& identifier = active.bundleIdentifier.empty() ? active.windowClass : active.bundleIdentifier;
+      tell(identifier, application != running.end() ? (*application)->localizedName : identifier);
+    });
+  };
+  auto pasteboard = X11Pasteboard::connect(display, queue, {pastesFromPrimary, lost, {}, ignored});
   if (!pasteboard) return pasteboard.error();
   p.pasteboard = std::move(pasteboard).value();
 

@@ -34,6 +34,9 @@ class X11Desktop {
     std::function<const InsertionTable&()> insertionTable;  // asked whenever something is inserted
     // Called once, on the main thread, when the server goes away. The ports then do nothing any more.
     std::function<void()> connectionLost;
+    // An application goes on without having read what was pasted into it. Its desktop-file identifier or
+    // window class, and its name; main thread.
+    std::function<void(const std::string& application, const std::string& name)> pieceWasIgnored;
   };
 
   // Fails when there is no server to connect to. One that lacks what watching and posting keys takes is

@@ -4,6 +4,7 @@
 #include "x11/connection/client_identity.h"
 
 #include <xcb/xfixes.h>
+#include <algorithm>
 
 #include <utility>
 
@@ -16,13 +17,14 @@ constexpr std::chrono::milliseconds kHandOverBudget{1000};
 }  // namespace
 
 SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget budget,
-                                 SelectionOwner::RunProvider runProvider)
+                                 SelectionOwner::RunProvider runProvider, IgnoredPiece pieceWasIgnored)
     : x_(x),
       loop_(loop),
       budget_(budget),
       owner_(x, loop, tracker_, std::move(runProvider)),
       reader_(x, loop),
       primary_(owner_, reader_),
+      pieceWasIgnored_(std::move(pieceWasIgnored)),
       late_(
           x,
           [this](PasteTracker::PasteId paste) {
@@ -30,7 +32,7 @@ SelectionServer::SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget bu
             closeFinishedPastes();
           },
           [this](PasteTracker::PasteId paste) {
-            tracker_.closeIgnored(paste);
+            closeIgnoredPaste(paste);
             closeFinishedPastes();
           }),
       clipboard_(x.atom("CLIPBOARD")),
@@ -142,10 +144,22 @@ void SelectionServer::runWhatIsInTurn() {
   }
 }
 
+// Unless the target has begun to read it.
+void SelectionServer::closeIgnoredPaste(PasteTracker::PasteId paste) {
+  const auto before = tracker_.latePastes();
+  tracker_.closeIgnored(paste);
+  const auto late = std::ranges::find(before, paste, &PasteTracker::Late::paste);
+  const auto after = tracker_.latePastes();
+  const bool isClosed = std::ranges::find(after, paste, &PasteTracker::Late::paste) == after.end();
+  if (late != before.end() && isClosed) pieceWasIgnored_(late->target.window);
+}
+
 // A target that is not busy has ignored the chords before, and reads the next piece first.
 void SelectionServer::closeIgnoredPastes(const ClientIdentity& target) {
   for (const auto& late : tracker_.latePastes()) {
-    if (late.target.client.isSameProgramAs(target) && late_.isIgnored(late.paste)) tracker_.close(late.paste);
+    if (!late.target.client.isSameProgramAs(target) || !late_.isIgnored(late.paste)) continue;
+    tracker_.close(late.paste);
+    pieceWasIgnored_(late.target.window);
   }
 }
 

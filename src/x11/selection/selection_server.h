@@ -24,9 +24,11 @@ namespace quorlo {
 class SelectionServer {
  public:
   using Offer = SelectionOwner::Offer;
+  // Called with the window of a target that goes on without having read its piece.
+  using IgnoredPiece = std::function<void(xcb_window_t target)>;
 
   SelectionServer(XConnection& x, XEventLoop& loop, ReadBudget budget,
-                  SelectionOwner::RunProvider runProvider);
+                  SelectionOwner::RunProvider runProvider, IgnoredPiece pieceWasIgnored);
 
   void handleEvent(const xcb_generic_event_t& event);
 
@@ -59,6 +61,7 @@ class SelectionServer {
   void ownerChanged(xcb_atom_t selection, xcb_window_t owner, xcb_timestamp_t since);
   bool takeClipboard(Offer offer, xcb_timestamp_t time = XCB_CURRENT_TIME);
   void tellOfNewContents();
+  void closeIgnoredPaste(PasteTracker::PasteId paste);
   void closeIgnoredPastes(const ClientIdentity& target);
   void closeFinishedPastes();
   // Runs the task once no earlier paste into the program is under way, or the patience is at its end.
@@ -72,6 +75,7 @@ class SelectionServer {
   SelectionOwner owner_;
   SelectionReader reader_;
   BorrowedPrimary primary_;
+  IgnoredPiece pieceWasIgnored_;
   LatePasteWatch late_;
   xcb_atom_t clipboard_;
   xcb_atom_t clipboardManager_;

@@ -80,10 +80,14 @@ X11Pasteboard::X11Pasteboard(std::unique_ptr<XConnection> x, MainQueue& queue, O
       queue_(queue),
       options_(std::move(options)),
       loop_(*x_, "pasteboard"),
-      server_(*x_, loop_, options_.readBudget,
-              [this](const auto& offer, std::size_t representation, const std::function<void()>& done) {
-                runProvider(offer, representation, done);
-              }) {
+      server_(
+          *x_, loop_, options_.readBudget,
+          [this](const auto& offer, std::size_t representation, const std::function<void()>& done) {
+            runProvider(offer, representation, done);
+          },
+          [this](xcb_window_t target) {
+            if (options_.pieceWasIgnored) options_.pieceWasIgnored(target);
+          }) {
   // From here on no change of the clipboard goes unnoticed.
   x_->sync();
   loop_.start([this](const xcb_generic_event_t& event) { server_.handleEvent(event); },

@@ -30,6 +30,8 @@ class X11Pasteboard : public Pasteboard {
     std::function<bool()> pastesFromPrimary;
     std::function<void()> connectionLost;  // once, on a thread of the pasteboard's
     ReadBudget readBudget = {};
+    // A target that is not busy goes on without having read its piece. On a thread of the pasteboard's.
+    std::function<void(xcb_window_t target)> pieceWasIgnored = {};
   };
 
   static Result<std::unique_ptr<X11Pasteboard>> connect(const std::string& display, MainQueue& queue,
