@@ -59,8 +59,15 @@ std::vector<Disturbance> processDisturbances() {
          typeFor(scene, std::chrono::milliseconds(scene.below(300)));
          scene.signalQuorlo(SIGCONT);
        }},
+      {"Quorlo stopped", Meanwhile::mayExpand, true,
+       [](ChaosScene& scene) {
+         typeAndSignal(scene, SIGSTOP);
+         typeFor(scene, std::chrono::milliseconds(600 + scene.below(900)));
+       },
+       [](ChaosScene& scene) { scene.signalQuorlo(SIGCONT); }},
       {"Quorlo killed", Meanwhile::mayExpand, true,
        [](ChaosScene& scene) {
+         scene.typist().typePlainWord();
          scene.endQuorlo(SIGKILL);
          scene.typist().typeWords(5, Promise::staysAsTyped);
        },
