@@ -19,6 +19,7 @@ std::vector<Disturbance> desktopDisturbances() {
   return {
       {"window manager replaced", kStrict, true,
        [](ChaosScene& scene) {
+         scene.desktop().windowManager().signal(SIGCONT);  // one that hangs never makes room
          scene.desktop().replaceWindowManager();
          activate(scene);
        }},
