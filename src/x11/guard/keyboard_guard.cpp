@@ -77,24 +77,24 @@ std::optional<KeyboardGuard::Quorlo> KeyboardGuard::watch() {
     if (wait(false, pause) == Waking::lifelineCut) return Quorlo::hasEnded;
     readEvents();
     if (latestTime_ && !moment_) moment_ = {*latestTime_, Clock::now()};
-    if (ledger_.unanswered()) {
+    if (ledger_.owed()) {
       sync();  // the answer may be among what the server could not send yet
       readMoreEvents();
     }
     pause = kLookEvery;
-    if (const auto press = ledger_.unanswered()) {
-      const auto waited = waitedForAnswer();
+    if (const auto press = ledger_.owed()) {
+      const auto waited = ledger_.unanswered() ? waitedForAnswer() : since(lastReport_);
       if (waited < kAskAfter) {
         pause = kAskAfter - waited;
       } else if (!question_ || question_->press != *press) {
-        ask(*press);  // there are keys that Quorlo never gets to see
+        ask(*press);  // there are keys that Quorlo never gets to see, and expansions that take their time
         pause = kAnswerWithin;
       } else {
         pause = kAnswerWithin - since(question_->asked);
         if (pause <= Milliseconds(0)) return Quorlo::hangs;
       }
     }
-  } while (isAlive() && (keysWereTyped_ || ledger_.unanswered()));
+  } while (isAlive() && (keysWereTyped_ || ledger_.owed()));
   return std::nullopt;
 }
 
@@ -122,7 +122,10 @@ void KeyboardGuard::handle(const xcb_generic_event_t& event) {
   const auto type = event.response_type & 0x7F;
   if (type == XCB_CLIENT_MESSAGE) {
     const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
-    if (message.type == messageType_) ledger_.report(reportOf(message), pressOf(message));
+    if (message.type != messageType_) return;
+    ledger_.report(reportOf(message), pressOf(message));
+    lastReport_ = Clock::now();
+    question_.reset();
     return;
   }
   if (type != XCB_GE_GENERIC) return;

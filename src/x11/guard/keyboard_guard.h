@@ -82,7 +82,8 @@ class KeyboardGuard {
     PressId press;
     Clock::time_point asked;
   };
-  std::optional<Question> question_;
+  std::optional<Question> question_;  // not answered yet
+  Clock::time_point lastReport_;
 };
 
 }  // namespace quorlo

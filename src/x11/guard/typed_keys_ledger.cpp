@@ -73,6 +73,11 @@ std::optional<PressId> TypedKeysLedger::unanswered() const {
   return std::nullopt;
 }
 
+std::optional<PressId> TypedKeysLedger::owed() const {
+  if (const auto press = unanswered()) return press;
+  return entries_.empty() ? std::nullopt : std::optional(entries_.front().id);
+}
+
 std::uint32_t TypedKeysLedger::waitingSince() const {
   const auto press = unanswered();
   if (!press) return time_;

@@ -35,7 +35,9 @@ class TypedKeysLedger {
 
   // The first press that Quorlo gave no sign about.
   std::optional<PressId> unanswered() const;
-  // Since when Quorlo owes that sign: a program that works through a backlog gives one with each press.
+  // The press that Quorlo has to be asked about: that one, or the first that it keeps for later.
+  std::optional<PressId> owed() const;
+  // Since when Quorlo owes the first sign: a program that works through a backlog gives one with each press.
   std::uint32_t waitingSince() const;
 
   // What Quorlo has not delivered: begins with a press.
