@@ -70,7 +70,7 @@ TEST(InsertionTableTest, KnownApplicationsAreFoundByEitherNameAndTheUsersEntries
   EXPECT_EQ(table.profileFor("emacs-lucid", "EMACS").method, InsertionMethod::none) << "the last entry";
   EXPECT_EQ(InsertionTable().profileFor("emacs", "Emacs").pasteChords,
             (std::vector<KeyChord>{{modifier::kShift, key::kHelp}}));
-  EXPECT_EQ(table.profileFor("libreoffice-writer", "").pauseAfterCaretMoves, Seconds(0.2));
+  EXPECT_EQ(table.profileFor("libreoffice-writer", "").pauseAfterCaretMoves, Seconds(0.5));
   EXPECT_EQ(table.profileFor("org.gnome.TextEditor", "Gedit"), usual);
   EXPECT_EQ(table.profileFor("", ""), usual);
 }

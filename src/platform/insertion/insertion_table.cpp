@@ -79,12 +79,12 @@ constexpr auto kOthers = std::to_array<std::pair<std::string_view, std::string_v
     {"org.gnu.emacs", "paste Shift+Insert"},
     {"gvim", "paste Ctrl+R Ctrl+O Plus"},
     {"vim-gtk3", "paste Ctrl+R Ctrl+O Plus"},
-    // Keys that follow caret moves at once are put in before them.
-    {"libreoffice-writer", "pause 0.2"},
-    {"libreoffice-web", "pause 0.2"},
-    {"libreoffice-calc", "pause 0.2"},
-    {"libreoffice-impress", "pause 0.2"},
-    {"libreoffice-draw", "pause 0.2"},
+    // Keys that follow caret moves within half a second are put in before them.
+    {"libreoffice-writer", "pause 0.5"},
+    {"libreoffice-web", "pause 0.5"},
+    {"libreoffice-calc", "pause 0.5"},
+    {"libreoffice-impress", "pause 0.5"},
+    {"libreoffice-draw", "pause 0.5"},
 });
 
 }  // namespace
