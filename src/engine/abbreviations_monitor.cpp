@@ -102,7 +102,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
     forgetTyping();
     return false;
   }
-  if (use_.undo.takes(event, frontmost.get())) {
+  if (use_.undo.takes(event)) {
     // What is given back must not expand again at the next delimiter.
     potentialAbbreviation.clear();
     return true;
@@ -202,11 +202,11 @@ void AbbreviationsMonitor::expand(const Match& match, std::u16string_view delimi
   auto count = [&persistence = use_.persistence, snippet = match.snippet, typed, use](std::size_t inserted) {
     *use = recordUse(persistence, *snippet, static_cast<std::int64_t>(inserted), typed);
   };
-  auto offerUndo = [this, snippet = match.snippet, use, target = lastActiveApplication,
+  auto offerUndo = [this, snippet = match.snippet, use, window = use_.frontWindow.current(),
                     given = std::u16string(match.matchedText).append(delimiterToGiveBack(delimiter))](
                        const std::u16string& text) {
     if (!use_.settings.undoExpansionWithBackspace()) return;
-    use_.undo.offer({text, given, target, [&persistence = use_.persistence, snippet, use] {
+    use_.undo.offer({text, given, window, [&persistence = use_.persistence, snippet, use] {
                        if (*use) takeBackUse(persistence, *snippet, **use);
                      }});
   };

@@ -15,6 +15,7 @@ namespace quorlo {
 class AccessibilityManager;
 class ExpansionLookup;
 class ExpansionUndo;
+class FrontWindow;
 class MainQueue;
 class ManagedObjectContext;
 class MouseMonitor;
@@ -40,6 +41,7 @@ class AbbreviationsMonitor {
     AccessibilityManager& accessibility;
     PersistenceController& persistence;
     const ExpansionLookup& lookup;
+    const FrontWindow& frontWindow;
     PasteController& paste;
     ExpansionUndo& undo;
   };

@@ -2,7 +2,6 @@
 
 #include "platform/event_poster.h"
 #include "platform/insertion/insertion_target.h"
-#include "platform/workspace.h"
 #include "text/graphemes.h"
 
 #include <algorithm>
@@ -26,11 +25,6 @@ bool isIndented(std::u16string_view text) {
   return blank != std::u16string_view::npos && blank + 2 < text.size();
 }
 
-bool isSameTarget(const RunningApplication* a, const RunningApplication* b) {
-  return a != nullptr && b != nullptr && a->processIdentifier == b->processIdentifier &&
-         a->bundleIdentifier == b->bundleIdentifier;
-}
-
 }  // namespace
 
 std::optional<int> backspacesFor(std::u16string_view inserted) {
@@ -52,14 +46,14 @@ std::u16string_view delimiterToGiveBack(std::u16string_view delimiter) {
 void ExpansionUndo::offer(UndoableExpansion expansion) {
   offer_.reset();
   const auto backspaces = backspacesFor(expansion.inserted);
-  if (backspaces) offer_ = {std::move(expansion), *backspaces, use_.queue.now()};
+  if (backspaces && expansion.window != 0) offer_ = {std::move(expansion), *backspaces, use_.queue.now()};
 }
 
-bool ExpansionUndo::takes(const KeyDownEvent& event, const RunningApplication* target) {
+bool ExpansionUndo::takes(const KeyDownEvent& event) {
   auto offer = std::exchange(offer_, std::nullopt);
   if (!offer || event.origin != KeyDownEvent::Origin::keyboard || event.keyCode != key::kBackspace ||
-      (event.flags & kHeld) != 0 || !isSameTarget(target, offer->expansion.target.get()) ||
-      use_.queue.now() - offer->since > kOfferLife || !use_.typedKeys.lastPieceWasRead() ||
+      (event.flags & kHeld) != 0 || use_.queue.now() - offer->since > kOfferLife ||
+      !use_.frontWindow.isStill(offer->expansion.window) || !use_.typedKeys.lastPieceWasRead() ||
       !use_.poster.canType(offer->expansion.typed)) {
     return false;
   }

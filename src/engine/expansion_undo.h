@@ -2,6 +2,7 @@
 
 #include "base/life_token.h"
 #include "platform/event_tap.h"
+#include "platform/front_window.h"
 #include "platform/key_codes.h"
 #include "platform/main_queue.h"
 #include "platform/typed_keys_hold.h"
@@ -17,13 +18,12 @@ namespace quorlo {
 
 class EventPoster;
 class InsertionTarget;
-struct RunningApplication;
 
 // An expansion whose text stands in front of the caret.
 struct UndoableExpansion {
   std::u16string inserted;
-  std::u16string typed;  // what is given back
-  std::shared_ptr<const RunningApplication> target;
+  std::u16string typed;          // what is given back
+  FrontWindow::Id window = 0;    // the one that it went into; 0 gives no offer
   std::function<void()> undone;  // may be empty
 };
 
@@ -40,7 +40,7 @@ std::u16string_view delimiterToGiveBack(std::u16string_view delimiter);
 // Takes back an expansion: Backspace pressed right after it erases the inserted text and types what the user
 // had typed. The keyboard alone is used. One instance; main thread.
 //
-//   none --offer--> offered --Backspace in the target within kOfferLife--> none, taken back
+//   none --offer--> offered --Backspace in the same window within kOfferLife--> none, taken back
 //                   offered --any other key, withdraw(), another offer--> none
 class ExpansionUndo {
  public:
@@ -51,6 +51,7 @@ class ExpansionUndo {
     EventPoster& poster;
     InsertionTarget& target;
     TypedKeysHold& typedKeys;
+    const FrontWindow& frontWindow;
     KeyCode deleteKeyCode;
   };
 
@@ -63,7 +64,7 @@ class ExpansionUndo {
 
   // Every key pressed ends the offer. True for the Backspace that takes the expansion back, which is to be
   // swallowed; the keys that do it are posted in the next turn of the main queue.
-  bool takes(const KeyDownEvent& event, const RunningApplication* target);
+  bool takes(const KeyDownEvent& event);
 
  private:
   struct Offer {

@@ -113,7 +113,7 @@ QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
 void Program::Parts::createAbbreviationsMonitor() {
   monitor.emplace(AbbreviationsMonitor::Dependencies{
       queue, desktop->eventTap(), desktop->mouseMonitor(), desktop->workspace(), context, settings,
-      accessibility, persistence, persistence.managedObjectContext(), paste, undo});
+      accessibility, persistence, persistence.managedObjectContext(), desktop->frontWindow(), paste, undo});
   shared.emplace(settings, persistence, sound, interpreter, accessibility, paste, *monitor);
 }
 

@@ -158,7 +158,7 @@ struct Program::Parts {
                          desktop->keyboardLayout(), desktop->typedKeysHold(), desktop->frontWindow(),
                          application, notifications, settings, sound, preparation}};
   ExpansionUndo undo{{queue, desktop->eventPoster(), desktop->insertionTarget(), desktop->typedKeysHold(),
-                      PasteKeys(desktop->keyboardLayout()).deleteKeyCode}};
+                      desktop->frontWindow(), PasteKeys(desktop->keyboardLayout()).deleteKeyCode}};
   std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
   std::optional<SharedInstances> shared;
 

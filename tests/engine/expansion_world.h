@@ -97,9 +97,9 @@ struct ExpansionWorld : testing::Test {
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
   PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, desktop, desktop,
                          ownApplication, notifications, settings, sound, preparation}};
-  ExpansionUndo undo{{desktop.queue, desktop, desktop, desktop, key::kBackspace}};
+  ExpansionUndo undo{{desktop.queue, desktop, desktop, desktop, desktop, key::kBackspace}};
   AbbreviationsMonitor monitor{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
-                                persistence, context, paste, undo}};
+                                persistence, context, desktop, paste, undo}};
 };
 
 }  // namespace quorlo
