@@ -2,7 +2,7 @@
 #include "store/library_exchange_reading.h"
 #include "store/ql_snippet.h"
 #include "text/json_reader.h"
-#include "text/rich_text_json.h"
+#include "text/rich_text/rich_text_json.h"
 #include "text/utf.h"
 
 #include <nlohmann/json.hpp>

@@ -5,7 +5,7 @@
 #include "store/ql_category.h"
 #include "store/ql_snippet.h"
 #include "store/ql_user.h"
-#include "text/rich_text_archive.h"
+#include "text/rich_text/rich_text_archive.h"
 #include "text/utf.h"
 
 #include <fmt/format.h>

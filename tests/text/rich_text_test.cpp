@@ -1,6 +1,6 @@
 #include "text/random_text.h"
-#include "text/rich_text_archive.h"
-#include "text/rich_text_json.h"
+#include "text/rich_text/rich_text_archive.h"
+#include "text/rich_text/rich_text_json.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -6,7 +6,7 @@
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/stored_attributes.h"
 #include "store/store_access.h"
-#include "text/rich_text_archive.h"
+#include "text/rich_text/rich_text_archive.h"
 
 #include <algorithm>
 #include <set>

@@ -4,9 +4,9 @@
 #include "x11/connection/x_connection.h"
 #include "x11/keyboard/key_reader.h"
 #include "x11/keyboard/key_stream.h"
-#include "x11/keyboard/keyboard_controls.h"
 #include "x11/keyboard/keyboard_events.h"
-#include "x11/keyboard/map_sharing.h"
+#include "x11/keyboard/sharing/keyboard_controls.h"
+#include "x11/keyboard/sharing/map_sharing.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "x11/connection/x_connection.h"
-#include "x11/keyboard/key_definitions.h"
+#include "x11/keyboard/sharing/key_definitions.h"
 
 #include <cstdint>
 #include <optional>

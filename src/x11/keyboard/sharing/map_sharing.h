@@ -1,7 +1,7 @@
 #pragma once
 
 #include "x11/connection/x_connection.h"
-#include "x11/keyboard/keyboard_maps.h"
+#include "x11/keyboard/sharing/keyboard_maps.h"
 
 #include <cstdint>
 #include <set>

@@ -1,4 +1,4 @@
-#include "text/rich_text_schema.h"
+#include "text/rich_text/rich_text_schema.h"
 
 #include "text/base64.h"
 #include "text/json_reader.h"

@@ -1,4 +1,4 @@
-#include "x11/keyboard/key_definitions.h"
+#include "x11/keyboard/sharing/key_definitions.h"
 
 #include "x11/connection/raw_request.h"
 #include "x11/connection/xcb_xkb.h"

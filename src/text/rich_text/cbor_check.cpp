@@ -1,4 +1,4 @@
-#include "text/cbor_check.h"
+#include "text/rich_text/cbor_check.h"
 
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#include "x11/keyboard/keyboard_controls.h"
+#include "x11/keyboard/sharing/keyboard_controls.h"
 
 #include "x11/connection/raw_request.h"
 #include "x11/connection/xcb_xkb.h"

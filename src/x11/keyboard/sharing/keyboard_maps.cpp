@@ -1,4 +1,4 @@
-#include "x11/keyboard/keyboard_maps.h"
+#include "x11/keyboard/sharing/keyboard_maps.h"
 
 #include "base/log.h"
 #include "x11/connection/raw_request.h"

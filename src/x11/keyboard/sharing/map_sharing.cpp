@@ -1,4 +1,4 @@
-#include "x11/keyboard/map_sharing.h"
+#include "x11/keyboard/sharing/map_sharing.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
-#include "text/rich_text_archive.h"
+#include "text/rich_text/rich_text_archive.h"
 
-#include "text/cbor_check.h"
-#include "text/rich_text_schema.h"
+#include "text/rich_text/cbor_check.h"
+#include "text/rich_text/rich_text_schema.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

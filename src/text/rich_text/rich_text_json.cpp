@@ -1,6 +1,6 @@
-#include "text/rich_text_json.h"
+#include "text/rich_text/rich_text_json.h"
 
-#include "text/rich_text_schema.h"
+#include "text/rich_text/rich_text_schema.h"
 
 #include <nlohmann/json.hpp>
 
