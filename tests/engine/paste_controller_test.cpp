@@ -1,9 +1,6 @@
 #include "engine/paste/paste_controller.h"
 
-#include "base/log.h"
-#include "engine/expansion_world.h"
-#include "engine/paste/piece_contents.h"
-#include "store/snippet_type.h"
+#include "engine/paste_test.h"
 
 #include <algorithm>
 #include <string>
@@ -11,14 +8,6 @@
 
 namespace quorlo {
 namespace {
-
-struct PasteTest : ExpansionWorld {
-  PasteTest() { desktop.pasteboard.copyFromElsewhere("mine"); }
-
-  static std::u16string pressing(std::u16string_view value) {
-    return u"%specialKey:value=" + std::u16string(value) + u":specialKey%";
-  }
-};
 
 TEST_F(PasteTest, TheAbbreviationIsErasedAndThePasteboardGivenBack) {
   const auto snippet = add(u"sig", u"Kind regards");
@@ -67,56 +56,6 @@ TEST_F(PasteTest, ASnippetFromElsewhereErasesNothing) {
   EXPECT_EQ(inserted, 1U);
 }
 
-TEST_F(PasteTest, TheRestoreWaitsAsLongAsThePauseBetweenParts) {
-  const auto snippet = add(u"sig", u"S");
-  for (const auto& [pause, wait] : {std::pair(0.0, 0.2), {0.5, 0.5}, {5.0, 1.0}}) {
-    settings.setPasteBetweenSnippetPartsDelay(Seconds(pause));
-    paste.pasteSnippet(snippet->text(), snippet, {}, nullptr);
-    desktop.queue.advance(Seconds(0.05 + pause + wait - 0.01));
-    EXPECT_EQ(desktop.pasteboard.text(), "S");
-    desktop.queue.advance(Seconds(0.02));
-    EXPECT_EQ(desktop.pasteboard.text(), "mine");
-  }
-}
-
-TEST_F(PasteTest, WithoutRestoringThePieceStaysAndTheUseIsNotCounted) {
-  const auto snippet = add(u"sig", u"S");
-  settings.setRestorePateboardItems(false);
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");
-  EXPECT_EQ(snippet->useCount(), 0);
-  EXPECT_FALSE(desktop.holdsKeys());
-}
-
-TEST_F(PasteTest, AnEmptyPasteboardIsNotGivenBack) {
-  desktop.pasteboard.setContents({});
-  add(u"sig", u"S");
-  std::vector<std::string> lines;
-  const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(lines, std::vector<std::string>{"WARNING: #3II29od"});
-}
-
-TEST_F(PasteTest, WithAutoPasteOffThePieceIsLeftForTheUser) {
-  const auto snippet = add(u"sig", u"S");
-  settings.setAutoPasteIsEnabled(false);
-  desktop.typeAndWait(u"sig ");
-  EXPECT_TRUE(desktop.posts.empty());
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");
-  EXPECT_FALSE(desktop.holdsKeys());
-  ASSERT_EQ(notifications.posted.size(), 1U);
-  EXPECT_EQ(notifications.posted[0].title, u"Auto-Paste deactivated");
-  EXPECT_EQ(notifications.posted[0].categoryIdentifier, "DoNotShowAgain");
-  notifications.chooseAction();
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(notifications.posted.size(), 1U);
-  // The next expansion with Auto-Paste saves what is there now.
-  settings.setAutoPasteIsEnabled(true);
-  desktop.pasteboard.copyFromElsewhere("newer");
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.pasteboard.text(), "newer");
-}
-
 TEST_F(PasteTest, KeysTypedMeanwhileArriveAfterTheSnippetAndMayExpandAgain) {
   add(u"sig", u"Kind regards");
   add(u"br", u"Best");
@@ -127,195 +66,6 @@ TEST_F(PasteTest, KeysTypedMeanwhileArriveAfterTheSnippetAndMayExpandAgain) {
   desktop.typeAndWait(u"br br br ");
   EXPECT_EQ(desktop.text(), u"Best Best Best ");
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
-}
-
-TEST_F(PasteTest, PausesBetweenPiecesDoNotEndTheHold) {
-  add(u"m", u"one" + pressing(u"return") + u"two" + pressing(u"return") + u"three");
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(5));
-  desktop.typeAndWait(u"m abc");
-  EXPECT_EQ(desktop.text(), u"one\ntwo\nthree abc");
-}
-
-TEST_F(PasteTest, AfterKeysHadToBeDeliveredNothingIsErased) {
-  const auto snippet = add(u"sig", u"S");
-  add(u"ask", u"%textfield:name=who:default=me:textfield%");
-  for (const bool lastSymbol : {false, true}) {
-    if (lastSymbol) useLastSymbol();
-    desktop.front().clear();
-    desktop.type(u"sig two");
-    desktop.queue.advance(Seconds(0.04));
-    desktop.breakHold();
-    EXPECT_EQ(desktop.text(), u"sig two");
-    desktop.queue.settle();
-    EXPECT_EQ(desktop.text(), u"sig two");
-    EXPECT_EQ(desktop.pasteboard.text(), "mine");
-    EXPECT_EQ(desktop.pasteboard.changeCount(), 1);
-    EXPECT_EQ(snippet->useCount(), 0);
-  }
-  desktop.front().clear();
-  desktop.type(u"ask");
-  desktop.breakHold();
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.text(), u"ask");
-  // Nothing is left over for the next one.
-  desktop.typeAndWait(u" sig");
-  EXPECT_EQ(desktop.text(), u"ask S");
-}
-
-TEST_F(PasteTest, WhenAnotherWindowHasTheKeysByThenNothingIsErasedAndTheyGoThere) {
-  const auto snippet = add(u"sig", u"S");
-  auto& editor = desktop.front();
-  auto& other = desktop.launch("org.example.Other");
-  for (const bool lastSymbol : {false, true}) {
-    if (lastSymbol) useLastSymbol();
-    for (int step = 0; step < 5; ++step) {
-      editor.clear();
-      other.clear();
-      desktop.activate(&editor);
-      desktop.type(lastSymbol ? u"sigx" : u"sig x");
-      desktop.queue.advance(Seconds(0.01 * step));
-      desktop.activate(&other);
-      desktop.type(u"y");
-      desktop.queue.settle();
-      EXPECT_EQ(editor.text, lastSymbol ? u"si" : u"sig");
-      EXPECT_EQ(other.text, lastSymbol ? u"gxy" : u" xy");
-    }
-  }
-  EXPECT_TRUE(desktop.posts.empty());
-  EXPECT_EQ(desktop.pasteboard.changeCount(), 1);
-  EXPECT_EQ(snippet->useCount(), 0);
-  desktop.typeAndWait(u" sig");
-  EXPECT_EQ(other.text, u"gxy S");
-}
-
-TEST_F(PasteTest, ATargetThatClosesTakesNothingWithIt) {
-  add(u"sig", u"S");
-  auto& other = desktop.front();
-  other.text = u"Kind regards";
-  auto& dialog = desktop.launch("org.example.Dialog");
-  desktop.type(u"sig ");
-  desktop.close(dialog);
-  desktop.queue.advance(Seconds(0.1));
-  desktop.activate(&other);
-  desktop.queue.settle();
-  EXPECT_TRUE(desktop.posts.empty());
-  EXPECT_EQ(other.text, u"Kind regards");
-  // Where only the window manager is missing for a moment, the expansion goes on.
-  desktop.type(u"sig ");
-  desktop.activate(nullptr);
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.posts.size(), 2U);
-}
-
-TEST_F(PasteTest, NoPieceAndNoKeyReachesAnotherWindowHalfway) {
-  const auto snippet = add(u"m", u"one" + pressing(u"tab") + u"two" + pressing(u"tab") + u"th%cursor%ree");
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
-  auto& other = desktop.front();
-  auto& editor = desktop.launch("org.example.Editor2");
-  for (int step = 1; step < 9; ++step) {
-    editor.clear();
-    other.clear();
-    desktop.activate(&editor);
-    desktop.type(u"m x");
-    desktop.queue.advance(Seconds(0.01 + 0.06 * step));
-    desktop.activate(&other);
-    desktop.queue.settle();
-    EXPECT_EQ(other.text, u"x") << step;
-    EXPECT_EQ(std::u16string(u"one\ttwo\tthree ").substr(0, editor.text.size()), editor.text) << step;
-    EXPECT_EQ(desktop.pasteboard.text(), "mine") << step;
-    EXPECT_EQ(snippet->useCount(), editor.text.ends_with(u"three ") ? 1 : 0) << step;
-    snippet->setUseCount(0);
-  }
-}
-
-TEST_F(PasteTest, AKeyOfTheSnippetMayOpenTheWindowOfTheNextPiece) {
-  add(u"m", u"one%specialKey:value=combi:code=45:modFlags=1048576:specialKey%two");
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
-  desktop.type(u"m ");
-  desktop.queue.advance(Seconds(0.2));  // the chord has been pressed
-  const auto& opened = desktop.launch("org.example.Editor");
-  desktop.queue.settle();
-  EXPECT_EQ(opened.text, u"two ");
-}
-
-TEST_F(PasteTest, AnExpansionDuringTheRestoreDelayKeepsWhatWasSavedFirst) {
-  add(u"sig", u"S");
-  desktop.type(u"sig ");
-  desktop.queue.advance(Seconds(0.3));  // finished, not yet given back
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");
-  desktop.type(u"sig ");
-  desktop.queue.advance(Seconds(0.2));
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");  // the first restore was put off
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.pasteboard.text(), "mine");
-  EXPECT_EQ(desktop.text(), u"S S ");
-}
-
-TEST_F(PasteTest, WhatIsCopiedElsewhereMeanwhileStays) {
-  add(u"q", u"<" + pressing(u"tab") + u">%clipboard%");
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.1));
-  for (int step = 0; step < 12; ++step) {
-    desktop.front().clear();
-    desktop.pasteboard.copyFromElsewhere("older");
-    desktop.type(u"q ");
-    desktop.queue.advance(Seconds(0.05 * step));
-    desktop.pasteboard.copyFromElsewhere("newer");
-    desktop.queue.settle();
-    EXPECT_EQ(desktop.pasteboard.text(), "newer") << step;
-    EXPECT_EQ(desktop.text(), u"<\t>older ") << step;
-  }
-}
-
-TEST_F(PasteTest, WhatIsCopiedBeforeTheNextExpansionIsWhatThatGivesBack) {
-  add(u"sig", u"S");
-  desktop.type(u"sig ");
-  desktop.queue.advance(Seconds(0.3));  // finished, not yet given back
-  desktop.pasteboard.copyFromElsewhere("newer");
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.text(), u"S S ");
-  EXPECT_EQ(desktop.pasteboard.text(), "newer");
-}
-
-TEST_F(PasteTest, AnExpansionDoesNotWaitForAPictureThatIsStillBeingCopied) {
-  add(u"sig", u"S");
-  add(u"q", u"<%clipboard%>");
-  desktop.pasteboard.makeOwnerSlow();
-  desktop.typeAndWait(u"sig sig ");
-  EXPECT_EQ(desktop.text(), u"S S ");
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");
-  desktop.pasteboard.completeCopies();
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.pasteboard.text(), "mine");
-
-  desktop.pasteboard.makeOwnerSlow();
-  desktop.type(u"q ");
-  desktop.queue.advance(Seconds(2.5));
-  EXPECT_EQ(desktop.text(), u"S S q");
-  desktop.pasteboard.completeCopies();
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.text(), u"S S <mine> ");
-  EXPECT_EQ(desktop.pasteboard.text(), "mine");
-}
-
-TEST_F(PasteTest, TheUserIsToldOnceWhatCouldNotBeKept) {
-  add(u"sig", u"S");
-  const auto expandOver = [&](const char* contents) {
-    desktop.pasteboard.copyFromElsewhere(contents);
-    desktop.typeAndWait(u"sig ");
-  };
-  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::notAnswered);
-  expandOver("a picture");
-  EXPECT_EQ(desktop.pasteboard.text(), "S ");
-  ASSERT_EQ(notifications.posted.size(), 1U);
-  EXPECT_EQ(notifications.posted[0].title, u"The clipboard was not kept");
-  expandOver("another picture");
-  EXPECT_EQ(notifications.posted.size(), 1U);
-  desktop.pasteboard.loseCopies({});
-  expandOver("text");
-  EXPECT_EQ(desktop.pasteboard.text(), "text");
-  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::tooLarge);
-  expandOver("a film");
-  EXPECT_EQ(notifications.posted.size(), 2U);
 }
 
 TEST_F(PasteTest, ASecondSnippetWaitsForTheFirst) {
@@ -396,21 +146,6 @@ TEST_F(PasteTest, ASnippetDeletedWhileTheUserFillsItInIsStillInserted) {
   EXPECT_EQ(desktop.pasteboard.text(), "mine");
 }
 
-TEST_F(PasteTest, WhileAQuestionIsOpenThePasteboardIsTheUsers) {
-  add(u"sig", u"S");
-  add(u"ask", u"%textfield:name=who:default=me:textfield% %clipboard%");
-  desktop.type(u"sig ");
-  desktop.queue.advance(Seconds(0.3));  // not yet given back
-  prompt.thinking = Seconds(60);
-  desktop.type(u"ask ");
-  desktop.queue.advance(Seconds(0.06));
-  EXPECT_EQ(desktop.pasteboard.text(), "mine");
-  desktop.pasteboard.copyFromElsewhere("copied while asked");
-  desktop.queue.settle();
-  EXPECT_EQ(desktop.text(), u"S me copied while asked ");
-  EXPECT_EQ(desktop.pasteboard.text(), "copied while asked");
-}
-
 TEST_F(PasteTest, AnExpansionElsewhereCallsAnOpenQuestionOff) {
   add(u"sig", u"S");
   add(u"ask", u"%textfield:name=who:default=me:textfield%");
@@ -426,123 +161,11 @@ TEST_F(PasteTest, AnExpansionElsewhereCallsAnOpenQuestionOff) {
   EXPECT_EQ(other.text, u"S ");
 }
 
-TEST_F(PasteTest, APieceThatWasLeftBehindIsNotTakenForTheUsersContents) {
-  desktop.pasteboard.setContents({});
-  add(u"sig", u"S");
-  add(u"q", u"<%clipboard%>");
-  desktop.typeAndWait(u"sig q ");
-  EXPECT_EQ(desktop.text(), u"S <> ");
-}
-
 TEST_F(PasteTest, LineBreaksAreLineFeedsAndCountOnce) {
   add(u"c", u"%cursor%a\r\nb\rc");
   desktop.typeAndWait(u"c ");
   EXPECT_EQ(desktop.text(), u"a\nb\nc ");
   EXPECT_EQ(desktop.front().caret, 0U);
-}
-
-TEST_F(PasteTest, OurOwnWindowsStepAsideForThePaste) {
-  const auto snippet = add(u"sig", u"S");
-  ownApplication.openWindow();
-  ownApplication.setActivationPolicy(ActivationPolicy::regular);
-  paste.pasteSnippet(snippet->text(), snippet, {}, nullptr);
-  desktop.queue.advance(Seconds(0.06));
-  EXPECT_FALSE(ownApplication.hasVisibleWindows());
-  // A second snippet before they are back keeps them away.
-  desktop.queue.advance(Seconds(0.25));
-  paste.pasteSnippet(snippet->text(), snippet, {}, nullptr);
-  desktop.queue.advance(Seconds(0.3));
-  EXPECT_FALSE(ownApplication.hasVisibleWindows());
-  EXPECT_EQ(ownApplication.activationPolicy(), ActivationPolicy::accessory);
-  desktop.queue.settle();
-  EXPECT_TRUE(ownApplication.hasVisibleWindows());
-  EXPECT_EQ(ownApplication.activationPolicy(), ActivationPolicy::regular);
-}
-
-TEST_F(PasteTest, AnOwnerThatRefusesItsContentsDoesNotStopTheExpansion) {
-  desktop.pasteboard.loseCopies(PasteboardLoss::Reason::refused);
-  add(u"sig", u"S");
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.text(), u"S ");
-}
-
-TEST_F(PasteTest, AnApplicationThatDoesNotPasteIsTypedInto) {
-  desktop.front().profile.method = InsertionMethod::type;
-  add(u"sig", u"one\ntwo\tthree");
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.text(), u"one\ntwo\tthree ");
-  EXPECT_TRUE(desktop.front().pasted.empty());
-  desktop.removeKeyOf(u'w');  // such a piece can only be pasted
-  desktop.typeAndWait(u"sig ");
-  EXPECT_EQ(desktop.front().pasted.size(), 1U);
-}
-
-TEST_F(PasteTest, AnApplicationMayBeLeftAlone) {
-  desktop.front().profile.method = InsertionMethod::none;
-  add(u"sig", u"S");
-  desktop.typeAndWait(u"sig ");
-  useLastSymbol();
-  desktop.typeAndWait(u"sig");
-  EXPECT_EQ(desktop.text(), u"sig sig");
-  desktop.launch("org.example.Other");
-  desktop.typeAndWait(u"sig");
-  EXPECT_EQ(desktop.text(), u"S");
-}
-
-TEST_F(PasteTest, KeysTypedMeanwhileWaitForTheApplicationToMoveItsCaret) {
-  desktop.front().profile.pauseAfterCaretMoves = Seconds(0.2);
-  settings.setPasteBetweenSnippetPartsDelay(Seconds(0));
-  add(u"sig", u"[%cursor%]");
-  add(u"brb", u"back");
-  desktop.type(u"sig x");
-  desktop.queue.advance(Seconds(0.15));
-  EXPECT_EQ(desktop.posts.back(), (FakeDesktop::Post{key::kLeftArrow, 0, PostLocation::annotatedSession, 2}));
-  EXPECT_TRUE(desktop.holdsKeys());
-  desktop.queue.advance(Seconds(0.2));
-  EXPECT_FALSE(desktop.holdsKeys());
-  EXPECT_EQ(desktop.text(), u"[x] ");
-  desktop.type(u" brb ");
-  desktop.queue.advance(Seconds(0.15));
-  EXPECT_FALSE(desktop.holdsKeys()) << "no caret was moved";
-}
-
-TEST_F(PasteTest, KeysAreCountedByWhatTheToolkitErasesAndPasses) {
-  desktop.pasteboard.copyFromElsewhere("e\u0301\U0001F468\u200D\U0001F469");
-  add(u"e\u0301x", u"[%cursor%%clipboard%\U0001F600]");
-  for (const auto toolkit : {Toolkit::qt, Toolkit::gtk}) {
-    desktop.front().toolkit = toolkit;
-    desktop.posts.clear();
-    desktop.typeAndWait(u" e\u0301x ");
-    EXPECT_EQ(desktop.posts.front().count, toolkit == Toolkit::qt ? 3 : 2);
-    EXPECT_EQ(desktop.posts.back().code, key::kLeftArrow);
-    EXPECT_EQ(desktop.posts.back().count, 5)
-        << "two from the clipboard, one picture, a bracket, the delimiter";
-  }
-}
-
-TEST(PieceContentsTest, EachTypeOffersWhatSuitsThePlaceWhereItLands) {
-  AttributedString rich(u"bold\nline");
-  TextAttributes bold;
-  bold.bold = true;
-  rich.setAttributes({0, 4}, bold);
-  const auto types = [](const PasteboardItem& item) { return item.types(); };
-  using Types = std::vector<PasteboardType>;
-
-  const auto plain = pieceContents(rich, SnippetType::plainText);
-  EXPECT_EQ(types(plain), Types{"text/plain;charset=utf-8"});
-  EXPECT_EQ(plain.text(), "bold\nline");
-  EXPECT_EQ(types(pieceContents(rich, SnippetType::code)), Types{"text/plain;charset=utf-8"});
-  EXPECT_EQ(types(pieceContents(rich, SnippetType::formatted)),
-            (Types{"text/html", "text/plain;charset=utf-8"}));
-
-  AttributedString picture(u"\uFFFC ");
-  TextAttributes image;
-  image.image =
-      ImageAttachment{std::make_shared<const std::vector<std::uint8_t>>(3, std::uint8_t{7}), "image/png"};
-  picture.setAttributes({0, 1}, image);
-  const auto offered = pieceContents(picture, SnippetType::image);
-  EXPECT_EQ(types(offered), (Types{"image/png", "text/html"}));
-  EXPECT_EQ(offered.data("image/png"), PasteboardData(3, 7));
 }
 
 }  // namespace

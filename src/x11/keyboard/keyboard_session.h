@@ -142,7 +142,7 @@ class KeyboardSession : KeyStream::Judge {
   Pending pending_;                                // on the thread
   WorkBreaker breaker_;                            // on the thread
   Notices notices_;
-  PressNumbering pressNumbering_;                  // on the thread
+  PressNumbering pressNumbering_;  // on the thread
   std::atomic<bool> screenIsLocked_ = false;
   std::atomic<Watching> watching_ = Watching::nothing;
   std::atomic<std::uint64_t> mapGeneration_ = 1;
