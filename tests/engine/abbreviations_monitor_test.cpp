@@ -264,7 +264,7 @@ TEST_F(MonitorTest, AFailingLookupIsLoggedAndTheKeyPasses) {
     Result<bool> hasApp(std::string_view, std::int64_t) const override { return Error{"disk on fire"}; }
   } failing;
   AbbreviationsMonitor broken{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
-                               persistence, failing, paste, undo}};
+                               persistence, failing, desktop, paste, undo}};
   std::vector<std::string> lines;
   const auto log = redirectLog([&](LogLevel, std::string_view line) { lines.emplace_back(line); });
   broken.handleKeyDown({0, 0, u"s", KeyDownEvent::Origin::keyboard});

@@ -5,6 +5,7 @@ namespace quorlo {
 namespace {
 
 using X11PasteTargetTest = X11PasteboardTest;
+using testing::ElementsAre;
 using Answer = SelectionPeer::Answer;
 using enum Answer::Manner;
 
