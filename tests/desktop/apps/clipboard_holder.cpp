@@ -88,8 +88,10 @@ void print(const QMimeData& data) {
     out << format << " " << bytes.size() << " "
         << QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex() << "\n";
   }
-  if (const auto image = qvariant_cast<QImage>(data.imageData()).convertToFormat(QImage::Format_ARGB32);
-      !image.isNull()) {
+  auto image = qvariant_cast<QImage>(data.imageData());
+  if (image.isNull()) image = QImage::fromData(data.data("image/png"));
+  if (!image.isNull()) {
+    image.convertTo(QImage::Format_ARGB32);
     const QByteArrayView pixels(image.constBits(), image.sizeInBytes());
     out << "pixels " << QCryptographicHash::hash(pixels.toByteArray(), QCryptographicHash::Sha256).toHex()
         << "\n";
