@@ -2,6 +2,9 @@
 #include "desktop/quorlo_desktop_test.h"
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 namespace quorlo {
 namespace {
@@ -22,6 +25,17 @@ class DesktopFaultTest : public QuorloDesktopTest {
     ChildProcess process({.words = arguments, .variables = variables, .output = output});
     const int status = process.waitForEnd(kPatience);
     return {status, readFile(output)};
+  }
+  // 0 when there is none.
+  static pid_t childNamed(pid_t process, const std::string& beginning) {
+    for (const auto& task :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+      std::ifstream children(task.path() / "children");
+      for (pid_t child = 0; children >> child;) {
+        if (readFile("/proc/" + std::to_string(child) + "/comm").starts_with(beginning)) return child;
+      }
+    }
+    return 0;
   }
   std::filesystem::path file(const std::string& name, const std::string& text) {
     const auto path = desktop().directory() / name;
@@ -59,6 +73,18 @@ TEST_F(DesktopFaultTest, AStoppedQuorloLosesTheKeyboardAndFindsItAgain) {
     type("brb ");
     return waitUntil([&] { return xterm.text().ends_with("be right back "); }, std::chrono::seconds(1));
   })) << xterm.text();
+}
+
+TEST_F(DesktopFaultTest, QuitsAlthoughItsGuardIsStoppedOrKilled) {
+  for (const int signal : {SIGSTOP, SIGKILL}) {
+    startQuorlo();
+    const auto guard = childNamed(quorlo().process().pid(), "quorlo-keyboard");
+    ASSERT_NE(guard, 0);
+    kill(guard, signal);
+    const auto outcome = run({"quit"});
+    EXPECT_EQ(outcome.status, 0) << outcome.message;
+    EXPECT_TRUE(waitUntil([&] { return !std::filesystem::exists("/proc/" + std::to_string(guard)); }));
+  }
 }
 
 TEST_F(DesktopFaultTest, ATargetThatNeverReadsTheClipboardHoldsUpNobody) {

@@ -1,6 +1,10 @@
 // Macros in real editors: keys between pieces, the clipboard, another snippet and the cursor's place.
 #include "desktop/quorlo_desktop_test.h"
 
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
 namespace quorlo {
 namespace {
 
@@ -28,6 +32,21 @@ TEST_F(DesktopMacrosTest, TwoKeysTheClipboardAnotherSnippetAndTheCursorWorkToget
   expectMacrosIn(mousepad);
   Featherpad featherpad(desktop());
   expectMacrosIn(featherpad);
+}
+
+// QUORLO_CARET_KEYS asks for another number of them.
+TEST_F(DesktopMacrosTest, KeysTypedWhileTheCaretWalksFarArriveWhereItEnds) {
+  const char* const asked = std::getenv("QUORLO_CARET_KEYS");
+  const std::string rest(asked != nullptr ? std::stoul(asked) : 40'000, 'x');
+  startQuorlo(libraryOf({{"far", "start%cursor%" + rest}}));
+  const auto editor = openRichEditor();
+  type("far ");
+  keyboard().type("0123456789", std::chrono::milliseconds(100));
+  const auto expected = "start0123456789" + rest + " ";
+  EXPECT_TRUE(
+      waitUntil([&] { return editor->text() == expected; }, static_cast<int>(rest.size() / 5000) * kPatience))
+      << editor->text().substr(0, 60);
+  EXPECT_EQ(quorlo().log().find("did not answer"), std::string::npos);
 }
 
 }  // namespace
