@@ -21,7 +21,7 @@ struct TypedWord {
 
 // The difference between what was typed and what arrived, in characters:
 // lost    characters of a typed word or of its expansion that are not there;
-// wrong   characters that nobody typed; a character in place of another is lost and wrong. An expansion that
+// wrong   characters that were not typed; a character in place of another is lost and wrong. An expansion that
 // is
 //         missing, or that must not be there, is one more.
 struct Faults {

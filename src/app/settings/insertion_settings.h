@@ -14,7 +14,7 @@ namespace quorlo {
 
 // The table by application with the user's entries: the files `applications` and, from earlier versions,
 // `terminals` of the settings folder (docs/formats.md). Both may be missing. They are read again when asked
-// for after a change, whoever made it. Main thread.
+// for after a change by any program. Main thread.
 class InsertionSettings {
  public:
   explicit InsertionSettings(std::filesystem::path directory);

@@ -12,7 +12,7 @@
 namespace quorlo {
 
 // A key with the modifiers held while it is pressed: a named key by its code, any other by the character that
-// it types, wherever the layout has it.
+// it types, at its place in the layout.
 struct KeyChord {
   ModifierFlags modifiers = 0;
   std::variant<KeyCode, char32_t> key;

@@ -93,7 +93,7 @@ PasteTracker::Pastes::iterator PasteTracker::pasteReadBy(const ClientIdentity& r
 }
 
 // Another process may read for the target. The piece is still kept for the target itself, in case that it
-// was somebody else's read after all.
+// was another program's read after all.
 std::optional<PasteTracker::Reading> PasteTracker::readingForTarget(const ClientIdentity& reader,
                                                                     bool fromPrimary, Instant now) {
   const auto paste = std::ranges::find_if(pastes_, &Paste::isAwaited);
