@@ -15,7 +15,7 @@ TEST_F(X11PasteTargetTest, ServesThePieceToItsTargetAlthoughTheClipboardHasBeenR
   pasteboard_->setContents(text("restored"));
   target_.readTargets(kClipboard);
   EXPECT_EQ(readElsewhere("clipboard"), "restored");
-  EXPECT_TRUE(pasteboard_->pasteTracker().hasUnreadPaste()) << "nobody has read the piece";
+  EXPECT_TRUE(pasteboard_->pasteTracker().hasUnreadPaste()) << "the piece has not been read";
 
   EXPECT_EQ(target_.readText(kClipboard, kUtf8), "piece");
   EXPECT_TRUE(everythingIsRead());
