@@ -3,8 +3,8 @@
 
 #include "fakes/fake_environment.h"
 #include "figures.h"
-#include "macros/date_and_time_formatter.h"
-#include "macros/date_macro.h"
+#include "macros/dates/date_and_time_formatter.h"
+#include "macros/dates/date_macro.h"
 
 #include <chrono>
 #include <iterator>

@@ -8,9 +8,9 @@
 #include "import/export/export_library.h"
 #include "import/work_progress.h"
 #include "process_status.h"
-#include "store/background_context.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/context/background_context.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/open_library.h"
 
 #include <sys/wait.h>

@@ -11,7 +11,7 @@
 #include "import/library_import.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/store_opening.h"
 #include "text/utf.h"
 #include "x11/pumped_queue.h"

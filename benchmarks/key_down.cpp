@@ -20,9 +20,9 @@
 #include "fakes/fake_user_notifications.h"
 #include "figures.h"
 #include "macros/ql_snippet_macro_interpreter.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 
 #include <chrono>
 #include <random>

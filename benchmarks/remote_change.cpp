@@ -4,7 +4,7 @@
 #include "fakes/temporary_directory.h"
 #include "figures.h"
 #include "store/history/observed_library.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/child_process.h"
 #include "text/utf.h"
 

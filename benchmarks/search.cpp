@@ -1,15 +1,15 @@
 // What the menu takes from a search string that no snippet holds to its rows, all scopes on, in libraries of
 // 10,000 and of 100,000 snippets of about 250 characters.
 
-#include "app/shell/menu_item.h"
-#include "app/shell/snippet_search.h"
+#include "app/shell/menu/menu_item.h"
+#include "app/shell/menu/snippet_search.h"
 #include "fakes/fake_environment.h"
 #include "fakes/fake_main_queue.h"
 #include "figures.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 
 #include <chrono>
 #include <memory>

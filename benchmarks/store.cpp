@@ -5,8 +5,8 @@
 #include "base/log.h"
 #include "fakes/temporary_directory.h"
 #include "figures.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/open_library.h"
 
 #include <fcntl.h>

@@ -5,11 +5,11 @@
 #include "base/core_dumps.h"
 #include "base/log.h"
 #include "cli/error_text.h"
-#include "cli/library_access.h"
+#include "cli/library/library_access.h"
 #include "cli/terminal_text.h"
 #include "platform/environment.h"
 #include "platform/main_queue.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 
 #include <nlohmann/json.hpp>
 

@@ -10,10 +10,10 @@
 #include "platform/mouse_monitor.h"
 #include "platform/typing_context.h"
 #include "platform/workspace.h"
-#include "store/expansion_lookup.h"
-#include "store/folder_types.h"
+#include "store/lookup/expansion_lookup.h"
+#include "store/records/folder_types.h"
 #include "store/persistence_controller.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "store/use_recorder.h"
 
 #include <cstdint>

@@ -1,10 +1,10 @@
 #include "engine/expansion_rules.h"
 
 #include "platform/workspace.h"
-#include "store/folder_types.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/folder_types.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 
 #include <algorithm>
 #include <string>

@@ -1,7 +1,7 @@
 #include "import/duplicate_snippets.h"
 
-#include "store/managed_object_context.h"
-#include "store/ql_snippet.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_snippet.h"
 #include "store/uuid.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "text/attributed_string.h"
 
 #include <cstddef>

@@ -6,8 +6,8 @@
 #include "import/work_progress.h"
 #include "platform/background_queue.h"
 #include "platform/main_queue.h"
-#include "store/background_context.h"
-#include "store/managed_object_context.h"
+#include "store/context/background_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
 #include "text/utf.h"
 

@@ -2,7 +2,7 @@
 
 #include "macros/find_macros.h"
 #include "macros/macro_type.h"
-#include "macros/moment.h"
+#include "macros/dates/moment.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "macros/ql_snippet_macro_interpreter.h"
 
-#include "macros/date_and_time_formatter.h"
+#include "macros/dates/date_and_time_formatter.h"
 #include "platform/environment.h"
 
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/command_parser.h"
+#include "cli/definition/command_parser.h"
 
 namespace quorlo {
 

@@ -1,4 +1,4 @@
-#include "cli/command_parser.h"
+#include "cli/definition/command_parser.h"
 #include "cli/error_text.h"
 #include "program/command_run.h"
 #include "program/doctor/session_facts.h"

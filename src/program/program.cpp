@@ -7,7 +7,7 @@
 #include "program/lost_display_notice.h"
 #include "program/program_parts.h"
 #include "program/running_instance.h"
-#include "store/library_document.h"
+#include "store/exchange/library_document.h"
 
 #include <fmt/format.h>
 

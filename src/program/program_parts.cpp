@@ -4,7 +4,7 @@
 #include "base/log.h"
 #include "program/crash_report.h"
 #include "program/doctor/typing_obstacle_text.h"
-#include "store/abbreviation_rules.h"
+#include "store/lookup/abbreviation_rules.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
 #include "ui/library/library_window.h"

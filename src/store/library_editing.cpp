@@ -1,10 +1,10 @@
 #include "store/library_editing.h"
 
-#include "store/folder_types.h"
-#include "store/managed_object_context.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/folder_types.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 
 #include <algorithm>
 #include <optional>

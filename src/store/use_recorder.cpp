@@ -1,8 +1,8 @@
 #include "store/use_recorder.h"
 
 #include "store/persistence_controller.h"
-#include "store/ql_snippet.h"
-#include "store/ql_user.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/ql_user.h"
 
 #include <algorithm>
 

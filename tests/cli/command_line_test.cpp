@@ -1,4 +1,4 @@
-#include "cli/command_parser.h"
+#include "cli/definition/command_parser.h"
 
 #include <gtest/gtest.h>
 

@@ -18,13 +18,13 @@
 #include "fakes/fake_user_notifications.h"
 #include "macros/ql_snippet_macro_interpreter.h"
 #include "store/fake_record_store.h"
-#include "store/folder_types.h"
-#include "store/managed_object_context.h"
+#include "store/records/folder_types.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
-#include "store/ql_user.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/ql_user.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "base/log.h"
 #include "engine/paste/piece_contents.h"
 #include "engine/paste_test.h"
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 
 #include <algorithm>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/shell/import_view.h"
+#include "app/shell/files/import_view.h"
 #include "import/csv/ql_csv_options_view_controller.h"
 #include "import/import_report.h"
 #include "text/utf.h"

@@ -2,8 +2,8 @@
 
 #include "fakes/fake_environment.h"
 #include "fuzz/fuzz_target.h"
-#include "macros/custom_date_format.h"
-#include "macros/date_and_time_formatter.h"
+#include "macros/dates/custom_date_format.h"
+#include "macros/dates/date_and_time_formatter.h"
 
 #include <cstring>
 #include <variant>

@@ -2,7 +2,7 @@
 
 #include "fuzz/fuzz_target.h"
 #include "import/formats/clipping.h"
-#include "import/formats/read_property_list.h"
+#include "import/formats/property_lists/read_property_list.h"
 #include "import/formats/text_expander.h"
 #include "import/formats/type_it_4_me.h"
 

@@ -4,7 +4,7 @@
 #include "import/export/export_library.h"
 #include "import/export/library_export.h"
 #include "random_library.h"
-#include "store/background_context.h"
+#include "store/context/background_context.h"
 #include "store/sqlite/open_library.h"
 #include "store/sqlite/store_opening.h"
 

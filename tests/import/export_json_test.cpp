@@ -1,8 +1,8 @@
 #include "import/export/export_library.h"
 #include "import/work_progress.h"
 #include "random_library.h"
-#include "store/library_document.h"
-#include "store/library_exchange.h"
+#include "store/exchange/library_document.h"
+#include "store/exchange/library_exchange.h"
 #include "text/utf.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "import/import_report.h"
 #include "import/work_progress.h"
-#include "store/library_document.h"
+#include "store/exchange/library_document.h"
 #include "store/test_library.h"
 #include "text/utf.h"
 

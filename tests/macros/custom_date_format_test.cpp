@@ -1,8 +1,8 @@
-#include "macros/custom_date_format.h"
+#include "macros/dates/custom_date_format.h"
 
 #include "fakes/fake_environment.h"
-#include "macros/custom_date_format_groups.h"
-#include "macros/date_and_time_formatter.h"
+#include "macros/dates/custom_date_format_groups.h"
+#include "macros/dates/date_and_time_formatter.h"
 #include "text/utf.h"
 
 #include <gtest/gtest.h>

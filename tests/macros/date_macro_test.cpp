@@ -1,9 +1,9 @@
-#include "macros/date_macro.h"
+#include "macros/dates/date_macro.h"
 
 #include "fakes/fake_environment.h"
 #include "macros/captured_log.h"
-#include "macros/custom_date_format.h"
-#include "macros/date_and_time_formatter.h"
+#include "macros/dates/custom_date_format.h"
+#include "macros/dates/date_and_time_formatter.h"
 #include "text/utf.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "store/abbreviation_rules.h"
+#include "store/lookup/abbreviation_rules.h"
 
 #include "test_library.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "store/managed_object_context.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
-#include "store/ql_user.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/ql_user.h"
 #include "text/rich_text/rich_text_archive.h"
 #include "text/utf.h"
 

@@ -1,4 +1,4 @@
-#include "store/duplicate_folders.h"
+#include "store/upkeep/duplicate_folders.h"
 
 #include "test_library.h"
 

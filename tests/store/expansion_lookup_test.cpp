@@ -1,6 +1,6 @@
-#include "store/expansion_lookup.h"
+#include "store/lookup/expansion_lookup.h"
 
-#include "store/snippet_predicates.h"
+#include "store/lookup/snippet_predicates.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>

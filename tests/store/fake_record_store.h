@@ -1,7 +1,7 @@
 #pragma once
 
-#include "store/change_log.h"
-#include "store/record_store.h"
+#include "store/context/change_log.h"
+#include "store/context/record_store.h"
 
 #include <memory>
 #include <optional>

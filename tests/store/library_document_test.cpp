@@ -1,6 +1,6 @@
-#include "store/library_document.h"
+#include "store/exchange/library_document.h"
 
-#include "store/library_exchange.h"
+#include "store/exchange/library_exchange.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>

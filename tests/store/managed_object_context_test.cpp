@@ -1,8 +1,8 @@
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 
 #include "description.h"
 #include "fakes/temporary_directory.h"
-#include "store/record_set.h"
+#include "store/context/record_set.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_opening.h"
 #include "test_library.h"

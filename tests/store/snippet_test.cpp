@@ -1,6 +1,6 @@
 #include "test_library.h"
 
-#include "store/snippet_image.h"
+#include "store/records/snippet_image.h"
 #include "store/use_recorder.h"
 
 #include <gtest/gtest.h>

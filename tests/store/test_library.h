@@ -4,12 +4,12 @@
 #include "fake_record_store.h"
 #include "fakes/fake_environment.h"
 #include "fakes/fake_main_queue.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
-#include "store/ql_user.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/ql_user.h"
 
 #include <memory>
 #include <string>

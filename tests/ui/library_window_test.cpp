@@ -2,7 +2,7 @@
 
 #include "app/settings/settings_controller.h"
 #include "app/shell/app_windows.h"
-#include "app/shell/navigation_model.h"
+#include "app/shell/menu/navigation_model.h"
 #include "fakes/fake_user_defaults.h"
 #include "store/test_library.h"
 #include "ui/library/attributed_document.h"

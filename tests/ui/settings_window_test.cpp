@@ -1,6 +1,6 @@
 #include "ui/settings/settings_window.h"
-#include "store/ql_app.h"
-#include "store/ql_category.h"
+#include "store/records/ql_app.h"
+#include "store/records/ql_category.h"
 #include "ui/event_loop.h"
 #include "ui/settings/application_chooser.h"
 #include "ui/settings/hot_key_field.h"

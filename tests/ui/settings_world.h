@@ -10,7 +10,7 @@
 #include "fakes/fake_environment.h"
 #include "fakes/fake_hot_key_center.h"
 #include "fakes/fake_user_defaults.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
 #include "ui/settings/settings_pages.h"
 

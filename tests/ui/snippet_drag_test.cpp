@@ -1,6 +1,6 @@
 #include "app/settings/settings_controller.h"
 #include "fakes/fake_user_defaults.h"
-#include "store/library_document.h"
+#include "store/exchange/library_document.h"
 #include "store/test_library.h"
 #include "ui/library/dragged_snippets.h"
 #include "ui/library/folder_list_model.h"

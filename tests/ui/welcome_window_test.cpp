@@ -1,6 +1,6 @@
 #include "ui/welcome/welcome_window.h"
 #include "macros/ql_snippet_macro_interpreter.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "ui/settings_world.h"
 
 #include <gtest/gtest.h>

@@ -2,9 +2,9 @@
 
 #include "app/settings/json_list.h"
 #include "base/log.h"
-#include "store/fetch_request.h"
-#include "store/ql_snippet.h"
-#include "store/snippet_type.h"
+#include "store/context/fetch_request.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/snippet_type.h"
 
 #include <utility>
 #include <variant>

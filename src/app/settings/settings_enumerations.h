@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/abbreviation_trigger_type.h"
+#include "store/records/abbreviation_trigger_type.h"
 
 #include <array>
 #include <optional>

@@ -3,7 +3,7 @@
 #include "app/settings/setting.h"
 #include "app/settings/settings_controller.h"
 #include "app/settings/settings_enumerations.h"
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "text/utf.h"
 
 #include <algorithm>

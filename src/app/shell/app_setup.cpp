@@ -1,12 +1,12 @@
 #include "app/shell/app_setup.h"
 
 #include "app/settings/settings_controller.h"
-#include "app/shell/navigation_model.h"
+#include "app/shell/menu/navigation_model.h"
 #include "platform/user_defaults.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 
 #include <memory>
 #include <string>

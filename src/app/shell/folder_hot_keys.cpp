@@ -2,8 +2,8 @@
 
 #include "base/log.h"
 #include "platform/hot_key_center.h"
-#include "store/managed_object_context.h"
-#include "store/ql_category.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_category.h"
 
 #include <algorithm>
 #include <utility>

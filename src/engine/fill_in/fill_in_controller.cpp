@@ -9,7 +9,7 @@
 #include "platform/main_queue.h"
 #include "platform/target_focus.h"
 #include "platform/typed_keys_hold.h"
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "text/utf.h"
 
 #include <utility>

@@ -1,7 +1,7 @@
 #include "engine/fill_in/fill_in_session.h"
 
 #include "base/localized.h"
-#include "macros/date_macro.h"
+#include "macros/dates/date_macro.h"
 #include "macros/macro_arguments.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "macros/fill_in_macros.h"
 #include "macros/find_macros.h"
-#include "macros/moment.h"
+#include "macros/dates/moment.h"
 #include "text/attributed_string.h"
 #include "text/text_range.h"
 

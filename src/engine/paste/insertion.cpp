@@ -16,8 +16,8 @@
 #include "platform/insertion/key_counts.h"
 #include "platform/typed_keys_hold.h"
 #include "platform/user_notifications.h"
-#include "store/ql_snippet.h"
-#include "store/snippet_type.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/snippet_type.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
 

@@ -5,7 +5,7 @@
 #include "macros/evaluate_macros.h"
 #include "macros/macro_type.h"
 #include "macros/ql_snippet_macro_interpreter.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "text/line_breaks.h"
 
 #include <utility>

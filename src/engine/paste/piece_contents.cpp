@@ -1,6 +1,6 @@
 #include "engine/paste/piece_contents.h"
 
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "text/attributed_string.h"
 #include "text/html_writer.h"
 #include "text/utf.h"

@@ -2,7 +2,7 @@
 
 #include "base/localized.h"
 #include "import/work_progress.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "text/utf.h"
 
 #include <utility>

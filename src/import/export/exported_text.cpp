@@ -2,7 +2,7 @@
 
 #include "base/localized.h"
 #include "import/export/export_run.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 
 #include <utility>
 

@@ -5,7 +5,7 @@
 #include "import/export/export_run.h"
 #include "import/export/exported_records.h"
 #include "import/export/exported_text.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "text/utf.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "import/export/export_library.h"
 #include "platform/background_queue.h"
 #include "platform/main_queue.h"
-#include "store/managed_object_context.h"
+#include "store/context/managed_object_context.h"
 
 #include <cassert>
 #include <utility>

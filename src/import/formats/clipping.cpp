@@ -4,8 +4,8 @@
 #include "import/formats/imported_folders.h"
 #include "import/formats/known_image.h"
 #include "import/formats/macro_text_writer.h"
-#include "import/formats/property_list_path.h"
-#include "import/formats/read_property_list.h"
+#include "import/formats/property_lists/property_list_path.h"
+#include "import/formats/property_lists/read_property_list.h"
 #include "text/utf.h"
 
 #include <algorithm>

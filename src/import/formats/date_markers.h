@@ -1,6 +1,6 @@
 #pragma once
 
-#include "macros/date_macro_types.h"
+#include "macros/dates/date_macro_types.h"
 
 #include <cstdint>
 #include <optional>

@@ -3,8 +3,8 @@
 #include "base/localized.h"
 #include "import/formats/imported_folders.h"
 #include "import/formats/macro_text_writer.h"
-#include "import/formats/property_list_path.h"
-#include "import/formats/read_property_list.h"
+#include "import/formats/property_lists/property_list_path.h"
+#include "import/formats/property_lists/read_property_list.h"
 #include "text/utf.h"
 
 #include <algorithm>

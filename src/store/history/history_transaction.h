@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/date.h"
-#include "store/entity.h"
+#include "store/context/entity.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "base/date.h"
 #include "base/result.h"
-#include "store/record_store.h"
+#include "store/context/record_store.h"
 
 #include <memory>
 #include <vector>

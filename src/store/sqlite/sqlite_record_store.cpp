@@ -1,7 +1,7 @@
 #include "store/sqlite/sqlite_record_store.h"
 
-#include "store/managed_object_context.h"
-#include "store/ql_snippet.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/record_reader.h"
 #include "store/sqlite/record_writer.h"
 #include "store/sqlite/sqlite_database.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/record_store.h"
+#include "store/context/record_store.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "store/entity.h"
-#include "store/property.h"
-#include "store/record_set.h"
+#include "store/context/entity.h"
+#include "store/context/property.h"
+#include "store/context/record_set.h"
 
 #include <array>
 #include <span>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/shell/import_view.h"
+#include "app/shell/files/import_view.h"
 
 #include <QObject>
 

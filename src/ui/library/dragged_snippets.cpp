@@ -2,11 +2,11 @@
 
 #include "base/log.h"
 #include "import/export/export_library.h"
-#include "store/item_type_identifiers.h"
-#include "store/library_exchange.h"
-#include "store/managed_object_context.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/item_type_identifiers.h"
+#include "store/exchange/library_exchange.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 #include "ui/qt_text.h"
 
 #include <nlohmann/json.hpp>

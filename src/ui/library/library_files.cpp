@@ -1,6 +1,6 @@
 #include "ui/library/library_files.h"
 
-#include "store/ql_category.h"
+#include "store/records/ql_category.h"
 #include "ui/library/dropped_files.h"
 #include "ui/mnemonics.h"
 #include "ui/qt_text.h"

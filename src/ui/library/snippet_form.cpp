@@ -1,7 +1,7 @@
 #include "ui/library/snippet_form.h"
 
-#include "store/ql_snippet.h"
-#include "store/snippet_type.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/snippet_type.h"
 #include "ui/library/snippet_text_edit.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"

@@ -1,9 +1,9 @@
 #include "ui/library/snippet_list_model.h"
 
 #include "app/settings/settings_controller.h"
-#include "store/managed_object_context.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 #include "ui/library/dragged_snippets.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"

@@ -1,7 +1,7 @@
 #include "ui/library/snippet_list_view.h"
 
 #include "app/settings/settings_controller.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "ui/library/snippet_list_model.h"
 #include "ui/qt_text.h"
 

@@ -1,6 +1,6 @@
 #include "ui/library/snippet_text_edit.h"
 
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "ui/library/attributed_document.h"
 
 #include <QBuffer>

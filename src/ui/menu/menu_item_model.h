@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/shell/menu_item.h"
+#include "app/shell/menu/menu_item.h"
 
 #include <QAbstractListModel>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/shell/snippet_menu_view.h"
+#include "app/shell/menu/snippet_menu_view.h"
 
 #include <memory>
 

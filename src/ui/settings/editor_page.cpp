@@ -1,5 +1,5 @@
 #include "app/settings/settings_controller.h"
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 #include "ui/settings/settings_page.h"
 #include "ui/settings/settings_pages.h"
 

@@ -2,7 +2,7 @@
 
 #include "app/settings/settings_controller.h"
 #include "macros/ql_snippet_macro_interpreter.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "ui/qt_text.h"
 
 #include <QKeyEvent>

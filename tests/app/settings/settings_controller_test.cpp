@@ -2,7 +2,7 @@
 #include "base/log.h"
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_user_defaults.h"
-#include "store/snippet_type.h"
+#include "store/records/snippet_type.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "app/shell/import_controller.h"
+#include "app/shell/files/import_controller.h"
 
 #include "app/settings/settings_controller.h"
 #include "app/shell/app_windows.h"
-#include "app/shell/navigation_model.h"
+#include "app/shell/menu/navigation_model.h"
 #include "fakes/fake_app_windows.h"
 #include "fakes/fake_background_queue.h"
 #include "fakes/fake_environment.h"
@@ -13,8 +13,8 @@
 #include "import/library_import.h"
 #include "store/history/history_reader.h"
 #include "store/persistence_controller.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/store_opening.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/settings/launch_at_login.h"
-#include "app/shell/navigation_model.h"
-#include "app/shell/ql_snippet_status_menu_view_controller.h"
+#include "app/shell/menu/navigation_model.h"
+#include "app/shell/menu/ql_snippet_status_menu_view_controller.h"
 #include "engine/expansion_world.h"
 #include "fakes/fake_app_windows.h"
 #include "fakes/fake_snippet_menu_view.h"

@@ -1,4 +1,4 @@
-#include "app/shell/snippet_search.h"
+#include "app/shell/menu/snippet_search.h"
 
 #include "store/test_library.h"
 

@@ -1,10 +1,10 @@
-#include "app/shell/starter_offer.h"
+#include "app/shell/files/starter_offer.h"
 
 #include "fakes/fake_environment.h"
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_user_defaults.h"
 #include "store/persistence_controller.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 
 #include <gtest/gtest.h>
 

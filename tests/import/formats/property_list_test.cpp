@@ -1,4 +1,4 @@
-#include "import/formats/read_property_list.h"
+#include "import/formats/property_lists/read_property_list.h"
 #include "import/formats/text_expander.h"
 #include "sample_files.h"
 

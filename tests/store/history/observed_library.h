@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fakes/fake_user_defaults.h"
-#include "store/background_context.h"
+#include "store/context/background_context.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_opening.h"

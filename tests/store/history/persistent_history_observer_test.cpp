@@ -1,8 +1,8 @@
 #include "base/log.h"
 #include "fakes/temporary_directory.h"
 #include "observed_library.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
 
 #include <gtest/gtest.h>
 

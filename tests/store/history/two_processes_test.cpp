@@ -1,6 +1,6 @@
 #include "fakes/temporary_directory.h"
 #include "observed_library.h"
-#include "store/ql_snippet.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/child_process.h"
 #include "text/utf.h"
 

@@ -2,9 +2,9 @@
 
 #include "child_process.h"
 #include "open_library.h"
-#include "store/ql_category.h"
-#include "store/ql_snippet.h"
-#include "store/ql_user.h"
+#include "store/records/ql_category.h"
+#include "store/records/ql_snippet.h"
+#include "store/records/ql_user.h"
 #include "test_store.h"
 #include "text/utf.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "fakes/fake_main_queue.h"
-#include "store/managed_object_context.h"
-#include "store/ql_snippet.h"
+#include "store/context/managed_object_context.h"
+#include "store/records/ql_snippet.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_opening.h"
 

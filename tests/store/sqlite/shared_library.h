@@ -1,7 +1,7 @@
 #pragma once
 
 #include "open_library.h"
-#include "store/background_context.h"
+#include "store/context/background_context.h"
 #include "store/description.h"
 #include "store/history/persistent_history_fetcher.h"
 #include "store/history/remote_changes.h"

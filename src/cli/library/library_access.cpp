@@ -1,0 +1,47 @@
+#include "cli/library/library_access.h"
+
+#include "macros/find_macros.h"
+#include "platform/environment.h"
+#include "store/context/managed_object_context.h"
+#include "store/sqlite/sqlite_record_store.h"
+#include "store/sqlite/store_files.h"
+#include "store/sqlite/store_opening.h"
+
+#include <utility>
+
+namespace quorlo {
+namespace {
+
+ManagedObjectContext::Configuration configuration(const Environment& environment) {
+  return {.name = "command_line",
+          .transactionAuthor = "command_line",
+          .now = [&environment] { return environment.now(); },
+          .findMacroStrings = findMacroStrings};
+}
+
+}  // namespace
+
+bool libraryIsMissing(const Environment& environment) {
+  const auto directory = environment.dataDirectory();
+  return isMissing(directory / kStoreFileName) && isMissing(directory / kOldStoreFileName);
+}
+
+Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment) {
+  auto database = openStore(environment.dataDirectory(), {.now = environment.now()});
+  if (!database) return database.error();
+  auto store = std::make_unique<SqliteRecordStore>(std::move(database).value());
+  auto& opened = store->database();
+  auto parts = configuration(environment);
+  parts.store = std::move(store);
+  auto context = std::make_unique<ManagedObjectContext>(std::move(parts));
+  if (const auto status = context->load(); !status) {
+    return storeLoadFailure(opened, status.error(), environment.now());
+  }
+  return context;
+}
+
+std::unique_ptr<ManagedObjectContext> emptyLibrary(const Environment& environment) {
+  return std::make_unique<ManagedObjectContext>(configuration(environment));
+}
+
+}  // namespace quorlo
