@@ -16,6 +16,11 @@ function(quorlo_module name)
   target_link_libraries(quorlo_${name} PUBLIC ${arg_USES} ${arg_LIBS} PRIVATE ${arg_PRIVATE_LIBS})
 endfunction()
 
+# Tests are compiled more often than they are run.
+function(quorlo_compile_like_tests target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+endfunction()
+
 # quorlo_tests(<name> SOURCES ... USES <modules>... [LIBS <libraries>...] [BY_SUITE <suites>...])
 # Each test is a ctest of its own; with BY_SUITE the named suites run whole, for those that share a
 # costly fixture.
@@ -26,6 +31,8 @@ function(quorlo_tests name)
   list(TRANSFORM arg_USES PREPEND quorlo_)
   target_link_libraries(${target} PRIVATE ${arg_USES} ${arg_LIBS} GTest::gtest_main)
   target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  quorlo_compile_like_tests(${target})
+  quorlo_precompile_for_tests(${target})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 60)
   endif()

@@ -11,8 +11,8 @@
 #include "platform/typing_context.h"
 #include "platform/workspace.h"
 #include "store/lookup/expansion_lookup.h"
-#include "store/records/folder_types.h"
 #include "store/persistence_controller.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_snippet.h"
 #include "store/use_recorder.h"
 

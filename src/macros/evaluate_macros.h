@@ -1,9 +1,9 @@
 #pragma once
 
 #include "macros/dates/date_macro.h"
+#include "macros/dates/moment.h"
 #include "macros/fill_in_macros.h"
 #include "macros/macro_type.h"
-#include "macros/dates/moment.h"
 #include "macros/prepared_snippet.h"
 #include "text/attributed_string.h"
 #include "text/text_range.h"

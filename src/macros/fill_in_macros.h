@@ -1,8 +1,8 @@
 #pragma once
 
+#include "macros/dates/moment.h"
 #include "macros/find_macros.h"
 #include "macros/macro_type.h"
-#include "macros/dates/moment.h"
 
 #include <cstddef>
 #include <optional>

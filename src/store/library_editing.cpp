@@ -1,7 +1,7 @@
 #include "store/library_editing.h"
 
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"

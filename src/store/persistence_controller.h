@@ -3,9 +3,9 @@
 #include "base/life_token.h"
 #include "base/subscription.h"
 #include "platform/main_queue.h"
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
 #include "store/context/record_store.h"
+#include "store/records/folder_types.h"
 
 #include <filesystem>
 #include <functional>

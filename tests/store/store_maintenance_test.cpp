@@ -1,8 +1,8 @@
 #include "store/upkeep/store_maintenance.h"
 
-#include "store/upkeep/built_in_folders.h"
 #include "store/calendar_days.h"
 #include "store/context/store_access.h"
+#include "store/upkeep/built_in_folders.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>

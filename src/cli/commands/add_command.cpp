@@ -1,7 +1,7 @@
 #include "base/date.h"
-#include "cli/definition/command_parser.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_parser.h"
 #include "cli/library/snippet_editing.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_snippet.h"

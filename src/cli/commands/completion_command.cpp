@@ -1,7 +1,7 @@
-#include "cli/definition/arguments.h"
-#include "cli/definition/command_parser.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/arguments.h"
+#include "cli/definition/command_parser.h"
 #include "cli/definition/completion.h"
 #include "cli/library/stored_values.h"
 

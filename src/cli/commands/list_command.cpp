@@ -1,7 +1,7 @@
 #include "app/shell/menu/snippet_search.h"
-#include "cli/definition/command_parser.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_parser.h"
 #include "cli/library/folder_names.h"
 #include "cli/library/snippet_query.h"
 #include "cli/library/snippet_table.h"

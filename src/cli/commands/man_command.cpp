@@ -1,6 +1,6 @@
-#include "cli/definition/command_parser.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_parser.h"
 #include "cli/definition/man_page.h"
 
 #include <CLI/CLI.hpp>

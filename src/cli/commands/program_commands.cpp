@@ -1,5 +1,5 @@
-#include "cli/definition/command_parser.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_parser.h"
 
 namespace quorlo {
 

@@ -2,11 +2,11 @@
 #include "app/settings/settings_controller.h"
 #include "app/settings/sound_manager.h"
 #include "app/settings/stored_user_defaults.h"
-#include "cli/definition/arguments.h"
-#include "cli/definition/command_parser.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/settings_values.h"
+#include "cli/definition/arguments.h"
+#include "cli/definition/command_parser.h"
 #include "cli/terminal_text.h"
 #include "platform/environment.h"
 

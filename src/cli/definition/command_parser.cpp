@@ -1,9 +1,9 @@
 #include "cli/definition/command_parser.h"
 
-#include "cli/definition/arguments.h"
 #include "cli/command_output.h"
 #include "cli/command_texts.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/arguments.h"
 #include "cli/definition/help_formatter.h"
 #include "cli/terminal_text.h"
 

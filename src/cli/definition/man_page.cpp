@@ -1,7 +1,7 @@
 #include "cli/definition/man_page.h"
 
-#include "cli/definition/arguments.h"
 #include "cli/command_texts.h"
+#include "cli/definition/arguments.h"
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 #include "cli/library/folder_names.h"
 
-#include "store/library_editing.h"
 #include "store/context/managed_object_context.h"
+#include "store/library_editing.h"
 #include "store/records/ql_category.h"
 #include "store/uuid.h"
 #include "text/case_folding.h"

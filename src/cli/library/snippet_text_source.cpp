@@ -1,7 +1,7 @@
 #include "cli/library/snippet_text_source.h"
 
-#include "cli/definition/arguments.h"
 #include "cli/command_session.h"
+#include "cli/definition/arguments.h"
 #include "import/file_bytes.h"
 #include "import/work_progress.h"
 #include "text/attributed_string.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "macros/dates/moment.h"
 #include "macros/fill_in_macros.h"
 #include "macros/find_macros.h"
-#include "macros/dates/moment.h"
 #include "text/attributed_string.h"
 #include "text/text_range.h"
 

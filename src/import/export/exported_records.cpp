@@ -1,8 +1,8 @@
 #include "import/export/exported_records.h"
 
 #include "base/localized.h"
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"

@@ -7,10 +7,10 @@
 #include "base/subscription.h"
 #include "store/context/change_log.h"
 #include "store/context/entity.h"
-#include "store/lookup/expansion_index.h"
-#include "store/lookup/expansion_lookup.h"
 #include "store/context/fetch_request.h"
 #include "store/context/record_store.h"
+#include "store/lookup/expansion_index.h"
+#include "store/lookup/expansion_lookup.h"
 #include "store/lookup/search_index.h"
 #include "text/attributed_string.h"
 

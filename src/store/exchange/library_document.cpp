@@ -1,14 +1,14 @@
 #include "store/exchange/library_document.h"
 
 #include "base/log.h"
-#include "store/lookup/abbreviation_rules.h"
-#include "store/upkeep/built_in_folders.h"
+#include "store/context/managed_object_context.h"
 #include "store/exchange/json_document.h"
 #include "store/exchange/library_exchange.h"
-#include "store/context/managed_object_context.h"
+#include "store/lookup/abbreviation_rules.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
+#include "store/upkeep/built_in_folders.h"
 #include "text/utf.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #include "store/exchange/library_exchange.h"
 
-#include "store/records/folder_types.h"
 #include "store/exchange/library_exchange_reading.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/uuid.h"

@@ -1,9 +1,9 @@
 #include "store/history/folder_deduplication.h"
 
 #include "base/log.h"
-#include "store/upkeep/duplicate_folders.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_category.h"
+#include "store/upkeep/duplicate_folders.h"
 #include "text/utf.h"
 
 #include <algorithm>

@@ -3,11 +3,11 @@
 #include "base/log.h"
 #include "platform/user_defaults.h"
 #include "store/context/background_context.h"
-#include "store/upkeep/duplicate_folders.h"
+#include "store/context/managed_object_context.h"
 #include "store/history/folder_deduplication.h"
 #include "store/history/store_file_watcher.h"
-#include "store/context/managed_object_context.h"
 #include "store/records/ql_category.h"
+#include "store/upkeep/duplicate_folders.h"
 
 #include <algorithm>
 #include <span>

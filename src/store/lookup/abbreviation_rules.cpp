@@ -2,8 +2,8 @@
 
 #include "base/localized.h"
 #include "base/log.h"
-#include "store/localized_format.h"
 #include "store/context/managed_object_context.h"
+#include "store/localized_format.h"
 #include "store/records/ql_snippet.h"
 #include "text/graphemes.h"
 #include "text/utf.h"

@@ -1,9 +1,9 @@
 #include "store/records/ql_app.h"
 
 #include "store/context/managed_object_context.h"
+#include "store/context/relationship.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/context/relationship.h"
 
 #include <utility>
 

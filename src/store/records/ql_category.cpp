@@ -4,9 +4,9 @@
 #include "base/log.h"
 #include "store/context/fetch_request.h"
 #include "store/context/managed_object_context.h"
+#include "store/context/relationship.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_snippet.h"
-#include "store/context/relationship.h"
 #include "store/uuid.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/shortcut.h"
-#include "store/records/folder_types.h"
 #include "store/context/managed_object.h"
 #include "store/context/predicate.h"
 #include "store/context/record_set.h"
+#include "store/records/folder_types.h"
 
 #include <cstddef>
 #include <cstdint>

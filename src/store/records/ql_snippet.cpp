@@ -1,11 +1,11 @@
 #include "store/records/ql_snippet.h"
 
 #include "base/localized.h"
-#include "store/localized_format.h"
 #include "store/context/managed_object_context.h"
+#include "store/context/relationship.h"
+#include "store/localized_format.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
-#include "store/context/relationship.h"
 #include "store/records/snippet_image.h"
 #include "store/records/snippet_text_cache.h"
 #include "store/uuid.h"

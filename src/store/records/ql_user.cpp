@@ -1,8 +1,8 @@
 #include "store/records/ql_user.h"
 
 #include "base/localized.h"
-#include "store/localized_format.h"
 #include "store/context/managed_object_context.h"
+#include "store/localized_format.h"
 
 #include <fmt/format.h>
 

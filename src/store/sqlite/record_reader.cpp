@@ -1,11 +1,11 @@
 #include "store/sqlite/record_reader.h"
 
 #include "store/context/managed_object_context.h"
+#include "store/context/store_access.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/stored_attributes.h"
-#include "store/context/store_access.h"
 #include "text/rich_text/rich_text_archive.h"
 
 #include <algorithm>

@@ -1,14 +1,14 @@
 #include "store/sqlite/record_writer.h"
 
 #include "store/context/change_log.h"
-#include "store/history/history_transaction.h"
 #include "store/context/managed_object.h"
+#include "store/context/store_access.h"
+#include "store/history/history_transaction.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/stored_attributes.h"
-#include "store/context/store_access.h"
 #include "text/rich_text/rich_text_archive.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "store/sqlite/stored_attributes.h"
 
+#include "store/context/store_access.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/records/ql_user.h"
 #include "store/sqlite/sqlite_statement.h"
-#include "store/context/store_access.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #include "store/upkeep/duplicate_folders.h"
 
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
+#include "store/context/relationship.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/context/relationship.h"
 
 #include <algorithm>
 #include <cstdint>

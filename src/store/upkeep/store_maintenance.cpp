@@ -1,12 +1,12 @@
 #include "store/upkeep/store_maintenance.h"
 
-#include "store/upkeep/built_in_folders.h"
 #include "store/calendar_days.h"
-#include "store/upkeep/duplicate_folders.h"
 #include "store/context/logged_fetch.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/records/ql_user.h"
+#include "store/upkeep/built_in_folders.h"
+#include "store/upkeep/duplicate_folders.h"
 #include "text/utf.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #include "ui/import/destination_chooser.h"
 
 #include "store/context/fetch_request.h"
-#include "store/library_editing.h"
 #include "store/context/managed_object_context.h"
+#include "store/library_editing.h"
 #include "store/records/ql_category.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"

@@ -2,9 +2,9 @@
 
 #include "base/log.h"
 #include "import/export/export_library.h"
-#include "store/records/item_type_identifiers.h"
-#include "store/exchange/library_exchange.h"
 #include "store/context/managed_object_context.h"
+#include "store/exchange/library_exchange.h"
+#include "store/records/item_type_identifiers.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "ui/qt_text.h"

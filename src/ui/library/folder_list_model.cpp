@@ -1,9 +1,9 @@
 #include "ui/library/folder_list_model.h"
 
 #include "store/context/fetch_request.h"
-#include "store/records/item_type_identifiers.h"
-#include "store/library_editing.h"
 #include "store/context/managed_object_context.h"
+#include "store/library_editing.h"
+#include "store/records/item_type_identifiers.h"
 #include "store/records/ql_category.h"
 #include "store/upkeep/store_maintenance.h"
 #include "ui/library/dragged_snippets.h"

@@ -2,9 +2,9 @@
 
 #include "app/settings/settings_controller.h"
 #include "app/shell/menu/navigation_model.h"
-#include "store/records/folder_types.h"
-#include "store/library_editing.h"
 #include "store/context/managed_object_context.h"
+#include "store/library_editing.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/records/snippet_type.h"

@@ -1,7 +1,7 @@
 #include "platform/workspace.h"
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_app.h"
 #include "ui/settings/application_chooser.h"
 #include "ui/settings/insertion_ways.h"

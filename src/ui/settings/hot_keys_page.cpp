@@ -1,6 +1,6 @@
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
 #include "store/persistence_controller.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_category.h"
 #include "ui/settings/hot_key_field.h"
 #include "ui/settings/settings_page.h"

@@ -2,11 +2,11 @@
 
 #include "base/localized.h"
 #include "base/log.h"
-#include "store/records/folder_types.h"
 #include "store/context/managed_object_context.h"
+#include "store/lookup/snippet_predicates.h"
+#include "store/records/folder_types.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/lookup/snippet_predicates.h"
 #include "text/graphemes.h"
 
 #include <algorithm>
