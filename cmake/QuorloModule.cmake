@@ -16,9 +16,12 @@ function(quorlo_module name)
   target_link_libraries(quorlo_${name} PUBLIC ${arg_USES} ${arg_LIBS} PRIVATE ${arg_PRIVATE_LIBS})
 endfunction()
 
-# Tests are compiled more often than they are run.
+# Tests are compiled more often than they are run. With -O1 g++ 12 gives false alarms about std::string.
 function(quorlo_compile_like_tests target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-Wno-array-bounds>)
+  endif()
 endfunction()
 
 # quorlo_tests(<name> SOURCES ... USES <modules>... [LIBS <libraries>...] [BY_SUITE <suites>...])
