@@ -4,7 +4,7 @@ build_packages=(
   libicu-dev libxcb1-dev libxcb-xtest0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xfixes0-dev
   libxcb-res0-dev libxcb-ewmh-dev libxcb-icccm4-dev
   libxkbcommon-dev libxkbcommon-x11-dev uuid-dev
-  qt6-base-dev qt6-svg-dev nlohmann-json3-dev libfmt-dev libcli11-dev libsndfile1-dev libpulse-dev
+  qt6-base-dev qt6-svg-dev nlohmann-json3-dev libfmt-dev libsndfile1-dev libpulse-dev
   libsqlite3-dev libplist-dev libgtest-dev libgmock-dev jq
 )
 run_packages=(qt6-qpa-plugins libqt6svg6 xdg-utils xkb-data)

@@ -1,13 +1,12 @@
 #include "base/date.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/snippet_editing.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_snippet.h"
 #include "store/uuid.h"
-
-#include <CLI/CLI.hpp>
 
 namespace quorlo {
 namespace {
@@ -37,7 +36,7 @@ void addAddCommand(CommandParser& parser) {
   auto& command =
       parser.add("add", "Add a snippet", [fields](CommandSession& session) { return add(session, *fields); });
   addFields(command, *fields);
-  command.footer(
+  command.setFooter(
       "The text may hold macros as docs/formats.md describes them. What is read from a file or standard input "
       "loses one line feed at its end.\n\n"
       "  quorlo add --abbreviation brb --text 'be right back'\n"

@@ -1,11 +1,9 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/definition/completion.h"
 #include "cli/library/stored_values.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -25,10 +23,10 @@ Result<ExitStatus> printScript(CommandSession& session, std::string_view shell) 
 }
 
 // The first line says whether names of files fit, too; each further one is a candidate and what it means.
-Result<ExitStatus> printCompletion(CommandSession& session, const CLI::App& app,
+Result<ExitStatus> printCompletion(CommandSession& session, const CommandDefinition& program,
                                    const std::vector<std::string>& words) {
   const auto completion =
-      complete(app, words, [&](std::string_view type) { return storedValues(session, type); });
+      complete(program, words, [&](std::string_view type) { return storedValues(session, type); });
   session.out().write(completion.takesFile ? "files\n" : "values\n");
   for (const auto& [text, description] : completion.candidates) {
     session.out().write(text + "\t" + description + "\n");
@@ -43,8 +41,8 @@ void addCompletionCommands(CommandParser& parser) {
   auto& script = parser.add(
       "completion", "Print what makes a shell complete commands, options, snippets and folders",
       [shell](CommandSession& session) { return printScript(session, *shell); }, CommandParser::Json::none);
-  addChoice(script, "shell", *shell, {"bash", "zsh", "fish"}, "Which shell")->required();
-  script.footer(
+  script.addChoice("shell", *shell, {"bash", "zsh", "fish"}, "Which shell").required();
+  script.setFooter(
       "Installed packages have it in place already. Else, for the present shell:\n\n"
       "  source <(quorlo completion bash)");
 
@@ -55,8 +53,8 @@ void addCompletionCommands(CommandParser& parser) {
         return printCompletion(session, parser.definition(), *words);
       },
       CommandParser::Json::none);
-  asked.add_option("words", *words);
-  asked.group("");
+  asked.addFiles("words", *words, "Those behind the name of the program");
+  asked.setSection("");
 }
 
 }  // namespace quorlo

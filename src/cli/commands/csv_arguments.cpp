@@ -1,13 +1,11 @@
 #include "cli/commands/csv_arguments.h"
 
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "import/csv/csv_file.h"
 #include "import/csv/cswiftv.h"
 #include "import/csv/separators.h"
 #include "text/case_folding.h"
 #include "text/utf.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -100,15 +98,16 @@ class Header {
 
 }  // namespace
 
-void addCsvArguments(CLI::App& command, CsvArguments& arguments) {
+void addCsvArguments(CommandDefinition& command, CsvArguments& arguments) {
+  constexpr auto kSection = "Of tables";
   command
-      .add_option("--separator", arguments.separator,
-                  "What stands between the fields; the likeliest without it")
-      ->check(faultOfSeparator)
-      ->type_name("comma|semicolon|tab|bar|CHARACTER");
-  command.add_flag("--no-header", arguments.hasNoHeader, "The first row is a snippet, too");
-  const auto addColumn = [&command](const char* name, std::optional<std::string>& column, const char* help) {
-    addText(command, name, column, help, "COLUMN")->check(faultOfColumn);
+      .addText("--separator", arguments.separator, "What stands between the fields; the likeliest without it",
+               "comma|semicolon|tab|bar|CHARACTER")
+      .check(faultOfSeparator)
+      .in(kSection);
+  command.addFlag("--no-header", arguments.hasNoHeader, "The first row is a snippet, too").in(kSection);
+  const auto addColumn = [&](const char* name, std::optional<std::string>& column, const char* help) {
+    command.addText(name, column, help, "COLUMN").check(faultOfColumn).in(kSection);
   };
   addColumn("--title", arguments.title, "The column of the titles: its number from 1, or its name");
   addColumn("--abbreviation", arguments.abbreviation, "The column of the abbreviations");

@@ -7,12 +7,9 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
 
+class CommandDefinition;
 class WorkProgress;
 
 // How a table is to be read, as the user gives it; what is left open is guessed from the table.
@@ -24,7 +21,7 @@ struct CsvArguments {
   std::optional<std::string> text;
 };
 
-void addCsvArguments(CLI::App& command, CsvArguments& arguments);
+void addCsvArguments(CommandDefinition& command, CsvArguments& arguments);
 
 // Once one column is given, those that are not given have no value. Names are looked up in the table, which
 // is read for that; an error says which there are.

@@ -1,14 +1,12 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/snippet_editing.h"
 #include "cli/library/snippet_names.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
-
-#include <CLI/CLI.hpp>
 
 namespace quorlo {
 namespace {
@@ -43,9 +41,9 @@ void addEditCommand(CommandParser& parser) {
   const auto options = std::make_shared<EditOptions>();
   auto& command = parser.add("edit", "Change a snippet",
                              [options](CommandSession& session) { return edit(session, *options); });
-  addText(command, "snippet", options->snippet, kSnippetNameHelp, "SNIPPET")->required();
+  command.addText("snippet", options->snippet, kSnippetNameHelp, "SNIPPET").required();
   addFields(command, options->fields);
-  command.footer(
+  command.setFooter(
       "What is not given stays as it is. A new text is plain: it has neither the attributes nor the pictures "
       "of the old one.\n\n"
       "  quorlo edit brb --text 'be right back, promised' --folder Chat");

@@ -1,6 +1,6 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/expanding/expand_answers.h"
 #include "cli/expanding/expand_output.h"
@@ -13,7 +13,6 @@
 #include "text/html_writer.h"
 #include "text/utf.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -174,15 +173,15 @@ void addExpandCommand(CommandParser& parser) {
   const auto options = std::make_shared<ExpandOptions>();
   auto& command = parser.add("expand", "Evaluate the macros of a snippet, or of a text on standard input",
                              [options](CommandSession& session) { return expand(session, *options); });
-  addText(command, "snippet", options->snippet,
-          std::string(kSnippetNameHelp) + "; \"-\" or nothing for standard input", "SNIPPET");
-  addTexts(command, "-a,--answer", options->answers,
-           "Fill in a field; once more for each other one, and for each of several choices", "NAME=VALUE")
-      ->allow_extra_args(false);
-  addText(command, "--clipboard", options->clipboard, "What the clipboard holds; the desktop's is not read");
-  command.add_flag("--html", options->html, "Print the text as HTML, with its styles and pictures");
-  command.add_flag("--strict", options->strict, "Print nothing and fail where something is left open");
-  command.footer(
+  command.addText("snippet", options->snippet,
+                  std::string(kSnippetNameHelp) + "; \"-\" or nothing for standard input", "SNIPPET");
+  command.addTexts("-a,--answer", options->answers,
+                   "Fill in a field; once more for each other one, and for each of several choices",
+                   "NAME=VALUE");
+  command.addText("--clipboard", options->clipboard, "What the clipboard holds; the desktop's is not read");
+  command.addFlag("--html", options->html, "Print the text as HTML, with its styles and pictures");
+  command.addFlag("--strict", options->strict, "Print nothing and fail where something is left open");
+  command.setFooter(
       "No window opens, and the snippet does not count as used. Fields without an answer take their defaults, "
       "and standard error names them; a field without a name is called by its place, \"#1\" and so on. Dates "
       "are written like 2026-11-22 or 2026-11-22T14:30.\n\n"

@@ -1,6 +1,6 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/interruption.h"
 #include "cli/library/folder_names.h"
@@ -14,7 +14,6 @@
 #include "text/utf.h"
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
@@ -23,18 +22,19 @@ namespace quorlo {
 namespace {
 
 struct ExportArguments {
-  std::string file = "-";
+  std::optional<std::string> fileName;
   std::string format;
   std::optional<std::string> folder;
   std::vector<std::string> snippets;
 
-  bool isToOutput() const { return file == "-"; }
+  std::string file() const { return fileName.value_or("-"); }
+  bool isToOutput() const { return file() == "-"; }
 };
 
 std::optional<ExportFormat> formatOf(const ExportArguments& arguments) {
   if (arguments.format == "csv") return ExportFormat::csv;
   if (arguments.format == "json" || arguments.isToOutput()) return ExportFormat::json;
-  return exportFormat(arguments.file);
+  return exportFormat(arguments.file());
 }
 
 Result<ExportSelection> selection(const ExportArguments& arguments, const ManagedObjectContext& library) {
@@ -56,7 +56,7 @@ nlohmann::ordered_json toJson(const ExportArguments& arguments, const ExportRepo
   for (const auto& each : report.warnings) {
     warnings.push_back({{"snippet", toUtf8(each.snippet)}, {"message", toUtf8(each.message)}});
   }
-  return {{"file", arguments.file},
+  return {{"file", arguments.file()},
           {"snippets", report.snippets},
           {"folders", report.folders},
           {"warnings", std::move(warnings)}};
@@ -68,13 +68,13 @@ void print(CommandSession& session, const ExportArguments& arguments, const Expo
     session.note(snippet.empty() ? toUtf8(message) : toUtf8(snippet) + ": " + toUtf8(message));
   }
   if (arguments.isToOutput()) return;
-  session.out().write(fmt::format("Exported {} snippets to {}\n", report.snippets, arguments.file));
+  session.out().write(fmt::format("Exported {} snippets to {}\n", report.snippets, arguments.file()));
 }
 
 Result<ExitStatus> exportAndReport(CommandSession& session, const ExportArguments& arguments) {
   const auto format = formatOf(arguments);
   if (!format) {
-    session.note("The ending of \"" + arguments.file +
+    session.note("The ending of \"" + arguments.file() +
                  "\" names no format: add --format json or --format csv.");
     return ExitStatus::wrongUsage;
   }
@@ -96,7 +96,7 @@ Result<ExitStatus> exportAndReport(CommandSession& session, const ExportArgument
   const auto report =
       arguments.isToOutput()
           ? exportToDescriptor(*library.value(), chosen.value(), *format, STDOUT_FILENO, progress)
-          : exportToFile(*library.value(), chosen.value(), *format, arguments.file, progress);
+          : exportToFile(*library.value(), chosen.value(), *format, arguments.file(), progress);
   if (!report && progress.isCancelled()) {
     session.note("Interrupted. The export is not complete.");
     return ExitStatus::interrupted;
@@ -113,18 +113,17 @@ void addExportCommand(CommandParser& parser) {
   auto& command =
       parser.add("export", "Write the library, or a part of it, to a file",
                  [arguments](CommandSession& session) { return exportAndReport(session, *arguments); });
+  command.addFile("file", arguments->fileName,
+                  "The file, which is replaced if it is there; - or none for standard output");
+  command.addChoice(
+      "--format", arguments->format, {"json", "csv"},
+      "By the file's ending (.json, .quorlo; .csv) without this option, json for standard output");
+  const auto& folder = command.addText("-f,--folder", arguments->folder, "Only this folder", "FOLDER");
   command
-      .add_option("file", arguments->file,
-                  "The file, which is replaced if it is there; - or none for standard output")
-      ->type_name("FILE");
-  addChoice(command, "--format", arguments->format, {"json", "csv"},
-            "By the file's ending (.json, .quorlo; .csv) without this option, json for standard output");
-  auto* const folder = addText(command, "-f,--folder", arguments->folder, "Only this folder", "FOLDER");
-  addTexts(command, "-s,--snippet", arguments->snippets, "Only this snippet; may be given several times",
-           "SNIPPET")
-      ->allow_extra_args(false)
-      ->excludes(folder);
-  command.footer(
+      .addTexts("-s,--snippet", arguments->snippets, "Only this snippet; may be given several times",
+                "SNIPPET")
+      .excludes(folder);
+  command.setFooter(
       "JSON holds everything and can be imported again without loss. A table holds titles, abbreviations and "
       "plain texts; what it cannot hold is named on standard error. The trash is left out.\n\n"
       "  quorlo export library.json\n"

@@ -1,7 +1,7 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/csv_arguments.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/interruption.h"
 #include "cli/library/folder_names.h"
@@ -11,8 +11,6 @@
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_category.h"
 #include "text/utf.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
@@ -90,22 +88,17 @@ void addImportCommand(CommandParser& parser) {
       parser.add("import", "Take the snippets of files into the library",
                  [arguments](CommandSession& session) { return importAndReport(session, *arguments); });
   command
-      .add_option("files", arguments->files,
-                  "Tables (.csv, .tsv, .txt), Quorlo's own exports (.quorlo, .json), and files of the types "
-                  "textexpander, textexpanderbackup, typeit4me and textclipping")
-      ->required()
-      ->type_name("FILE");
-  addText(command, "-f,--folder", arguments->folder, "Into this folder, made if there is none of the name",
-          "FOLDER");
-  command.add_flag("--skip-duplicates", arguments->skipsDuplicates,
-                   "Leave out what is in the library with the same title and text");
-  command.add_flag("-n,--dry-run", arguments->isDryRun, "Only report what would be imported");
+      .addFiles("files", arguments->files,
+                "Tables (.csv, .tsv, .txt), Quorlo's own exports (.quorlo, .json), and files of the types "
+                "textexpander, textexpanderbackup, typeit4me and textclipping")
+      .required();
+  command.addText("-f,--folder", arguments->folder, "Into this folder, made if there is none of the name",
+                  "FOLDER");
+  command.addFlag("--skip-duplicates", arguments->skipsDuplicates,
+                  "Leave out what is in the library with the same title and text");
+  command.addFlag("-n,--dry-run", arguments->isDryRun, "Only report what would be imported");
   addCsvArguments(command, arguments->csv);
-  command.get_option("--separator")->group("Of tables");
-  for (const auto* each : {"--no-header", "--title", "--abbreviation", "--text"}) {
-    command.get_option(each)->group("Of tables");
-  }
-  command.footer(
+  command.setFooter(
       "All of it is imported or nothing: an error and Ctrl-C leave the library as it was. The result goes to "
       "standard output, what could not be kept as it was to standard error. Of several files the readable "
       "ones are imported; the exit status is 1 when one was refused.\n\n"

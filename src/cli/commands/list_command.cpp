@@ -1,6 +1,7 @@
 #include "app/shell/menu/snippet_search.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/folder_names.h"
 #include "cli/library/snippet_query.h"
@@ -8,8 +9,6 @@
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-
-#include <CLI/CLI.hpp>
 
 namespace quorlo {
 namespace {
@@ -49,8 +48,9 @@ void addListCommand(CommandParser& parser) {
   auto& command = parser.add("list", "List the snippets, those in the trash left out",
                              [options](CommandSession& session) { return list(session, *options); });
   addQuery(command, options->query);
-  command.add_flag("--trash", options->inTrash, "Those in the trash")->excludes("--folder");
-  command.footer(
+  command.addFlag("--trash", options->inTrash, "Those in the trash")
+      .excludes(*command.optionNamed("--folder"));
+  command.setFooter(
       "In a terminal the list stands in columns. Other programs get a line for each snippet: abbreviation, "
       "title, folder and uuid with tabs between them. --json has all of a snippet.");
 }

@@ -1,9 +1,8 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/definition/man_page.h"
-
-#include <CLI/CLI.hpp>
 
 namespace quorlo {
 
@@ -15,7 +14,7 @@ void addManCommand(CommandParser& parser) {
         return ExitStatus::done;
       },
       CommandParser::Json::none);
-  command.group("");
+  command.setSection("");
 }
 
 }  // namespace quorlo

@@ -1,6 +1,6 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/snippet_json.h"
 #include "cli/library/snippet_names.h"
@@ -8,7 +8,6 @@
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -87,10 +86,11 @@ void addRemoveCommand(CommandParser& parser) {
   auto& command = parser.add("remove", "Move snippets to the trash", [options](CommandSession& session) {
     return options->permanently ? deleteForGood(session, *options) : moveToTrash(session, *options);
   });
-  addTexts(command, "snippets", options->snippets, kSnippetNameHelp, "SNIPPET")->required();
-  command.add_flag("--permanently", options->permanently, "Delete them for good, also out of the trash");
-  command.add_flag("-y,--yes", options->isConfirmed, "Do not ask before that");
-  command.footer("Of several snippets all are removed or none. What is in the trash for 30 days is deleted.");
+  command.addTexts("snippets", options->snippets, kSnippetNameHelp, "SNIPPET").required();
+  command.addFlag("--permanently", options->permanently, "Delete them for good, also out of the trash");
+  command.addFlag("-y,--yes", options->isConfirmed, "Do not ask before that");
+  command.setFooter(
+      "Of several snippets all are removed or none. What is in the trash for 30 days is deleted.");
 }
 
 }  // namespace quorlo

@@ -1,6 +1,6 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/snippet_json.h"
 #include "cli/library/snippet_names.h"
@@ -8,7 +8,6 @@
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace quorlo {
@@ -46,8 +45,8 @@ void addRestoreCommand(CommandParser& parser) {
   const auto names = std::make_shared<std::vector<std::string>>();
   auto& command = parser.add("restore", "Take snippets back out of the trash",
                              [names](CommandSession& session) { return restore(session, *names); });
-  addTexts(command, "snippets", *names, kSnippetNameHelp, "TRASHED")->required();
-  command.footer("A snippet whose abbreviation another one has meanwhile comes back without it.");
+  command.addTexts("snippets", *names, kSnippetNameHelp, "TRASHED").required();
+  command.setFooter("A snippet whose abbreviation another one has meanwhile comes back without it.");
 }
 
 }  // namespace quorlo

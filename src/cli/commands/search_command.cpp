@@ -2,7 +2,7 @@
 #include "app/shell/menu/snippet_search.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/folder_names.h"
 #include "cli/library/snippet_query.h"
@@ -11,8 +11,6 @@
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
-
-#include <CLI/CLI.hpp>
 
 namespace quorlo {
 namespace {
@@ -51,10 +49,9 @@ void addSearchCommand(CommandParser& parser) {
   const auto options = std::make_shared<SearchOptions>();
   auto& command = parser.add("search", "Find snippets as the menu's search does",
                              [options](CommandSession& session) { return search(session, *options); });
-  addTexts(command, "words", options->words, "What to look for, whatever the case of its letters")
-      ->required();
+  command.addTexts("words", options->words, "What to look for, whatever the case of its letters").required();
   addQuery(command, options->query);
-  command.footer(
+  command.setFooter(
       "Several words are looked for as they stand, blanks included. Titles, abbreviations and texts are "
       "searched, or what the setting SearchScopes says. The exit status is 1 when nothing is found.");
 }

@@ -5,13 +5,12 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/settings_values.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/terminal_text.h"
 #include "platform/environment.h"
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -191,22 +190,22 @@ Result<ExitStatus> reset(CommandSession& session, const ResetOptions& options) {
   return finish(session, settings.value());
 }
 
-void addGetCommand(CommandParser& parser, CLI::App& group) {
-  const auto key = std::make_shared<std::string>();
+void addGetCommand(CommandParser& parser, CommandDefinition& group) {
+  const auto key = std::make_shared<std::optional<std::string>>();
   auto& command = parser.add(group, "get", "Print the value of a setting",
-                             [key](CommandSession& session) { return get(session, *key); });
-  command.add_option("key", *key, "Its name")->required()->type_name("SETTING");
+                             [key](CommandSession& session) { return get(session, **key); });
+  command.addText("key", *key, "Its name", "SETTING").required();
 }
 
-void addSetCommand(CommandParser& parser, CLI::App& group) {
-  const auto key = std::make_shared<std::string>();
+void addSetCommand(CommandParser& parser, CommandDefinition& group) {
+  const auto key = std::make_shared<std::optional<std::string>>();
   const auto words = std::make_shared<std::vector<std::string>>();
   auto& command = parser.add(group, "set", "Change a setting",
-                             [key, words](CommandSession& session) { return set(session, *key, *words); });
-  command.add_option("key", *key, "Its name")->required()->type_name("SETTING");
-  addTexts(command, "value", *words, "The new value; of several at once, one after the other", "VALUE")
-      ->required();
-  command.footer(
+                             [key, words](CommandSession& session) { return set(session, **key, *words); });
+  command.addText("key", *key, "Its name", "SETTING").required();
+  command.addTexts("value", *words, "The new value; of several at once, one after the other", "VALUE")
+      .required();
+  command.setFooter(
       "A Quorlo that runs applies the change at once.\n\n"
       "Examples:\n"
       "  quorlo settings set AbbreviationsEnabled true\n"
@@ -214,12 +213,12 @@ void addSetCommand(CommandParser& parser, CLI::App& group) {
       "  quorlo settings set PasteBetweenSnippetPartsDelay 0.5");
 }
 
-void addResetCommand(CommandParser& parser, CLI::App& group) {
+void addResetCommand(CommandParser& parser, CommandDefinition& group) {
   const auto options = std::make_shared<ResetOptions>();
   auto& command = parser.add(group, "reset", "Give settings their defaults again",
                              [options](CommandSession& session) { return reset(session, *options); });
-  command.add_option("keys", options->keys, "Their names")->type_name("SETTING");
-  command.add_flag("--all", options->all, "All that can be set");
+  command.addTexts("keys", options->keys, "Their names", "SETTING");
+  command.addFlag("--all", options->all, "All that can be set");
 }
 
 }  // namespace
@@ -227,7 +226,7 @@ void addResetCommand(CommandParser& parser, CLI::App& group) {
 void addSettingsCommands(CommandParser& parser) {
   auto& group = parser.addGroup("settings", "Read and change the settings");
   parser.add(group, "list", "List all settings", [](CommandSession& session) { return list(session); })
-      .footer("With --json each comes with its type, its default and what is allowed.");
+      .setFooter("With --json each comes with its type, its default and what is allowed.");
   addGetCommand(parser, group);
   addSetCommand(parser, group);
   addResetCommand(parser, group);

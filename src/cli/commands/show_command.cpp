@@ -1,6 +1,6 @@
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/library/snippet_json.h"
 #include "cli/library/snippet_names.h"
@@ -13,7 +13,6 @@
 #include "text/utf.h"
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace quorlo {
@@ -81,9 +80,9 @@ void addShowCommand(CommandParser& parser) {
   const auto options = std::make_shared<ShowOptions>();
   auto& command = parser.add("show", "Show all of a snippet",
                              [options](CommandSession& session) { return show(session, *options); });
-  addText(command, "snippet", options->snippet, kSnippetNameHelp, "SNIPPET")->required();
-  command.add_flag("-t,--text", options->onlyText, "Only the text, with its macros as they are stored");
-  command.footer("To have the macros evaluated: quorlo expand");
+  command.addText("snippet", options->snippet, kSnippetNameHelp, "SNIPPET").required();
+  command.addFlag("-t,--text", options->onlyText, "Only the text, with its macros as they are stored");
+  command.setFooter("To have the macros evaluated: quorlo expand");
 }
 
 }  // namespace quorlo

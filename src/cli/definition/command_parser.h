@@ -12,12 +12,9 @@
 #include <variant>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
 
+class CommandDefinition;
 class CommandSession;
 
 // What a command does once its options are read. An error is said and makes the exit status 1.
@@ -63,29 +60,31 @@ class CommandParser {
 
   CommandLine parse(int argc, const char* const* argv);
 
-  CLI::App& definition() { return *app_; }
+  const CommandDefinition& definition() const { return *root_; }
 
   // For the commands to define themselves.
 
   enum class Json { offered, none };
   // Options are added to what is returned, their values kept in what the action holds.
-  CLI::App& add(const std::string& name, const std::string& summary, CommandAction action,
-                Json json = Json::offered);
-  CLI::App& add(CLI::App& group, const std::string& name, const std::string& summary, CommandAction action,
-                Json json = Json::offered);
-  CLI::App& addGroup(const std::string& name, const std::string& summary);
+  CommandDefinition& add(const std::string& name, const std::string& summary, CommandAction action,
+                         Json json = Json::offered);
+  CommandDefinition& add(CommandDefinition& group, const std::string& name, const std::string& summary,
+                         CommandAction action, Json json = Json::offered);
+  CommandDefinition& addGroup(const std::string& name, const std::string& summary);
   // One that the program carries out itself.
   void addProgramCommand(const std::string& name, const std::string& summary, Json json);
 
  private:
-  CommandLine request() const;
+  CommandLine request(const CommandDefinition& command) const;
+  StartRequest startRequest() const;
 
-  std::unique_ptr<CLI::App> app_;
-  std::map<const CLI::App*, CommandAction> actions_;
+  std::unique_ptr<CommandDefinition> root_;
+  std::map<const CommandDefinition*, CommandAction> actions_;
   std::string section_;  // of the help, for the commands that are being added
   std::vector<std::string> files_;
-  std::string library_;
+  std::optional<std::string> library_;
   std::string abbreviations_;
+  bool asksForVersion_ = false;
   bool json_ = false;
 };
 

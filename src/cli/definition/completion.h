@@ -5,11 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
+
+class CommandDefinition;
 
 struct Candidate {
   std::string text;
@@ -26,11 +24,12 @@ struct Completion {
   bool operator==(const Completion&) const = default;
 };
 
-// The values of a type of arguments.h that are kept somewhere: "SNIPPET", "FOLDER" and so on.
+// The values of a type of option that are kept somewhere: "SNIPPET", "FOLDER" and so on.
 using StoredValues = std::function<std::vector<Candidate>(std::string_view type)>;
 
 // `words` are those behind the program's name; the last one, which may be empty, is being typed.
-Completion complete(const CLI::App& app, const std::vector<std::string>& words, const StoredValues& stored);
+Completion complete(const CommandDefinition& program, const std::vector<std::string>& words,
+                    const StoredValues& stored);
 
 enum class Shell { bash, zsh, fish };
 

@@ -1,10 +1,9 @@
 #include "cli/definition/man_page.h"
 
 #include "cli/command_texts.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <sstream>
 #include <string_view>
@@ -52,67 +51,55 @@ std::string paragraphs(const std::string& text) {
   return roff + (isExample ? ".fi\n" : "");
 }
 
-std::string typeOf(const CLI::Option& option) {
-  return takesValue(option) ? italic(option.get_type_name()) : std::string();
-}
-
 // "-f, --folder FOLDER"
-std::string heading(const CLI::Option& option) {
+std::string heading(const OptionDefinition& option) {
+  if (option.isArgument()) return italic(option.argument);
   std::string names;
-  for (const auto& each : option.get_snames()) names += (names.empty() ? "" : ", ") + bold("-" + each);
-  for (const auto& each : option.get_lnames()) names += (names.empty() ? "" : ", ") + bold("--" + each);
-  if (names.empty()) return italic(option.get_name());
-  const auto type = typeOf(option);
-  return type.empty() ? names : names + " " + type;
+  for (const auto& each : option.names) names += (names.empty() ? "" : ", ") + bold(each);
+  return option.isFlag() ? names : names + " " + italic(option.type);
 }
 
-std::string options(const CLI::App& command) {
+std::string options(const CommandDefinition& command) {
   std::string roff;
-  for (const auto* each : command.get_options()) {
-    if (each == command.get_help_ptr() || each->get_group().empty()) continue;
-    roff += ".TP\n" + heading(*each) + "\n" + escaped(each->get_description()) + ".\n";
+  for (const auto& each : command.options()) {
+    if (!command.isHelp(*each)) roff += ".TP\n" + heading(*each) + "\n" + escaped(each->description) + ".\n";
   }
   return roff;
 }
 
 // "quorlo list [OPTION...]", "quorlo show [OPTION...] snippet"
-std::string synopsis(const CLI::App& command, const std::string& name) {
-  auto line = bold(name) + " [" + italic("OPTION") + "...]";
-  for (const auto* each : command.get_options()) {
-    if (!each->get_positional()) continue;
-    const auto argument = italic(each->get_name()) + (each->get_expected_max() > 1 ? "..." : "");
-    line += each->get_required() ? " " + argument : " [" + argument + "]";
+std::string synopsis(const CommandDefinition& command) {
+  auto line = bold(command.fullName()) + " [" + italic("OPTION") + "...]";
+  for (const auto& each : command.options()) {
+    if (!each->isArgument()) continue;
+    const auto argument = italic(each->argument) + (each->isRepeatable ? "..." : "");
+    line += each->isRequired ? " " + argument : " [" + argument + "]";
   }
   return line;
 }
 
-std::vector<const CLI::App*> commandsOf(const CLI::App& app) {
-  return app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); });
-}
-
-void describe(const CLI::App& command, const std::string& parentName, std::string& roff) {
-  const auto name = parentName + " " + command.get_name();
-  const auto inner = commandsOf(command);
-  if (inner.empty()) {
-    roff += ".SS " + synopsis(command, name) + "\n" + escaped(command.get_description()) + ".\n";
+void describe(const CommandDefinition& command, std::string& roff) {
+  if (command.isHidden()) return;
+  if (command.commands().empty()) {
+    roff += ".SS " + synopsis(command) + "\n" + escaped(command.description()) + ".\n";
     roff += options(command);
-    if (!command.get_footer().empty()) roff += ".PP\n" + paragraphs(command.get_footer());
+    if (!command.footer().empty()) roff += ".PP\n" + paragraphs(command.footer());
   }
-  for (const auto* each : inner) describe(*each, name, roff);
+  for (const auto& each : command.commands()) describe(*each, roff);
 }
 
 }  // namespace
 
-std::string manPage(const CLI::App& app, const std::string& version) {
+std::string manPage(const CommandDefinition& program, const std::string& version) {
   auto roff = fmt::format(".TH QUORLO 1 \"\" \"quorlo {}\" \"User Commands\"\n", version);
   roff += ".SH NAME\nquorlo \\- expands abbreviations as you type\n";
-  roff += ".SH SYNOPSIS\n" + synopsis(app, "quorlo") + "\n.br\n" + bold("quorlo") + " " + italic("COMMAND") +
-          " [" + italic("OPTION") + "...] [" + italic("ARGUMENT") + "...]\n";
+  roff += ".SH SYNOPSIS\n" + synopsis(program) + "\n.br\n" + bold("quorlo") + " " + italic("COMMAND") + " [" +
+          italic("OPTION") + "...] [" + italic("ARGUMENT") + "...]\n";
   roff +=
-      ".SH DESCRIPTION\n" + paragraphs(app.get_description() + "\n\n" + kStartText + "\n\n" + kLibraryText);
-  roff += ".SH OPTIONS\n" + options(app);
+      ".SH DESCRIPTION\n" + paragraphs(program.description() + "\n\n" + kStartText + "\n\n" + kLibraryText);
+  roff += ".SH OPTIONS\n" + options(program);
   roff += ".SH COMMANDS\n";
-  for (const auto* each : commandsOf(app)) describe(*each, "quorlo", roff);
+  for (const auto& each : program.commands()) describe(*each, roff);
   roff += ".SH EXIT STATUS\n";
   for (const auto& [status, meaning] : kExitStatusTexts) {
     roff += fmt::format(".TP\n.B {}\n{}.\n", status, escaped(meaning));

@@ -2,7 +2,7 @@
 
 #include "app/settings/settings_controller.h"
 #include "cli/command_session.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "cli/library/folder_names.h"
 #include "cli/library/snippet_json.h"
 #include "cli/library/snippet_names.h"
@@ -13,7 +13,6 @@
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace quorlo {
@@ -59,14 +58,14 @@ std::optional<SnippetType> typeNamed(std::string_view name) {
 
 }  // namespace
 
-void addFields(CLI::App& command, SnippetFields& fields) {
-  addText(command, "-a,--abbreviation", fields.abbreviation, "What is typed for it; \"\" for none",
-          "ABBREVIATION");
+void addFields(CommandDefinition& command, SnippetFields& fields) {
+  command.addText("-a,--abbreviation", fields.abbreviation, "What is typed for it; \"\" for none",
+                  "ABBREVIATION");
   addTextSource(command, fields.text);
-  addText(command, "--title", fields.title, "Its name; without one its first line names it");
-  addText(command, "-f,--folder", fields.folder,
-          "The folder, made if there is none of the name; \"\" for none", "FOLDER");
-  addChoice(command, "--type", fields.type, {"plain", "formatted", "code"}, "What the text is");
+  command.addText("--title", fields.title, "Its name; without one its first line names it");
+  command.addText("-f,--folder", fields.folder,
+                  "The folder, made if there is none of the name; \"\" for none", "FOLDER");
+  command.addChoice("--type", fields.type, {"plain", "formatted", "code"}, "What the text is");
 }
 
 Status applyFields(CommandSession& session, ManagedObjectContext& context, QLSnippet& snippet,

@@ -7,12 +7,9 @@
 #include <string>
 #include <string_view>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
 
+class CommandDefinition;
 class CommandSession;
 class ManagedObjectContext;
 class QLSnippet;
@@ -28,7 +25,7 @@ struct SnippetFields {
   bool areGiven() const { return title || abbreviation || text.isGiven() || folder || !type.empty(); }
 };
 
-void addFields(CLI::App& command, SnippetFields& fields);
+void addFields(CommandDefinition& command, SnippetFields& fields);
 
 // A snippet without a title of its own is named by its text. After an error the context is not to be saved.
 // An abbreviation behind a shorter one is advised against on standard error and set all the same.

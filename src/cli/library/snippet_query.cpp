@@ -1,11 +1,9 @@
 #include "cli/library/snippet_query.h"
 
 #include "base/date.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "store/records/ql_snippet.h"
 #include "text/case_folding.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
@@ -52,13 +50,12 @@ KeyOf keyNamed(std::string_view name) {
 
 }  // namespace
 
-void addQuery(CLI::App& command, SnippetQuery& query) {
-  addText(command, "-f,--folder", query.folder, "Only the snippets of this folder, by name or uuid",
-          "FOLDER");
+void addQuery(CommandDefinition& command, SnippetQuery& query) {
+  command.addText("-f,--folder", query.folder, "Only the snippets of this folder, by name or uuid", "FOLDER");
   std::vector<std::string_view> orders;
   for (const auto& [name, key] : kOrders) orders.push_back(name);
-  addChoice(command, "--sort", query.sort, orders, "The order, by title without this option");
-  command.add_flag("--reverse", query.isReversed, "The other way round");
+  command.addChoice("--sort", query.sort, orders, "The order, by title without this option");
+  command.addFlag("--reverse", query.isReversed, "The other way round");
 }
 
 void sortSnippets(std::vector<std::shared_ptr<QLSnippet>>& snippets, const SnippetQuery& query) {

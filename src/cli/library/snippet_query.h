@@ -5,12 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
 
+class CommandDefinition;
 class QLSnippet;
 
 // Which folder a list of snippets is taken from, and its order.
@@ -20,7 +17,7 @@ struct SnippetQuery {
   bool isReversed = false;
 };
 
-void addQuery(CLI::App& command, SnippetQuery& query);
+void addQuery(CommandDefinition& command, SnippetQuery& query);
 
 // Texts without regard to case; what is newer or more used first.
 void sortSnippets(std::vector<std::shared_ptr<QLSnippet>>& snippets, const SnippetQuery& query);

@@ -1,14 +1,12 @@
 #include "cli/library/snippet_text_source.h"
 
 #include "cli/command_session.h"
-#include "cli/definition/arguments.h"
+#include "cli/definition/command_definition.h"
 #include "import/file_bytes.h"
 #include "import/work_progress.h"
 #include "text/attributed_string.h"
 #include "text/line_breaks.h"
 #include "text/utf.h"
-
-#include <CLI/CLI.hpp>
 
 #include <utility>
 
@@ -41,11 +39,9 @@ Result<std::u16string> read(CommandSession& session, const SnippetTextSource& so
 
 }  // namespace
 
-void addTextSource(CLI::App& command, SnippetTextSource& source) {
-  auto* const text = addText(command, "-t,--text", source.text, "The text; - reads it from standard input");
-  command.add_option("--file", source.file, "Read the text from this file")
-      ->type_name("FILE")
-      ->excludes(text);
+void addTextSource(CommandDefinition& command, SnippetTextSource& source) {
+  const auto& text = command.addText("-t,--text", source.text, "The text; - reads it from standard input");
+  command.addFile("--file", source.file, "Read the text from this file").excludes(text);
 }
 
 Result<std::optional<std::u16string>> snippetText(CommandSession& session, const SnippetTextSource& source) {

@@ -5,12 +5,9 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace quorlo {
 
+class CommandDefinition;
 class CommandSession;
 
 // The text of a snippet as the user gives it.
@@ -22,7 +19,7 @@ struct SnippetTextSource {
 };
 
 // --text and --file, of which one at most may be given.
-void addTextSource(CLI::App& command, SnippetTextSource& source);
+void addTextSource(CommandDefinition& command, SnippetTextSource& source);
 
 // The text in UTF-8, ill-formed bytes and NUL characters being refused, with line feeds alone between lines.
 // What was read loses the one line feed at its end that editors and `echo` add. Absent when nothing is given.

@@ -36,7 +36,6 @@ constexpr Library kLibraries[] = {
     {"xkbcommon", "https://xkbcommon.org", "MIT"},
     {"JSON for Modern C++", "https://json.nlohmann.me", "MIT"},
     {"{fmt}", "https://fmt.dev", "MIT"},
-    {"CLI11", "https://github.com/CLIUtils/CLI11", "BSD 3-Clause"},
     {"libsndfile", "https://libsndfile.github.io/libsndfile", "GNU LGPL 2.1"},
     {"PulseAudio", "https://www.freedesktop.org/wiki/Software/PulseAudio", "GNU LGPL 2.1"},
     {"libuuid", "https://github.com/util-linux/util-linux", "BSD 3-Clause"},
