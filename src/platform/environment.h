@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/date.h"
+#include "platform/time_zone.h"
 
 #include <filesystem>
 #include <string>
@@ -15,9 +16,10 @@ class Environment {
 
   virtual Date now() const = 0;
 
-  // ICU locale names such as "de_DE", the most preferred first; never empty ("en" when nothing is set).
+  // Of dates: ICU locale names such as "de_DE", the most preferred first; never empty ("en" when nothing is
+  // set).
   virtual std::vector<std::string> preferredLanguages() const = 0;
-  virtual std::string timeZone() const = 0;  // an IANA name, for example "Europe/Berlin"
+  virtual TimeZone timeZone() const = 0;
 
   // The user's folder for the library and custom sounds; may not exist yet.
   virtual std::filesystem::path dataDirectory() const = 0;

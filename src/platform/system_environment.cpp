@@ -1,15 +1,11 @@
 #include "platform/system_environment.h"
 
 #include "platform/preferred_languages.h"
-#include "text/utf.h"
-
-#include <unicode/ucal.h>
-#include <unicode/utypes.h>
+#include "platform/system_time_zone.h"
 
 #include <pwd.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdlib>
 #include <initializer_list>
 #include <string_view>
@@ -21,12 +17,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string_view valueOf(const char* variable) {
+  const auto* const value = std::getenv(variable);
+  return value ? value : "";
+}
+
+// The variable that decides on a category of the locale.
+std::string_view firstSet(std::initializer_list<const char*> variables) {
+  for (const auto* const variable : variables) {
+    if (const auto value = valueOf(variable); !value.empty()) return value;
+  }
+  return {};
+}
+
+// In which LANGUAGE does not count.
+bool isPlainLocale(std::string_view name) {
+  return name.empty() || name == "C" || name == "POSIX";
+}
+
 std::vector<std::string> languagesOf(std::initializer_list<const char*> variables) {
   std::vector<std::string_view> values;
-  for (const auto* const variable : variables) {
-    const auto* const value = std::getenv(variable);
-    values.emplace_back(value ? value : "");
-  }
+  for (const auto* const variable : variables) values.push_back(valueOf(variable));
   return quorlo::preferredLanguages(values);
 }
 
@@ -53,20 +64,16 @@ Date SystemEnvironment::now() const {
 }
 
 std::vector<std::string> SystemEnvironment::preferredLanguages() const {
-  return languagesOf({"LANGUAGE", "LC_ALL", "LC_TIME", "LANG"});
+  return languagesOf({"LC_ALL", "LC_TIME", "LANG"});
 }
 
 std::vector<std::string> SystemEnvironment::textLanguages() const {
+  if (isPlainLocale(firstSet({"LC_ALL", "LC_MESSAGES", "LANG"}))) return {"en"};
   return languagesOf({"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"});
 }
 
-std::string SystemEnvironment::timeZone() const {
-  std::array<char16_t, 128> name;
-  UErrorCode failure = U_ZERO_ERROR;
-  const auto length = ucal_getHostTimeZone(name.data(), static_cast<std::int32_t>(name.size()), &failure);
-  const auto zone =
-      U_FAILURE(failure) ? std::string() : toUtf8({name.data(), static_cast<std::size_t>(length)});
-  return zone.empty() || zone == "Etc/Unknown" ? "UTC" : zone;
+TimeZone SystemEnvironment::timeZone() const {
+  return systemTimeZone();
 }
 
 fs::path SystemEnvironment::dataDirectory() const {

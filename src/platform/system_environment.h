@@ -12,13 +12,14 @@ class SystemEnvironment final : public Environment {
 
   Date now() const override;
 
-  // From LANGUAGE, LC_ALL, LC_TIME and LANG.
+  // From LC_ALL, LC_TIME and LANG.
   std::vector<std::string> preferredLanguages() const override;
-  std::string timeZone() const override;
+  TimeZone timeZone() const override;
   std::filesystem::path dataDirectory() const override;
   std::filesystem::path resourcesDirectory() const override;
 
-  // The languages of the program's own texts: as above, but with LC_MESSAGES in the place of LC_TIME.
+  // The languages of the program's own texts: from LANGUAGE, LC_ALL, LC_MESSAGES and LANG; English in the
+  // locale C, whatever LANGUAGE says.
   std::vector<std::string> textLanguages() const;
 
   // Where the settings lie; may not exist yet.

@@ -2,12 +2,11 @@
 
 #include "base/date.h"
 
-#include <string>
-
 namespace quorlo {
 
-// The same time of day, `days` days earlier in the calendar of the time zone (an IANA name); a day may have
-// 23 or 25 hours. UTC counts where the zone is unknown.
-Date calendarDaysBefore(Date date, int days, const std::string& timeZone);
+class TimeZone;
+
+// The same time of day, `days` days earlier in the time zone; a day may have 23 or 25 hours.
+Date calendarDaysBefore(Date date, int days, const TimeZone& zone);
 
 }  // namespace quorlo

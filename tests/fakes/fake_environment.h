@@ -9,7 +9,7 @@ class FakeEnvironment : public Environment {
  public:
   Date now() const override { return date; }
   std::vector<std::string> preferredLanguages() const override { return languages; }
-  std::string timeZone() const override { return zone; }
+  TimeZone timeZone() const override { return icuTimeZone(zone); }
   std::filesystem::path dataDirectory() const override { return data; }
   std::filesystem::path resourcesDirectory() const override { return resources; }
 

@@ -18,9 +18,11 @@ TEST(SystemEnvironment, ListsTheLanguagesOfTheSession) {
        {std::pair("LANGUAGE", "pt_BR"), {"LC_ALL", ""}, {"LC_TIME", "de_DE.UTF-8"}, {"LANG", "en_GB.UTF-8"}})
     setenv(name, value, 1);
   unsetenv("LC_MESSAGES");
-  EXPECT_THAT(environment.preferredLanguages(), ElementsAre("pt_BR", "de_DE", "en_GB"));
-  setenv("LANGUAGE", "", 1);
-  EXPECT_THAT(environment.textLanguages(), ElementsAre("en_GB"));
+  EXPECT_THAT(environment.preferredLanguages(), ElementsAre("de_DE", "en_GB"));
+  EXPECT_THAT(environment.textLanguages(), ElementsAre("pt_BR", "en_GB"));
+  setenv("LC_ALL", "C", 1);
+  EXPECT_THAT(environment.textLanguages(), ElementsAre("en")) << "LANGUAGE is void there";
+  unsetenv("LC_ALL");
 }
 
 TEST(SystemEnvironment, FindsTheUsersFoldersAndPassesOverRelativeOnes) {
@@ -34,14 +36,20 @@ TEST(SystemEnvironment, FindsTheUsersFoldersAndPassesOverRelativeOnes) {
   EXPECT_EQ(environment.dataDirectory(), "/data/org.quorlo.Quorlo");
 }
 
-TEST(SystemEnvironment, FollowsTheTimeZoneOfTheSession) {
+TEST(SystemEnvironment, NamesTheTimeZoneOfTheSession) {
   const SystemEnvironment environment("/usr/bin");
-  setenv("TZ", "Asia/Kolkata", 1);
-  EXPECT_EQ(environment.timeZone(), "Asia/Kolkata");
-  setenv("TZ", ":America/New_York", 1);
-  EXPECT_EQ(environment.timeZone(), "America/New_York");
+  const std::pair<const char*, const char*> cases[] = {{"Asia/Kolkata", "Asia/Kolkata"},
+                                                       {":America/New_York", "America/New_York"},
+                                                       {"/usr/share/zoneinfo/posix/Asia/Tokyo", "Asia/Tokyo"},
+                                                       {"CET-1CEST,M3.5.0,M10.5.0/3", ""},
+                                                       {"GMT-3", ""},
+                                                       {"", "UTC"}};
+  for (const auto& [variable, name] : cases) {
+    setenv("TZ", variable, 1);
+    EXPECT_EQ(environment.timeZone().name(), name);
+  }
   unsetenv("TZ");
-  EXPECT_NE(environment.timeZone(), "");
+  EXPECT_NE(environment.timeZone().name(), "");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "store/upkeep/store_maintenance.h"
 
+#include "platform/time_zone.h"
 #include "store/calendar_days.h"
 #include "store/context/store_access.h"
 #include "store/upkeep/built_in_folders.h"
@@ -20,10 +21,10 @@ using std::chrono::sys_days;
 TEST(CalendarDays, KeepTheTimeOfDayAcrossAChangeOfTheClocks) {
   using namespace std::chrono_literals;
   const Date noonInNovember = sys_days(2023y / 11 / 14) + hours(11);  // 12:00 in Berlin
-  EXPECT_EQ(calendarDaysBefore(noonInNovember, 30, "Europe/Berlin"), sys_days(2023y / 10 / 15) + hours(10));
-  EXPECT_EQ(calendarDaysBefore(noonInNovember, 30, "UTC"), noonInNovember - days(30));
+  EXPECT_EQ(calendarDaysBefore(noonInNovember, 30, icuTimeZone("Europe/Berlin")), sys_days(2023y / 10 / 15) + hours(10));
+  EXPECT_EQ(calendarDaysBefore(noonInNovember, 30, icuTimeZone("UTC")), noonInNovember - days(30));
   const Date april = sys_days(2024y / 4 / 10) + hours(10) + 123456us;
-  EXPECT_EQ(calendarDaysBefore(april, 30, "Europe/Berlin"), sys_days(2024y / 3 / 11) + hours(11) + 123456us);
+  EXPECT_EQ(calendarDaysBefore(april, 30, icuTimeZone("Europe/Berlin")), sys_days(2024y / 3 / 11) + hours(11) + 123456us);
 }
 
 TEST(StoreMaintenance, PurgesWhatHasBeenInTheTrashForThirtyCalendarDaysToTheSecond) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "macros/dates/moment.h"
+#include "platform/time_zone.h"
 
 #include <memory>
 #include <string>
@@ -15,15 +16,14 @@ enum class DateStyle { none, shortStyle, mediumStyle, longStyle, fullStyle };
 
 // Whose date it is.
 struct DateContext {
-  std::string locale;    // an ICU name, such as "de_DE"; names the calendar too
-  std::string timeZone;  // an IANA name, such as "Europe/Berlin"
-
-  bool operator==(const DateContext&) const = default;
+  std::string locale;  // an ICU name, such as "de_DE"; names the calendar too
+  TimeZone timeZone;
 };
 
-// Writes moments as text. Every call states styles, pattern and locale, so that nothing is left from one
-// rendering to the next. What ICU needs for each is kept, since opening it takes far longer than a rendering.
-// Main thread.
+// Writes moments as text, with the clock of the context's time zone. Where the rules that ICU has for the
+// zone differ from the context's, the zone reads as its offset ("GMT+3"). Every call states styles, pattern
+// and locale, so that nothing is left from one rendering to the next. What ICU needs for each is kept, since
+// opening it takes far longer than a rendering. Main thread.
 class DateAndTimeFormatter {
  public:
   // `environment` outlives the formatter. One that names no language is fatal.

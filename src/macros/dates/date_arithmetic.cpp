@@ -2,7 +2,6 @@
 
 #include "base/log.h"
 #include "macros/dates/date_and_time_formatter.h"
-#include "text/utf.h"
 
 #include <unicode/localpointer.h>
 #include <unicode/ucal.h>
@@ -11,11 +10,13 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quorlo {
 namespace {
 
 using std::chrono::milliseconds;
+using LocalTime = std::chrono::local_time<milliseconds>;
 
 constexpr milliseconds kReach = std::chrono::years(5'000'000);
 
@@ -47,10 +48,21 @@ bool reaches(Moment moment, std::int64_t amount, milliseconds length) {
   return amount <= (kReach - since1970) / length && amount >= (-kReach - since1970) / length;
 }
 
-icu::LocalUCalendarPointer open(const DateContext& context, UCalendarType type, UErrorCode& status) {
-  const auto zone = toUtf16(context.timeZone);
-  return icu::LocalUCalendarPointer(
-      ucal_open(zone.data(), static_cast<std::int32_t>(zone.size()), context.locale.c_str(), type, &status));
+// In the calendar of a language, on a clock that is never set. Absent where the calendar does not reach.
+std::optional<LocalTime> localTimeByAdding(std::int64_t amount, UCalendarDateFields field, LocalTime local,
+                                           const std::string& locale) {
+  constexpr std::u16string_view kNeverSet = u"GMT";
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::LocalUCalendarPointer calendar(ucal_open(
+      kNeverSet.data(), static_cast<std::int32_t>(kNeverSet.size()), locale.c_str(), UCAL_DEFAULT, &status));
+  ucal_setMillis(calendar.getAlias(), static_cast<UDate>(local.time_since_epoch().count()), &status);
+  ucal_add(calendar.getAlias(), field, static_cast<std::int32_t>(amount), &status);
+  const auto moved = ucal_getMillis(calendar.getAlias(), &status);
+  if (U_FAILURE(status)) {
+    logError(std::string("ERROR: No offset is added to a date; the ICU library says ") + u_errorName(status));
+    return std::nullopt;
+  }
+  return LocalTime(milliseconds(static_cast<std::int64_t>(moved)));
 }
 
 }  // namespace
@@ -61,37 +73,18 @@ Moment dateByAdding(std::int64_t amount, DateAndTimeMacroMathType type, Moment m
   if (amount == 0 || !reaches(moment, amount, unit.length)) return moment;
   if (!unit.field) return moment + amount * unit.length;
 
-  UErrorCode status = U_ZERO_ERROR;
-  const auto calendar = open(context, UCAL_DEFAULT, status);
-  ucal_setMillis(calendar.getAlias(), static_cast<UDate>(moment.time_since_epoch().count()), &status);
-  ucal_add(calendar.getAlias(), *unit.field, static_cast<std::int32_t>(amount), &status);
-  const auto moved = ucal_getMillis(calendar.getAlias(), &status);
-  if (U_FAILURE(status)) {
-    logError(std::string("ERROR: No offset is added to a date; the ICU library says ") + u_errorName(status));
-    return moment;
-  }
-  return Moment(milliseconds(static_cast<std::int64_t>(moved)));
+  const auto& zone = context.timeZone;
+  const auto offset = zone.offsetAt(moment);
+  const auto moved =
+      localTimeByAdding(amount, *unit.field, LocalTime(moment.time_since_epoch() + offset), context.locale);
+  if (!moved) return moment;
+  const auto [first, last] = zone.momentsOf(*moved);
+  // An hour that comes twice is the one before the change for days from before it.
+  return *unit.field == UCAL_DATE && zone.offsetAt(first) == offset ? first : last;
 }
 
-Moment momentOfLocalTime(std::chrono::local_time<milliseconds> local, const DateContext& context) {
-  const auto day = std::chrono::floor<std::chrono::days>(local);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss time(local - day);
-  UErrorCode status = U_ZERO_ERROR;
-  const auto calendar = open(context, UCAL_GREGORIAN, status);
-  ucal_setAttribute(calendar.getAlias(), UCAL_REPEATED_WALL_TIME, UCAL_WALLTIME_FIRST);
-  ucal_setDateTime(
-      calendar.getAlias(), int{date.year()}, static_cast<std::int32_t>(unsigned{date.month()}) - 1,
-      static_cast<std::int32_t>(unsigned{date.day()}), static_cast<std::int32_t>(time.hours().count()),
-      static_cast<std::int32_t>(time.minutes().count()), static_cast<std::int32_t>(time.seconds().count()),
-      &status);
-  ucal_set(calendar.getAlias(), UCAL_MILLISECOND, static_cast<std::int32_t>(time.subseconds().count()));
-  const auto moment = ucal_getMillis(calendar.getAlias(), &status);
-  if (U_FAILURE(status)) {
-    logError(std::string("ERROR: A date is taken for UTC; the ICU library says ") + u_errorName(status));
-    return Moment(local.time_since_epoch());
-  }
-  return Moment(milliseconds(static_cast<std::int64_t>(moment)));
+Moment momentOfLocalTime(LocalTime local, const DateContext& context) {
+  return context.timeZone.momentsOf(local).first;
 }
 
 }  // namespace quorlo

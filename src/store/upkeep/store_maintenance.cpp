@@ -51,7 +51,7 @@ bool addStatistics(QLUser& into, const QLUser& from) {
 
 }  // namespace
 
-void purgeTrash(ManagedObjectContext& context, Date now, const std::string& timeZone) {
+void purgeTrash(ManagedObjectContext& context, Date now, const TimeZone& timeZone) {
   const auto limit = calendarDaysBefore(now, kDaysInTrash, timeZone);
   const auto snippets =
       loggedFetch<QLSnippet>(context, {.predicate = QLSnippet::kDeletionDate.atMost(limit).inParentheses()},

@@ -3,18 +3,17 @@
 #include "base/date.h"
 #include "base/result.h"
 
-#include <string>
-
 namespace quorlo {
 
 class ManagedObjectContext;
+class TimeZone;
 
 // What keeps a library in order. Each works on the main context, logs what it finds, does nothing the second
 // time, and leaves saving to its caller.
 
-// Deletes the snippets that have been in the trash for 30 days by the calendar of the time zone (an IANA
-// name), to the second.
-void purgeTrash(ManagedObjectContext& context, Date now, const std::string& timeZone);
+// Deletes the snippets that have been in the trash for 30 days by the calendar of the time zone, to the
+// second.
+void purgeTrash(ManagedObjectContext& context, Date now, const TimeZone& timeZone);
 
 // Old libraries hold empty abbreviations where there should be none.
 void fixEmptyAbbreviations(ManagedObjectContext& context);
