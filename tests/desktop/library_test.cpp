@@ -29,12 +29,14 @@ TEST_F(DesktopLibraryTest, UseCountsAndStatisticsSurviveARestart) {
   type("brb .");
   EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
   restartQuorlo();
-  EXPECT_EQ(stored("SELECT useCount FROM Snippet WHERE abbreviation = 'brb'"), 1);
+  EXPECT_EQ(
+      stored("SELECT useCount FROM SnippetUse JOIN Snippet ON row = snippet WHERE abbreviation = 'brb'"), 1);
   EXPECT_EQ(stored("SELECT savedChars FROM User"), 10);
   type("brb .");
   EXPECT_EQ(editor.textOnceItIs("be right back .be right back ."), "be right back .be right back .");
   quorlo_.reset();
-  EXPECT_EQ(stored("SELECT useCount FROM Snippet WHERE abbreviation = 'brb'"), 2);
+  EXPECT_EQ(
+      stored("SELECT useCount FROM SnippetUse JOIN Snippet ON row = snippet WHERE abbreviation = 'brb'"), 2);
   EXPECT_EQ(stored("SELECT savedChars FROM User"), 20);
   EXPECT_EQ(stored("SELECT count(*) FROM Category"), 8);
   EXPECT_EQ(stored("SELECT count(*) FROM User"), 1);
@@ -45,7 +47,7 @@ TEST_F(DesktopLibraryTest, WhatAnotherProcessSavesExpandsWithoutARestart) {
   Mousepad editor(desktop());
   type("brb .");
   EXPECT_EQ(editor.textOnceItIs("be right back ."), "be right back .");
-  EXPECT_TRUE(waitUntil([&] { return stored("SELECT sum(useCount) FROM Snippet") == 1; }))
+  EXPECT_TRUE(waitUntil([&] { return stored("SELECT sum(useCount) FROM SnippetUse") == 1; }))
       << "saved by itself";
 
   SqliteDatabase other(file(desktop()));
@@ -92,7 +94,8 @@ TEST_F(DesktopLibraryTest, AQuitThatCannotSaveAsksAndLosesNothingUnlessTheUserSa
     answered_ = desktop().windows().active();
     keyboard().tap(key);
   };
-  const auto useCount = "SELECT useCount FROM Snippet WHERE abbreviation = 'brb'";
+  const auto useCount =
+      "SELECT useCount FROM SnippetUse JOIN Snippet ON row = snippet WHERE abbreviation = 'brb'";
 
   quorlo().process().signal(SIGTERM);
   answerNextAlert("Escape");  // what is wrong

@@ -218,7 +218,7 @@ Status ManagedObjectContext::save(const SaveProgress& progress) {
   while (hasChanges()) {
     const auto changes = unsaved_.changes();
     if (configuration_.store) {
-      const auto lost = configuration_.store->save(changes, {transactionAuthor(), name()}, now(), progress);
+      const auto lost = configuration_.store->save(changes, writer(), now(), progress);
       if (!lost) return lost.error();
       for (const auto& each : lost.value()) keep(*each);
       if (!lost.value().empty()) continue;

@@ -12,6 +12,7 @@
 #include "store/lookup/expansion_index.h"
 #include "store/lookup/expansion_lookup.h"
 #include "store/lookup/search_index.h"
+#include "store/uuid.h"
 #include "text/attributed_string.h"
 
 #include <array>
@@ -47,6 +48,7 @@ class ManagedObjectContext final : public ExpansionLookup {
   struct Configuration {
     std::string name = {};
     std::string transactionAuthor = {};
+    std::string session = randomUuid();  // of this context among those of the same names in other processes
 
     std::function<Date()> now;  // the wall clock
 
@@ -74,6 +76,7 @@ class ManagedObjectContext final : public ExpansionLookup {
   void setName(std::string name) { configuration_.name = std::move(name); }
   const std::string& transactionAuthor() const { return configuration_.transactionAuthor; }
   void setTransactionAuthor(std::string author) { configuration_.transactionAuthor = std::move(author); }
+  Writer writer() const { return {transactionAuthor(), name(), configuration_.session}; }
   Date now() const;  // in whole microseconds, as dates are stored
 
   // Takes every record in from the store, once, before anything else. Nothing counts as changed and nobody is

@@ -23,6 +23,7 @@ class QLSnippet;
 struct Writer {
   std::string author;
   std::string contextName;
+  std::string session;  // tells writers of the same names in several processes apart
 };
 
 // Hears now and then how much of a save is written, from 0 to 1. The save is called off when it returns

@@ -105,6 +105,33 @@ void StoreAccess::setImageCount(QLSnippet& snippet, std::size_t count) {
   if (std::exchange(snippet.imageCount_, count) != count) snippet.didChange(QLSnippet::kNumberOFImagesString);
 }
 
+void StoreAccess::setUseCount(QLSnippet& snippet, std::int64_t stored) {
+  snippet.setUseCount(stored + unsavedUses(snippet));
+  snippet.storedUseCount_ = stored;
+}
+
+void StoreAccess::setSavedChars(QLUser& user, std::int64_t stored) {
+  user.setSavedChars(stored + unsavedSavedChars(user));
+  user.storedSavedChars_ = stored;
+}
+
+void StoreAccess::setSavedMinutes(QLUser& user, double stored) {
+  user.setSavedMinutes(stored + unsavedSavedMinutes(user));
+  user.storedSavedMinutes_ = stored;
+}
+
+std::int64_t StoreAccess::unsavedUses(const QLSnippet& snippet) {
+  return snippet.useCount_ - snippet.storedUseCount_;
+}
+
+std::int64_t StoreAccess::unsavedSavedChars(const QLUser& user) {
+  return user.savedChars_ - user.storedSavedChars_;
+}
+
+double StoreAccess::unsavedSavedMinutes(const QLUser& user) {
+  return user.savedMinutes_ - user.storedSavedMinutes_;
+}
+
 void StoreAccess::setRichTextIsInStore(QLSnippet& snippet, bool isInStore) {
   using Place = QLSnippet::RichTextPlace;
   snippet.richTextPlace_ = isInStore ? Place::store : Place::none;
@@ -119,14 +146,21 @@ const AttributedString* StoreAccess::loadedRichText(const QLSnippet& snippet) {
 }
 
 void StoreAccess::didSave(ManagedObject& record, std::int64_t row) {
-  record.rowNumber_ = row;
   if (record.context_ != nullptr) {
-    record.context_->byRow_[static_cast<std::size_t>(record.entity())][row] = &record;
+    auto& rows = record.context_->byRow_[static_cast<std::size_t>(record.entity())];
+    if (record.rowNumber_ != row) rows.erase(record.rowNumber_);
+    rows[row] = &record;
   }
+  record.rowNumber_ = row;
   if (record.entity() == Entity::snippet) {
     auto& snippet = static_cast<QLSnippet&>(record);
     using Place = QLSnippet::RichTextPlace;
     if (snippet.richTextPlace_ == Place::here) snippet.richTextPlace_ = Place::both;
+    snippet.storedUseCount_ = snippet.useCount_;
+  } else if (record.entity() == Entity::user) {
+    auto& user = static_cast<QLUser&>(record);
+    user.storedSavedChars_ = user.savedChars_;
+    user.storedSavedMinutes_ = user.savedMinutes_;
   }
 }
 

@@ -12,6 +12,7 @@ namespace quorlo {
 
 class AttributedString;
 class QLSnippet;
+class QLUser;
 
 // What a store may do to a context and its records that nobody else may. On the context's thread.
 //
@@ -55,6 +56,15 @@ class StoreAccess {
   // These leave the rich text as it is.
   static void setPlainText(QLSnippet& snippet, std::u16string text);
   static void setImageCount(QLSnippet& snippet, std::size_t count);
+
+  // Counters are what the store holds and what was added here since.
+  static void setUseCount(QLSnippet& snippet, std::int64_t stored);
+  static void setSavedChars(QLUser& user, std::int64_t stored);
+  static void setSavedMinutes(QLUser& user, double stored);
+  // What the store does not have yet.
+  static std::int64_t unsavedUses(const QLSnippet& snippet);
+  static std::int64_t unsavedSavedChars(const QLUser& user);
+  static double unsavedSavedMinutes(const QLUser& user);
 
   // The rich text may be another one: it is to be read from the store when it is asked for, or there is none.
   static void setRichTextIsInStore(QLSnippet& snippet, bool isInStore);

@@ -7,12 +7,9 @@
 
 namespace quorlo {
 
-HistoryReader::HistoryReader(const std::filesystem::path& storeFile, std::string author,
-                             std::string contextName, std::chrono::milliseconds busyTimeout)
-    : database_(storeFile),
-      author_(std::move(author)),
-      contextName_(std::move(contextName)),
-      busyTimeout_(busyTimeout) {}
+HistoryReader::HistoryReader(const std::filesystem::path& storeFile, Writer own,
+                             std::chrono::milliseconds busyTimeout)
+    : database_(storeFile), own_(std::move(own)), busyTimeout_(busyTimeout) {}
 
 Result<NewHistory> HistoryReader::read(Date after) {
   if (auto status = open(); !status) return status.error();
@@ -32,7 +29,8 @@ Result<NewHistory> HistoryReader::read(Date after) {
   }
   if (!history.newest || *history.newest < after) after = Date::min();
 
-  const auto fetched = PersistentHistoryFetcher{database_, after, author_, contextName_}.fetch();
+  const auto fetched =
+      PersistentHistoryFetcher{database_, after, own_.author, own_.contextName, own_.session}.fetch();
   if (!fetched) return fetched.error();
   if (fetched.value().empty()) return history;
   history.lastProcessed = fetched.value().back().timestamp;

@@ -2,6 +2,7 @@
 
 #include "base/date.h"
 #include "base/result.h"
+#include "store/context/record_store.h"
 #include "store/history/remote_changes.h"
 #include "store/sqlite/sqlite_database.h"
 
@@ -23,9 +24,8 @@ struct NewHistory {
 // time.
 class HistoryReader {
  public:
-  // The own author and context name are left out of what is read.
-  HistoryReader(const std::filesystem::path& storeFile, std::string author, std::string contextName,
-                std::chrono::milliseconds busyTimeout);
+  // What `own` has saved is left out of what is read.
+  HistoryReader(const std::filesystem::path& storeFile, Writer own, std::chrono::milliseconds busyTimeout);
 
   // Includes every commit of which a file watcher can have told before the call. A moment that lies after
   // the newest transaction is one of another store: then the whole history is read.
@@ -38,8 +38,7 @@ class HistoryReader {
   Status open();
 
   SqliteDatabase database_;
-  const std::string author_;
-  const std::string contextName_;
+  const Writer own_;
   const std::chrono::milliseconds busyTimeout_;
 };
 

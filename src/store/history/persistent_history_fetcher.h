@@ -15,9 +15,11 @@ class SqliteDatabase;
 struct PersistentHistoryFetcher {
   SqliteDatabase& context;
   Date fromDate;
-  // Left out is every transaction of this author and every one of this context name.
+  // Left out is every transaction of this author and every one of this context name, unless it is of another
+  // session: then it was saved by another process.
   std::string author;
   std::string contextName;
+  std::string session = {};
 
   // In the order in which they were saved. Changes of entities that this version does not know are left
   // out. Fails when the history cannot be read.

@@ -35,8 +35,7 @@ std::string dateKey(AppTarget target) {
 PersistentHistoryObserver::PersistentHistoryObserver(AppTarget target, Dependencies dependencies)
     : target_(target),
       its_(std::move(dependencies)),
-      reader_(its_.storeFile, its_.viewContext.transactionAuthor(), its_.viewContext.name(),
-              its_.busyTimeout),
+      reader_(its_.storeFile, its_.viewContext.writer(), its_.busyTimeout),
       retryDelay_(kFirstRetry) {}
 
 PersistentHistoryObserver::~PersistentHistoryObserver() = default;

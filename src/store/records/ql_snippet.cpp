@@ -233,6 +233,7 @@ void QLSnippet::dropRelationships() {
 void QLSnippet::didLoseRow() {
   if (richTextPlace_ == RichTextPlace::both) richTextPlace_ = RichTextPlace::here;
   if (richTextPlace_ != RichTextPlace::here) richTextPlace_ = RichTextPlace::none;
+  storedUseCount_ = 0;
 }
 
 void QLSnippet::touch() {

@@ -171,6 +171,7 @@ class QLSnippet final : public ManagedObject {
   mutable std::unique_ptr<const AttributedString> richText_;
   std::int64_t formatted_ = 0;
   std::int64_t useCount_ = 0;
+  std::int64_t storedUseCount_ = 0;  // as far as it is known here
   std::size_t imageCount_ = 0;
   QLCategory* category_ = nullptr;
   RecordSet<QLApp> allowedApps_;

@@ -44,11 +44,16 @@ class QLUser final : public ManagedObject {
   std::u16string sharedStatisticsText() const;
 
  private:
+  friend class StoreAccess;
+
   void awakeFromInsert(ManagedObjectContext& context) override;
 
   std::optional<Date> creationDate_;
   std::int64_t savedChars_ = 0;
   double savedMinutes_ = 0;
+  // As far as it is known here.
+  std::int64_t storedSavedChars_ = 0;
+  double storedSavedMinutes_ = 0;
   std::int16_t wordsPerMinute_ = 40;
 };
 

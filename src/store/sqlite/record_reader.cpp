@@ -73,6 +73,18 @@ Status loadWhichTextsAreRich(SqliteDatabase& database, const StoreAccess& access
   }
 }
 
+Status loadUses(SqliteDatabase& database, const StoreAccess& access) {
+  auto rows = database.prepare("SELECT snippet, useCount FROM SnippetUse");
+  for (;;) {
+    const auto row = rows.step();
+    if (!row) return row.error();
+    if (!row.value()) return {};
+    if (auto* snippet = access.record(Entity::snippet, rows.integer(0))) {
+      StoreAccess::setUseCount(static_cast<QLSnippet&>(*snippet), rows.integer(1));
+    }
+  }
+}
+
 // Brings records up to what the file holds.
 class Refresh {
  public:
@@ -83,6 +95,7 @@ class Refresh {
  private:
   Status record(const HistoryChange& change);
   Status take(const HistoryChange& change, const SqliteStatement& rows);
+  Status uses(QLSnippet& snippet);
   Status richText(QLSnippet& snippet);
   Status relationship(ManagedObject& owner, const StoredRelationship& relationship);
   Status makeSureOf(Entity entity, std::int64_t row);
@@ -129,7 +142,7 @@ Status Refresh::take(const HistoryChange& change, const SqliteStatement& rows) {
   int column = 0;
   for (const auto& each : storedAttributes(change.entity)) {
     ++column;
-    if (isUnsaved(record, *each.property)) continue;
+    if (each.unsaved == nullptr && isUnsaved(record, *each.property)) continue;
     if (each.property == &QLSnippet::kCategory && !rows.isNull(column)) {
       if (auto status = makeSureOf(Entity::category, rows.integer(column)); !status) return status;
     }
@@ -137,6 +150,9 @@ Status Refresh::take(const HistoryChange& change, const SqliteStatement& rows) {
       mayHaveOtherText = true;
     }
     each.take(record, rows, column, access_);
+  }
+  if (snippet != nullptr) {
+    if (auto status = uses(*snippet); !status) return status;
   }
   if (snippet != nullptr && mayHaveOtherText && !isUnsaved(record, QLSnippet::kText)) {
     if (auto status = richText(*snippet); !status) return status;
@@ -155,6 +171,14 @@ Status Refresh::referrers(const ManagedObject& storedAgain) {
         record({.entity = each->entity(), .row = each->rowNumber(), .kind = HistoryChange::Kind::updated});
     if (!status) return status;
   }
+  return {};
+}
+
+Status Refresh::uses(QLSnippet& snippet) {
+  auto uses = database_.prepare("SELECT useCount FROM SnippetUse WHERE snippet = ?");
+  const auto row = uses.bind(1, snippet.rowNumber()).step();
+  if (!row) return row.error();
+  StoreAccess::setUseCount(snippet, row.value() ? uses.integer(0) : 0);
   return {};
 }
 
@@ -207,6 +231,7 @@ Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
       if (auto status = loadRelationship(database, entity, each, access); !status) return status;
     }
   }
+  if (auto status = loadUses(database, access); !status) return status;
   return loadWhichTextsAreRich(database, access);
 }
 

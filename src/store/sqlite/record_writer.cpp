@@ -9,6 +9,7 @@
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/stored_attributes.h"
+#include "store/uuid.h"
 #include "text/rich_text/rich_text_archive.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -45,9 +47,15 @@ class Save {
   void tellRecords(const ChangeSet& changes) const;
 
  private:
-  Status insert(const ManagedObject& record);
+  Status insert(ManagedObject& record);
+  Status insertRow(const ManagedObject& record);
+  Status makeRoomFor(ManagedObject& record);
   Status update(const std::shared_ptr<ManagedObject>& record);
+  Result<bool> updateRow(const ManagedObject& record, const std::string& assignments,
+                         const std::vector<ValueView>& values);
+  Result<bool> isStored(const ManagedObject& record);
   Status remove(const ManagedObject& record);
+  Status writeUses(const QLSnippet& snippet);
   Status writeText(const QLSnippet& snippet);
   Status writeRelationship(const ManagedObject& owner, const StoredRelationship& relationship);
   Status note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties);
@@ -55,8 +63,7 @@ class Save {
   Status didWrite();
 
   const std::string& insertStatement(Entity entity);
-  void bind(SqliteStatement& statement, int parameter, const Property& property,
-            const ManagedObject& record) const;
+  void bind(SqliteStatement& statement, int parameter, const ValueView& value) const;
   std::int64_t rowOf(const ManagedObject& record) const;
 
   SqliteDatabase& database_;
@@ -78,15 +85,32 @@ std::string placeholder(const Property& property) {
   return "?";
 }
 
-std::string uuidOf(const ManagedObject& record) {
+bool hasUuid(const ManagedObject& record) {
+  return record.entity() == Entity::snippet || record.entity() == Entity::category;
+}
+
+// What the history calls the record: an application is known by its contents.
+std::string identityOf(const ManagedObject& record) {
   if (record.entity() == Entity::snippet) return static_cast<const QLSnippet&>(record).uuid();
   if (record.entity() == Entity::category) return static_cast<const QLCategory&>(record).uuid();
-  return {};
+  if (record.entity() != Entity::app) return {};
+  const auto& app = static_cast<const QLApp&>(record);
+  return std::to_string(app.type()) + ":" + app.bundleID();
+}
+
+void setUuid(ManagedObject& record, std::string uuid) {
+  if (record.entity() == Entity::snippet) static_cast<QLSnippet&>(record).setUuid(std::move(uuid));
+  if (record.entity() == Entity::category) static_cast<QLCategory&>(record).setUuid(std::move(uuid));
 }
 
 Status Save::run(const ChangeSet& changes) {
   toWrite_ = changes.inserted.size() + changes.updated.size() + changes.deleted.size();
   newRows_.reserve(changes.inserted.size());
+  // First, as what is new may have the uuid of what goes.
+  for (const auto& each : changes.deleted) {
+    if (auto status = remove(*each); !status) return status;
+    if (auto status = didWrite(); !status) return status;
+  }
   for (const auto entity : kReferencedFirst) {
     for (const auto& each : changes.inserted) {
       if (each->entity() != entity) continue;
@@ -96,10 +120,6 @@ Status Save::run(const ChangeSet& changes) {
   }
   for (const auto& each : changes.updated) {
     if (auto status = update(each); !status) return status;
-    if (auto status = didWrite(); !status) return status;
-  }
-  for (const auto& each : changes.deleted) {
-    if (auto status = remove(*each); !status) return status;
     if (auto status = didWrite(); !status) return status;
   }
   return {};
@@ -129,28 +149,79 @@ const std::string& Save::insertStatement(Entity entity) {
   return statement;
 }
 
-Status Save::insert(const ManagedObject& record) {
-  const bool isKnown = record.rowNumber() != 0;
+Status Save::insertRow(const ManagedObject& record) {
   auto statement = database_.prepare(insertStatement(record.entity()));
-  if (isKnown) statement.bind(1, record.rowNumber());
+  if (const auto row = rowOf(record); row != 0) statement.bind(1, row);
   int parameter = 1;
   for (const auto& each : storedAttributes(record.entity())) {
-    bind(statement, ++parameter, *each.property, record);
+    bind(statement, ++parameter, each.property->read(record));
   }
-  if (auto status = statement.run(); !status) return status;
-  if (!isKnown) newRows_[&record] = database_.lastInsertRowNumber();
+  auto status = statement.run();
+  if (status && rowOf(record) == 0) newRows_[&record] = database_.lastInsertRowNumber();
+  return status;
+}
+
+// A uuid names one record. Another program may have stored this one under it meanwhile: then its row is this
+// record's from now on. A second record of the same uuid in this context is another one, and gets a uuid of
+// its own.
+Status Save::makeRoomFor(ManagedObject& record) {
+  auto holder =
+      database_.prepare("SELECT row FROM " + std::string(entityName(record.entity())) + " WHERE uuid = ?");
+  const auto found = holder.bind(1, std::string_view(identityOf(record))).step();
+  if (!found) return found.error();
+  const auto row = holder.integer(0);
+  const bool isOfThisSave =
+      std::ranges::any_of(newRows_, [row](const auto& each) { return each.second == row; });
+  if (isOfThisSave || record.managedObjectContext()->record(record.entity(), row) != nullptr) {
+    setUuid(record, randomUuid());
+  } else {
+    newRows_[&record] = row;
+  }
+  return {};
+}
+
+Status Save::insert(ManagedObject& record) {
+  bool isKnown = record.rowNumber() != 0;
+  if (hasUuid(record) && identityOf(record).empty()) setUuid(record, randomUuid());
+  auto status = insertRow(record);
+  if (!status && hasUuid(record) && database_.failedAsNotUnique()) {
+    if (status = makeRoomFor(record); !status) return status;
+    isKnown = true;
+    status = insertRow(record);
+  }
+  if (!status) return status;
 
   if (record.entity() == Entity::snippet) {
     const auto& snippet = static_cast<const QLSnippet&>(record);
+    if (StoreAccess::unsavedUses(snippet) != 0) {
+      if (status = writeUses(snippet); !status) return status;
+    }
     if (isKnown || StoreAccess::loadedRichText(snippet) != nullptr) {
-      if (auto status = writeText(snippet); !status) return status;
+      if (status = writeText(snippet); !status) return status;
     }
   }
   for (const auto& each : storedRelationships(record.entity())) {
     if (!isKnown && each.apps(record).empty()) continue;
-    if (auto status = writeRelationship(record, each); !status) return status;
+    if (status = writeRelationship(record, each); !status) return status;
   }
   return note(record, HistoryChange::Kind::inserted, {});
+}
+
+// False when others have deleted it.
+Result<bool> Save::updateRow(const ManagedObject& record, const std::string& assignments,
+                             const std::vector<ValueView>& values) {
+  auto statement = database_.prepare("UPDATE " + std::string(entityName(record.entity())) + " SET " +
+                                     assignments + " WHERE row = ?");
+  int parameter = 0;
+  for (const auto& each : values) bind(statement, ++parameter, each);
+  if (auto status = statement.bind(++parameter, record.rowNumber()).run(); !status) return status.error();
+  return database_.changedRowCount() != 0;
+}
+
+Result<bool> Save::isStored(const ManagedObject& record) {
+  auto statement =
+      database_.prepare("SELECT 1 FROM " + std::string(entityName(record.entity())) + " WHERE row = ?");
+  return statement.bind(1, record.rowNumber()).step();
 }
 
 Status Save::update(const std::shared_ptr<ManagedObject>& updated) {
@@ -160,27 +231,24 @@ Status Save::update(const std::shared_ptr<ManagedObject>& updated) {
   const auto addName = [&names](const Property& property) {
     names += (names.empty() ? "" : ",") + std::string(property.name);
   };
-  std::vector<const Property*> columns;
-  const auto attributes = storedAttributes(record.entity());
-  for (const auto& each : attributes) {
+  std::vector<ValueView> values;
+  for (const auto& each : storedAttributes(record.entity())) {
     if (!isUnsaved(record, *each.property)) continue;
-    assignments += (columns.empty() ? "" : ", ") + std::string(each.property->name) + " = " +
-                   placeholder(*each.property);
-    columns.push_back(each.property);
+    const std::string name(each.property->name);
+    assignments += (values.empty() ? "" : ", ") + name + " = " +
+                   (each.unsaved != nullptr ? name + " + " : "") + placeholder(*each.property);
+    values.push_back(each.unsaved != nullptr ? each.unsaved(record) : each.property->read(record));
     addName(*each.property);
   }
-  if (columns.empty()) {  // still tells whether the record is there
-    const std::string any(attributes.front().property->name);
-    assignments = any + " = " + any;
-  }
-  auto statement = database_.prepare("UPDATE " + std::string(entityName(record.entity())) + " SET " +
-                                     assignments + " WHERE row = ?");
-  int parameter = 0;
-  for (const auto* each : columns) bind(statement, ++parameter, *each, record);
-  if (auto status = statement.bind(++parameter, record.rowNumber()).run(); !status) return status;
-  if (database_.changedRowCount() == 0) {
+  const auto isThere = values.empty() ? isStored(record) : updateRow(record, assignments, values);
+  if (!isThere) return isThere.error();
+  if (!isThere.value()) {
     lost_.push_back(updated);
     return {};
+  }
+  if (isUnsaved(record, QLSnippet::kUseCount)) {
+    addName(QLSnippet::kUseCount);
+    if (auto status = writeUses(static_cast<const QLSnippet&>(record)); !status) return status;
   }
   if (isUnsaved(record, QLSnippet::kText)) {
     addName(QLSnippet::kText);
@@ -200,6 +268,17 @@ Status Save::remove(const ManagedObject& record) {
   if (auto status = statement.bind(1, record.rowNumber()).run(); !status) return status;
   if (database_.changedRowCount() == 0) return {};  // others were quicker
   return note(record, HistoryChange::Kind::deleted, {});
+}
+
+// Added to what others have counted.
+Status Save::writeUses(const QLSnippet& snippet) {
+  return database_
+      .prepare(
+          "INSERT INTO SnippetUse(snippet, useCount) VALUES(?, ?) "
+          "ON CONFLICT(snippet) DO UPDATE SET useCount = useCount + excluded.useCount")
+      .bind(1, rowOf(snippet))
+      .bind(2, StoreAccess::unsavedUses(snippet))
+      .run();
 }
 
 Status Save::writeText(const QLSnippet& snippet) {
@@ -240,7 +319,7 @@ Status Save::note(const ManagedObject& record, HistoryChange::Kind kind, const s
       .bind(1, historyTransaction_)
       .bind(2, entityName(record.entity()))
       .bind(3, rowOf(record))
-      .bind(4, std::string_view(uuidOf(record)))
+      .bind(4, std::string_view(identityOf(record)))
       .bind(5, static_cast<int>(kind))
       .bind(6, std::string_view(properties))
       .run();
@@ -253,29 +332,31 @@ Status Save::beginHistory() {
   if (!newest) return newest.error();
   const auto clock = std::chrono::floor<microseconds>(now_.time_since_epoch()).count();
   auto status =
-      database_.prepare("INSERT INTO HistoryTransaction(timestamp, author, contextName) VALUES(?, ?, ?)")
+      database_
+          .prepare(
+              "INSERT INTO HistoryTransaction(timestamp, author, contextName, session) VALUES(?, ?, ?, ?)")
           .bind(1, std::max<std::int64_t>(clock, newest.value() + 1))
           .bind(2, std::string_view(writer_.author))
           .bind(3, std::string_view(writer_.contextName))
+          .bind(4, std::string_view(writer_.session))
           .run();
   historyTransaction_ = database_.lastInsertRowNumber();
   return status;
 }
 
-void Save::bind(SqliteStatement& statement, int parameter, const Property& property,
-                const ManagedObject& record) const {
+void Save::bind(SqliteStatement& statement, int parameter, const ValueView& value) const {
   std::visit(
-      [&](const auto& value) {
-        using Held = std::decay_t<decltype(value)>;
+      [&](const auto& held) {
+        using Held = std::decay_t<decltype(held)>;
         if constexpr (std::is_same_v<Held, std::monostate>) {
           statement.bind(parameter, nullptr);
         } else if constexpr (std::is_same_v<Held, const ManagedObject*>) {
-          statement.bind(parameter, rowOf(*value));
+          statement.bind(parameter, rowOf(*held));
         } else {
-          statement.bind(parameter, value);
+          statement.bind(parameter, held);
         }
       },
-      property.read(record));
+      value);
 }
 
 std::int64_t Save::rowOf(const ManagedObject& record) const {

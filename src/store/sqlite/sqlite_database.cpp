@@ -118,6 +118,10 @@ Error SqliteDatabase::failure(int code) {
                      isTheConnections ? sqlite3_errmsg(connection_) : sqlite3_errstr(code));
 }
 
+bool SqliteDatabase::failedAsNotUnique() const {
+  return failureCode_ == SQLITE_CONSTRAINT_UNIQUE;
+}
+
 Error SqliteDatabase::damage(std::string_view what) {
   failureCode_ = SQLITE_CORRUPT;
   return {"The library \"" + file_.string() + "\": " + std::string(what) +

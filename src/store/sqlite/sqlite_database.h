@@ -66,6 +66,8 @@ class SqliteDatabase {
 
   // The extended result code of what failed last; 0 (SQLITE_OK) while nothing has.
   int failureCode() const { return failureCode_; }
+  // The last failure was a value that a unique column holds already.
+  bool failedAsNotUnique() const;
   // Counts as a failure, too: what SQLite accepts, but what no sound library holds, as "it is empty.".
   Error damage(std::string_view what);
 

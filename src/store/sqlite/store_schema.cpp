@@ -1,9 +1,9 @@
 #include "store/sqlite/store_schema.h"
 
 #include "store/sqlite/sqlite_database.h"
+#include "store/sqlite/store_meta.h"
+#include "store/sqlite/uuid_repair.h"
 
-#include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -101,14 +101,46 @@ CREATE INDEX HistoryChangeTransaction ON HistoryChange(transactionNumber);
 PRAGMA user_version = 2;
 )sql";
 
-constexpr std::string_view kVersions[] = {kVersion1, kVersion2};
-static_assert(std::size(kVersions) == kSchemaVersion);
+// What is once done to a library of an older version, under the names that it has in the settings: the titles
+// were marked above, the others are done where nothing calls for them. A library that was never saved by
+// version 2 is one of version 1 or new.
+// A use is counted beside the snippet, so that its text is not written with it.
+constexpr std::string_view kVersion3 = R"sql(
+CREATE TABLE Meta(key TEXT PRIMARY KEY, value) WITHOUT ROWID;
+INSERT INTO Meta VALUES('HasMigratedTo308', 1);
+INSERT INTO Meta SELECT 'HasMigratedToVersion23', 1
+  WHERE NOT EXISTS(SELECT 1 FROM Snippet WHERE abbreviation = '');
+INSERT INTO Meta SELECT 'HasMigratedToVersion300g', 1
+  WHERE NOT EXISTS(SELECT 1 FROM Category
+                   WHERE (type = 0 AND sourceType <> 10) OR (type = 10 AND sourceType <> 20))
+  AND (EXISTS(SELECT 1 FROM HistoryTransaction) OR NOT EXISTS(SELECT 1 FROM Snippet WHERE category IS NULL));
+CREATE TABLE SnippetUse(
+  snippet INTEGER PRIMARY KEY REFERENCES Snippet(row) ON DELETE CASCADE,
+  useCount INTEGER NOT NULL);
+INSERT INTO SnippetUse SELECT row, useCount FROM Snippet WHERE useCount <> 0;
+ALTER TABLE Snippet DROP COLUMN useCount;
+CREATE UNIQUE INDEX SnippetUuid ON Snippet(uuid);
+CREATE UNIQUE INDEX CategoryUuid ON Category(uuid);
+ALTER TABLE HistoryTransaction ADD COLUMN session TEXT NOT NULL DEFAULT '';
+PRAGMA user_version = 3;
+)sql";
+
+// The repair comes before the statements, the identity after them.
+Status applyVersion3(SqliteDatabase& database) {
+  if (auto status = repairUuids(database); !status) return status;
+  if (auto status = database.execute(std::string(kVersion3)); !status) return status;
+  return renewStoreIdentity(database);
+}
 
 Status applyAfter(std::int64_t version, SqliteDatabase& database) {
-  for (auto next = static_cast<std::size_t>(version); next < std::size(kVersions); ++next) {
-    if (auto status = database.execute(std::string(kVersions[next])); !status) return status;
+  static_assert(kSchemaVersion == 3);
+  if (version < 1) {
+    if (auto status = database.execute(std::string(kVersion1)); !status) return status;
   }
-  return {};
+  if (version < 2) {
+    if (auto status = database.execute(std::string(kVersion2)); !status) return status;
+  }
+  return version < 3 ? applyVersion3(database) : Status();
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ class SqliteDatabase;
 // `row` is the number of a record, never given twice. See store_schema.cpp for the columns.
 
 // What PRAGMA user_version holds. 1 is the layout of the previous major version.
-inline constexpr std::int64_t kSchemaVersion = 2;
+inline constexpr std::int64_t kSchemaVersion = 3;
 
 // Lays out an empty database, in one transaction.
 Status createSchema(SqliteDatabase& database);

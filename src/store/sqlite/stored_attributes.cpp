@@ -56,8 +56,6 @@ constexpr StoredAttribute kSnippet[] = {
                                     Access) { snippet(record).setTitleIsCustom(row.integer(column) != 0); }},
     {&QLSnippet::kFormatted, [](ManagedObject& record, Row row, int column,
                                 Access) { snippet(record).setFormatted(row.integer(column)); }},
-    {&QLSnippet::kUseCount, [](ManagedObject& record, Row row, int column,
-                               Access) { snippet(record).setUseCount(row.integer(column)); }},
     {&QLSnippet::kPlainText, [](ManagedObject& record, Row row, int column,
                                 Access) { StoreAccess::setPlainText(snippet(record), row.text16(column)); }},
     {&QLSnippet::kNumberOFImagesString,
@@ -117,10 +115,20 @@ constexpr StoredAttribute kApp[] = {
 
 constexpr StoredAttribute kUser[] = {
     {&QLUser::kCreationDate, takeCreationDate<QLUser>},
-    {&QLUser::kSavedChars, [](ManagedObject& record, Row row, int column,
-                              Access) { user(record).setSavedChars(row.integer(column)); }},
-    {&QLUser::kSavedMinutes, [](ManagedObject& record, Row row, int column,
-                                Access) { user(record).setSavedMinutes(row.real(column)); }},
+    {&QLUser::kSavedChars,
+     [](ManagedObject& record, Row row, int column, Access) {
+       StoreAccess::setSavedChars(user(record), row.integer(column));
+     },
+     [](const ManagedObject& record) -> ValueView {
+       return StoreAccess::unsavedSavedChars(static_cast<const QLUser&>(record));
+     }},
+    {&QLUser::kSavedMinutes,
+     [](ManagedObject& record, Row row, int column, Access) {
+       StoreAccess::setSavedMinutes(user(record), row.real(column));
+     },
+     [](const ManagedObject& record) -> ValueView {
+       return StoreAccess::unsavedSavedMinutes(static_cast<const QLUser&>(record));
+     }},
     {&QLUser::kWordsPerMinute,
      [](ManagedObject& record, Row row, int column, Access) {
        using Speed = std::numeric_limits<std::int16_t>;

@@ -19,11 +19,13 @@ class StoreAccess;
 inline constexpr std::array kReferencedFirst{Entity::app, Entity::category, Entity::user, Entity::snippet};
 
 // How the records of an entity stand in the library's file: each attribute in a column of the entity's table,
-// under its own name, but for the rich text, which has a table of its own.
+// under its own name, but for the rich text and the uses of a snippet, which have tables of their own.
 struct StoredAttribute {
   const Property* property;
   // Takes the value over from a column of the row on which the statement stands.
   void (*take)(ManagedObject& record, const SqliteStatement& row, int column, const StoreAccess& access);
+  // Of a counter, to which every process adds: what is to be added to the column.
+  ValueView (*unsaved)(const ManagedObject& record) = nullptr;
 };
 
 // In the order in which they are to be taken over.

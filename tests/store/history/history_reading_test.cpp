@@ -23,20 +23,22 @@ TEST(PersistentHistoryFetcher, ReadsInOrderWhatOthersSavedAfterTheDate) {
   ASSERT_TRUE(store);
   auto& database = *store.value();
   ASSERT_TRUE(database.execute(
-      "INSERT INTO HistoryTransaction(number, timestamp, author, contextName) VALUES"
-      "(1, 1, 'main_app', 'view_context'), (2, 2, 'other', 'other_context'), (3, 3, 'main_app', 'other_context'),"
-      "(4, 4, 'other', 'view_context'), (5, 5, '', '');"
+      "INSERT INTO HistoryTransaction(number, timestamp, author, contextName, session) VALUES"
+      "(1, 1, 'main_app', 'view_context', ''), (2, 2, 'other', 'other_context', 'x'),"
+      "(3, 3, 'main_app', 'other_context', ''), (4, 4, 'other', 'view_context', 'here'), (5, 5, '', '', 'here'),"
+      "(6, 6, 'main_app', 'view_context', 'here'), (7, 7, 'main_app', 'view_context', 'other display');"
       "INSERT INTO HistoryChange(transactionNumber, entity, row, uuid, kind, changedProperties) VALUES"
       "(2, 'Category', 7, '', 1, 'title,sort'), (2, 'Comment', 1, '', 0, ''), (2, 'User', 2, '', 2, '')"));
-  const PersistentHistoryFetcher fetcher{database, microsecond(1), "main_app", "view_context"};
+  const PersistentHistoryFetcher fetcher{database, microsecond(1), "main_app", "view_context", "here"};
   const auto found = fetcher.fetch().value();
-  ASSERT_EQ(found.size(), 2U);
+  ASSERT_EQ(found.size(), 3U);
   EXPECT_EQ(found[0].timestamp, microsecond(2));
   EXPECT_EQ(found[0].changes,
             (std::vector<HistoryChange>{{Entity::category, 7, Kind::updated, {"title", "sort"}},
                                         {Entity::user, 2, Kind::deleted}}));
   EXPECT_EQ(found[1].timestamp, microsecond(5));
   EXPECT_TRUE(found[1].changes.empty());
+  EXPECT_EQ(found[2].timestamp, microsecond(7));
 }
 
 TEST(RemoteChanges, ComeToOneForEachRecordAndNameTheFoldersToCheck) {

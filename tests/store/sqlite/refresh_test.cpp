@@ -129,7 +129,7 @@ TEST(Refresh, KeepsWhatIsChangedHereAndDeletedElsewhereWithItsRelationships) {
     ASSERT_TRUE(other->save());
     folder->setTitle(u"renamed");
     app->setBundleID("org.example.Other");
-    rich->setUseCount(1);
+    rich->setTitle(u"renamed");
 
     if (isToldBeforeTheSave) {
       ASSERT_TRUE(library.refresh());

@@ -40,8 +40,10 @@ struct SharedLibrary {
 
   // What others have saved since the last time.
   std::vector<HistoryChange> news() {
-    const auto found =
-        PersistentHistoryFetcher{open.database(), lastNews_, "main_app", "view_context"}.fetch().value();
+    const auto found = PersistentHistoryFetcher{open.database(), lastNews_, "main_app", "view_context",
+                                                here.writer().session}
+                           .fetch()
+                           .value();
     if (!found.empty()) lastNews_ = found.back().timestamp;
     return walk(found).records;
   }

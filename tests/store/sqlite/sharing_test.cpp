@@ -29,7 +29,9 @@ class Process {
 
   void refresh() {
     const auto news =
-        PersistentHistoryFetcher{database_, lastNews_, name_, name_ + "_context"}.fetch().value();
+        PersistentHistoryFetcher{database_, lastNews_, name_, name_ + "_context", context_->writer().session}
+            .fetch()
+            .value();
     if (news.empty()) return;
     lastNews_ = news.back().timestamp;
     const bool hadChanges = context_->hasChanges();
@@ -61,7 +63,7 @@ class Process {
     const auto all = context_->fetch<Record>({}).value();
     if (!all.empty() && random() % 8 != 0) return all[random() % all.size()];
     auto fresh = std::make_shared<Record>();
-    if constexpr (!std::is_same_v<Record, QLApp>) fresh->setUuid("uuid");
+    if constexpr (!std::is_same_v<Record, QLApp>) fresh->setUuid(name_ + std::to_string(++made_));
     context_->insert(fresh);
     return fresh;
   }
@@ -70,6 +72,7 @@ class Process {
   std::unique_ptr<ManagedObjectContext> context_;
   SqliteDatabase database_;
   Date lastNews_ = Date::min();
+  int made_ = 0;
 };
 
 TEST(Sharing, EndsWithTheSameRecordsEverywhere) {

@@ -25,7 +25,7 @@ using testing::StartsWith;
 constexpr auto kLoadFailure = "###persistentContainer: Failed to load persistent stores: ";
 constexpr auto kManySnippets =
     "WITH RECURSIVE numbers(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM numbers WHERE n < 300)"
-    " INSERT INTO Snippet(title, plainText) SELECT 'Snippet ' || n, printf('%.*c', 90, 'x') FROM numbers";
+    " INSERT INTO Snippet(uuid, title, plainText) SELECT n, 'Snippet ' || n, printf('%.*c', 90, 'x') FROM numbers";
 
 // What the program has in memory after loading; the error's message when that fails.
 std::string allRecords(const TestStore& test) {
@@ -126,7 +126,7 @@ TEST(StoreFaults, AWriteAheadLogCutAnywhereKeepsTheSavesBeforeTheCut) {
 
 TEST(StoreFaults, AStoreOfANewerQuorloIsLeftAlone) {
   TestStore test;
-  test.make("PRAGMA user_version = 3");
+  test.make("PRAGMA user_version = 4");
   const auto bytes = contents(test.file);
   EXPECT_THAT(allRecords(test), AllOf(StartsWith(kLoadFailure), HasSubstr("made by a newer Quorlo")));
   EXPECT_EQ(contents(test.file), bytes);

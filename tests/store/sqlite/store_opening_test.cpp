@@ -79,11 +79,12 @@ TEST(StoreOpening, CopiesTheOldLibraryOnceWithWhatIsOnlyInItsLogAndMigratesIt) {
     EXPECT_EQ(
         rows(
             database,
-            "SELECT row, title, abbreviation, plainText, useCount, deletionDate, category, titleIsCustom FROM Snippet",
+            "SELECT row, title, abbreviation, plainText, useCount, deletionDate, category, titleIsCustom "
+            "FROM Snippet LEFT JOIN SnippetUse ON snippet = row",
             8),
         "1|Greeting|mfg|Mit freundlichen Grüßen 👋|8||2|1\n"
-        "2|Never typed||No abbreviation|0|||1\n"
-        "3||log|Only in the log|0|1600000500000000|2|0\n");
+        "2|Never typed||No abbreviation||||1\n"
+        "3||log|Only in the log||1600000500000000|2|0\n");
     EXPECT_EQ(rows(database, "SELECT row, title, type, sourceType FROM Category", 4),
               "1||-10|0\n2|Grüße|0|0\n");
     EXPECT_EQ(rows(database, "SELECT savedChars, savedMinutes, wordsPerMinute FROM User", 3),
@@ -95,7 +96,7 @@ TEST(StoreOpening, CopiesTheOldLibraryOnceWithWhatIsOnlyInItsLogAndMigratesIt) {
              " UNION ALL SELECT * FROM CategoryAllowedApps UNION ALL SELECT * FROM CategoryBlockedApps",
              2),
         "1|1\n1|2\n2|1\n2|2\n");
-    EXPECT_EQ(rows(database, "PRAGMA user_version", 1), "2\n");
+    EXPECT_EQ(rows(database, "PRAGMA user_version", 1), "3\n");
     EXPECT_EQ(rows(database, "PRAGMA integrity_check", 1), "ok\n");
     EXPECT_EQ(rows(database, "SELECT count(*) FROM HistoryTransaction", 1), "0\n");
   }
@@ -130,7 +131,7 @@ TEST(StoreOpening, CopiesTheOldLibraryWholeAlthoughItWasKilledAtAnyMoment) {
     const auto store = test.open();
     ASSERT_TRUE(store) << store.error().message;
     EXPECT_EQ(rows(*store.value(), "SELECT plainText FROM Snippet WHERE row = 3", 1), "Only in the log\n");
-    EXPECT_EQ(rows(*store.value(), "PRAGMA user_version", 1), "2\n");
+    EXPECT_EQ(rows(*store.value(), "PRAGMA user_version", 1), "3\n");
     EXPECT_EQ(rows(*store.value(), "PRAGMA integrity_check", 1), "ok\n");
   }
 }
