@@ -72,6 +72,7 @@ class SqliteDatabase {
   Error damage(std::string_view what);
 
  private:
+  friend class OnlineCopy;
   friend class SqliteStatement;
   friend class SqliteTransaction;
 
