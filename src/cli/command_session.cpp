@@ -83,7 +83,7 @@ Result<std::unique_ptr<ManagedObjectContext>> CommandSession::openLibrary() {
     note("There is no library yet. The first \"quorlo add\" or \"quorlo import\" begins one.");
     return emptyLibrary(environment());
   }
-  return openOrBeginLibrary(environment());
+  return openLibraryToRead(environment());
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> CommandSession::beginLibrary() {

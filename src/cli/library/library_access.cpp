@@ -19,15 +19,8 @@ ManagedObjectContext::Configuration configuration(const Environment& environment
           .findMacroStrings = findMacroStrings};
 }
 
-}  // namespace
-
-bool libraryIsMissing(const Environment& environment) {
-  const auto directory = environment.dataDirectory();
-  return isMissing(directory / kStoreFileName) && isMissing(directory / kOldStoreFileName);
-}
-
-Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment) {
-  auto database = openStore(environment.dataDirectory(), {.now = environment.now()});
+Result<std::unique_ptr<ManagedObjectContext>> load(Result<std::unique_ptr<SqliteDatabase>> database,
+                                                   const Environment& environment) {
   if (!database) return database.error();
   auto store = std::make_unique<SqliteRecordStore>(std::move(database).value());
   auto& opened = store->database();
@@ -38,6 +31,21 @@ Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environme
     return storeLoadFailure(opened, status.error(), environment.now());
   }
   return context;
+}
+
+}  // namespace
+
+bool libraryIsMissing(const Environment& environment) {
+  const auto directory = environment.dataDirectory();
+  return isMissing(directory / kStoreFileName) && isMissing(directory / kOldStoreFileName);
+}
+
+Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment) {
+  return load(openStore(environment.dataDirectory(), {.now = environment.now()}), environment);
+}
+
+Result<std::unique_ptr<ManagedObjectContext>> openLibraryToRead(const Environment& environment) {
+  return load(openStoreToRead(environment.dataDirectory(), {.now = environment.now()}), environment);
 }
 
 std::unique_ptr<ManagedObjectContext> emptyLibrary(const Environment& environment) {

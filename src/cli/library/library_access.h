@@ -17,6 +17,10 @@ bool libraryIsMissing(const Environment& environment);
 
 Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment);
 
+// The same for a command that only reads: also on a disk that is full or mounted read-only, where a save
+// fails.
+Result<std::unique_ptr<ManagedObjectContext>> openLibraryToRead(const Environment& environment);
+
 // One that is kept nowhere.
 std::unique_ptr<ManagedObjectContext> emptyLibrary(const Environment& environment);
 

@@ -125,7 +125,10 @@ Result<std::unique_ptr<HeldLibrary>> keepAndHold(const fs::path& dataDirectory, 
 
 // The log of a held library is empty.
 Status putSideFilesAway(const fs::path& store, Date now, bool isHeld) {
-  if (!isHeld) return setStraySideFilesAside(store, now);
+  if (!isHeld) {
+    const auto aside = setSideFilesAside(store, now);
+    return aside ? Status() : Status(aside.error());
+  }
   std::error_code ignored;
   for (const auto suffix : kStoreSideFileSuffixes) fs::remove(storeSideFile(store, suffix), ignored);
   return {};

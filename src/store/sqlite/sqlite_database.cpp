@@ -1,10 +1,13 @@
 #include "store/sqlite/sqlite_database.h"
 
+#include "store/sqlite/log_mark.h"
 #include "store/sqlite/sqlite_error.h"
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cassert>
+#include <string_view>
 #include <utility>
 
 namespace quorlo {
@@ -14,6 +17,21 @@ namespace {
 constexpr const char* kSettings =
     "PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 16777216";
 
+// A path as a part of an address, which alone can ask for the file as it is.
+std::string addressOf(const std::filesystem::path& file) {
+  std::string address = "file:";
+  for (const char each : std::filesystem::absolute(file).string()) {
+    if (each == '%' || each == '?' || each == '#') {
+      constexpr std::string_view kDigits = "0123456789ABCDEF";
+      address += {'%', kDigits[static_cast<unsigned char>(each) / 16U],
+                  kDigits[static_cast<unsigned char>(each) % 16U]};
+    } else {
+      address += each;
+    }
+  }
+  return address + "?immutable=1";
+}
+
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(std::filesystem::path file) : file_(std::move(file)) {}
@@ -22,24 +40,27 @@ SqliteDatabase::~SqliteDatabase() {
   close();
 }
 
+// What cannot be opened is not written to, not even to merge its log.
 Status SqliteDatabase::open(Access access, std::chrono::milliseconds busyTimeout) {
   assert(!isOpen());
-  const int flags = (access == Access::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
-                    SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  if (const int code = sqlite3_open_v2(file_.c_str(), &connection_, flags, nullptr); code != SQLITE_OK) {
+  const bool isAlone = access == Access::alone;
+  const int flags = (access == Access::readWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
+                    (isAlone ? SQLITE_OPEN_URI : 0) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const auto name = isAlone ? addressOf(file_) : file_.string();
+  if (const int code = sqlite3_open_v2(name.c_str(), &connection_, flags, nullptr); code != SQLITE_OK) {
     const auto error = failure(code);
-    close();
+    closeUntouched();
     return error;
   }
   // SQLite is content to read where it may not write.
-  if (access != Access::readOnly && sqlite3_db_readonly(connection_, "main") == 1) {
+  if (access == Access::readWrite && sqlite3_db_readonly(connection_, "main") == 1) {
     const auto error = failure(SQLITE_READONLY);
-    close();
+    closeUntouched();
     return error;
   }
   setBusyTimeout(busyTimeout);
   if (auto status = execute(kSettings); !status) {
-    close();
+    closeUntouched();
     return status;
   }
   return {};
@@ -111,6 +132,30 @@ std::int64_t SqliteDatabase::changedRowCount() const {
   return sqlite3_changes64(connection_);
 }
 
+std::int64_t SqliteDatabase::totalChangedRowCount() const {
+  return sqlite3_total_changes64(connection_);
+}
+
+// By SQLite's own descriptor: closing another one of this process would end SQLite's locks.
+std::string SqliteDatabase::bytesOfFile(std::int64_t offset, std::size_t count) {
+  sqlite3_file* file = nullptr;
+  sqlite3_int64 size = 0;
+  if (sqlite3_file_control(connection_, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+      file == nullptr || file->pMethods == nullptr || file->pMethods->xFileSize(file, &size) != SQLITE_OK ||
+      offset < 0 || offset >= size) {
+    return {};
+  }
+  std::string bytes(std::min(count, static_cast<std::size_t>(size - offset)), '\0');
+  if (file->pMethods->xRead(file, bytes.data(), static_cast<int>(bytes.size()), offset) != SQLITE_OK)
+    return {};
+  return bytes;
+}
+
+bool SqliteDatabase::hasMoved() const {
+  int moved = 0;
+  return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
 Error SqliteDatabase::failure(int code) {
   failureCode_ = code;
   const bool isTheConnections = connection_ != nullptr && sqlite3_extended_errcode(connection_) == code;
@@ -144,17 +189,25 @@ Result<SqliteTransaction> SqliteTransaction::begin(SqliteDatabase& database, Kin
   if (auto status = database.execute(kind == Kind::write ? "BEGIN IMMEDIATE" : "BEGIN"); !status) {
     return status.error();
   }
-  return SqliteTransaction(database);
+  return SqliteTransaction(database, kind == Kind::write && logIsEmpty(database.file()));
 }
 
+SqliteTransaction::SqliteTransaction(SqliteDatabase& database, bool beginsLog)
+    : database_(&database), beginsLog_(beginsLog), changesBefore_(database.totalChangedRowCount()) {}
+
 SqliteTransaction::SqliteTransaction(SqliteTransaction&& other) noexcept
-    : database_(std::exchange(other.database_, nullptr)) {}
+    : database_(std::exchange(other.database_, nullptr)),
+      beginsLog_(other.beginsLog_),
+      changesBefore_(other.changesBefore_) {}
 
 SqliteTransaction::~SqliteTransaction() {
   if (database_ != nullptr) database_->rollBack();
 }
 
 Status SqliteTransaction::commit() {
+  if (beginsLog_ && database_->totalChangedRowCount() != changesBefore_) {
+    if (auto status = markLog(*database_); !status) return status;
+  }
   auto status = database_->execute("COMMIT");
   if (status) database_ = nullptr;
   return status;

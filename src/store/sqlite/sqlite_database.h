@@ -25,7 +25,13 @@ namespace quorlo {
 // Errors name the file and say what to do; failureCode() has what SQLite said.
 class SqliteDatabase {
  public:
-  enum class Access { readOnly, readWrite };
+  enum class Access {
+    readOnly,
+    readWrite,
+    // The file alone as it is: no log, no side files, no locks. Only for a file that no program writes to,
+    // and not while another connection of this process has it open, whose locks would go.
+    alone,
+  };
 
   // How long a statement waits for other programs before it fails as locked.
   static constexpr std::chrono::milliseconds kBusyTimeout = std::chrono::seconds(30);
@@ -59,10 +65,16 @@ class SqliteDatabase {
   // The first column of the first row; an error when there is none.
   Result<std::int64_t> integer(std::string_view sql);
 
+  // As they stand in the file itself, without its log; fewer where the file ends before. While it is open.
+  std::string bytesOfFile(std::int64_t offset, std::size_t count);
+  // Its name is gone, or another file has it now: what is written does not come into the library any more.
+  bool hasMoved() const;
+
   // Of the last INSERT on this connection.
   std::int64_t lastInsertRowNumber() const;
-  // How many rows the last INSERT, UPDATE or DELETE touched.
+  // How many rows the last INSERT, UPDATE or DELETE touched, and all together.
   std::int64_t changedRowCount() const;
+  std::int64_t totalChangedRowCount() const;
 
   // The extended result code of what failed last; 0 (SQLITE_OK) while nothing has.
   int failureCode() const { return failureCode_; }
@@ -106,12 +118,14 @@ class SqliteTransaction {
   SqliteTransaction& operator=(SqliteTransaction&&) = delete;
   ~SqliteTransaction();
 
-  // Once it has returned without an error, the changes are on the disk.
+  // Once it has returned without an error, the changes are on the disk. The first one of a log marks it.
   Status commit();
 
  private:
-  explicit SqliteTransaction(SqliteDatabase& database) : database_(&database) {}
+  SqliteTransaction(SqliteDatabase& database, bool beginsLog);
   SqliteDatabase* database_;
+  bool beginsLog_;
+  std::int64_t changesBefore_;
 };
 
 }  // namespace quorlo

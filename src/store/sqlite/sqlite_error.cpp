@@ -59,4 +59,10 @@ bool saysDamaged(int extendedCode) {
          extendedCode == SQLITE_IOERR_SHORT_READ;
 }
 
+bool saysUnwritable(int extendedCode) {
+  const int code = primary(extendedCode);
+  return code == SQLITE_READONLY || code == SQLITE_CANTOPEN || code == SQLITE_PERM || code == SQLITE_FULL ||
+         (code == SQLITE_IOERR && !saysDamaged(extendedCode));
+}
+
 }  // namespace quorlo

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -72,11 +73,17 @@ bool isSameVersion(const fs::path& file, const fs::path& copy) {
          fs::last_write_time(file, failure) == fs::last_write_time(copy, failure) && !failure;
 }
 
-fs::path rescueName(const fs::path& store, Date now) {
+// A name that neither a store nor a side file has.
+fs::path nameBeside(const fs::path& store, std::string_view what, Date now) {
   const auto moment = fmt::gmtime(std::chrono::system_clock::to_time_t(now));
-  const auto name = fmt::format("{}.damaged-{:%Y-%m-%d-%H%M%S}", store.string(), moment);
+  const auto name = fmt::format("{}.{}-{:%Y-%m-%d-%H%M%S}", store.string(), what, moment);
+  const auto isFree = [](const fs::path& candidate) {
+    return isMissing(candidate) && std::ranges::all_of(kStoreSideFileSuffixes, [&](const auto suffix) {
+             return isMissing(storeSideFile(candidate, suffix));
+           });
+  };
   fs::path free = name;
-  for (int number = 2; !isMissing(free); ++number) free = fmt::format("{}-{}", name, number);
+  for (int number = 2; !isFree(free); ++number) free = fmt::format("{}-{}", name, number);
   return free;
 }
 
@@ -94,15 +101,19 @@ Status makePrivateDirectory(const fs::path& directory) {
   if (directory.has_parent_path() && directory.parent_path() != directory) {
     if (auto status = makePrivateDirectory(directory.parent_path()); !status) return status;
   }
-  if (::mkdir(directory.c_str(), S_IRWXU) == 0 || fs::is_directory(directory, failure)) return {};
-  return fileError(directory, systemError());
+  if (::mkdir(directory.c_str(), S_IRWXU) == 0) return {};
+  const auto reason = systemError();
+  if (fs::is_directory(directory, failure)) return {};  // another process was quicker
+  return fileError(directory, reason);
 }
 
 void makeStorePrivate(const fs::path& store) {
   constexpr auto kOthers = fs::perms::group_all | fs::perms::others_all;
   const auto exclude = [](const fs::path& file) {
     std::error_code failure;
-    const auto rights = fs::status(file, failure).permissions();
+    const auto status = fs::status(file, failure);
+    if (status.type() == fs::file_type::not_found) return;
+    const auto rights = status.permissions();
     if (!failure && (rights & kOthers) != fs::perms::none) {
       fs::permissions(file, kOthers, fs::perm_options::remove, failure);
     }
@@ -150,22 +161,23 @@ Result<fs::path> copyForRescue(const fs::path& store, Date now) {
       return entry.path();
     }
   }
-  auto copy = rescueName(store, now);
+  auto copy = nameBeside(store, "damaged", now);
   if (auto status = copyStore(store, copy); !status) return status.error();
   return copy;
 }
 
-Status setStraySideFilesAside(const fs::path& store, Date now) {
-  const auto rescued = rescueName(store, now);
+Result<std::vector<fs::path>> setSideFilesAside(const fs::path& store, Date now) {
+  std::vector<fs::path> renamed;
+  const auto aside = nameBeside(store, "set-aside", now);
   for (const auto suffix : kStoreSideFileSuffixes) {
     const auto side = storeSideFile(store, suffix);
     if (isMissing(side)) continue;
-    const auto name = storeSideFile(rescued, suffix);
-    logWarning("WARNING: \"" + side.string() + "\" belongs to no library and is now called \"" +
-               name.string() + "\".");
-    if (auto status = renameForGood(side, name); !status) return status;
+    renamed.push_back(storeSideFile(aside, suffix));
+    if (auto status = renameForGood(side, renamed.back()); !status) return status.error();
+    logWarning("WARNING: \"" + side.string() + "\" does not belong to the library and is now called \"" +
+               renamed.back().string() + "\".");
   }
-  return {};
+  return renamed;
 }
 
 Status renameForGood(const fs::path& from, const fs::path& to) {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 namespace quorlo {
 
@@ -34,9 +35,10 @@ Status copyStore(const std::filesystem::path& from, const std::filesystem::path&
 // A store copied before and unchanged since is not copied again.
 Result<std::filesystem::path> copyForRescue(const std::filesystem::path& store, Date now);
 
-// Side files without a store: they would be taken for part of the one that is made in their place. Renames
-// them as a rescued store's are named.
-Status setStraySideFilesAside(const std::filesystem::path& store, Date now);
+// Side files of no store, or of another one than the file that has the name now: SQLite would merge them into
+// that file. Renames them to a name made of "set-aside" and the moment, never deletes them, and logs it.
+// Returns the names that they have now.
+Result<std::vector<std::filesystem::path>> setSideFilesAside(const std::filesystem::path& store, Date now);
 
 // Gives a file that has been written completely its name, for good.
 Status renameForGood(const std::filesystem::path& from, const std::filesystem::path& to);

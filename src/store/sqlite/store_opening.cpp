@@ -1,6 +1,8 @@
 #include "store/sqlite/store_opening.h"
 
 #include "base/log.h"
+#include "store/sqlite/log_mark.h"
+#include "store/sqlite/log_settling.h"
 #include "store/sqlite/sqlite_error.h"
 #include "store/sqlite/store_files.h"
 #include "store/sqlite/store_schema.h"
@@ -10,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -51,7 +54,7 @@ Status beginEmptyStore(const fs::path& store) {
 
 Status beginStore(const fs::path& store, Date now) {
   logInfo("No data files have been found at " + store.string() + ". Try loading Quorlo 2 data if available");
-  if (auto status = setStraySideFilesAside(store, now); !status) return status;
+  if (const auto aside = setSideFilesAside(store, now); !aside) return aside.error();
 
   const auto old = store.parent_path() / kOldStoreFileName;
   if (isMissing(old)) {
@@ -78,12 +81,20 @@ bool endsWithinAPage(const fs::path& store, std::int64_t pageSize) {
   return !failure && size % static_cast<std::uintmax_t>(pageSize) != 0;
 }
 
-Status openAndMigrate(SqliteDatabase& store, std::chrono::milliseconds busyTimeout) {
+Status openForWriting(SqliteDatabase& store, const StoreOpeningOptions& options) {
+  if (logIsEmpty(store.file())) return store.open(Access::readWrite, options.busyTimeout);
+  auto aside = openAndSettleLog(store, options.now, options.busyTimeout);
+  if (!aside) return aside.error();
+  if (options.notes) *options.notes = {true, std::move(aside).value()};
+  return {};
+}
+
+Status openAndMigrate(SqliteDatabase& store, const StoreOpeningOptions& options) {
   // SQLite would take the file for a new database and remove the write-ahead log beside it.
   std::error_code failure;
   if (fs::file_size(store.file(), failure) == 0 && !failure) return store.damage("it is empty.");
 
-  if (auto opened = store.open(Access::readWrite, busyTimeout); !opened) return opened;
+  if (auto opened = openForWriting(store, options); !opened) return opened;
   const auto version = store.integer("PRAGMA user_version");
   if (!version) return version.error();
   if (version.value() < 1) return store.damage("it is a database, but no library of Quorlo.");
@@ -105,10 +116,52 @@ fs::path resolved(const fs::path& file) {
   return failure ? file : target;
 }
 
-}  // namespace
+// A directory of this process's own, in memory where there is such a place; gone with it.
+class ScratchDirectory {
+ public:
+  ScratchDirectory() {
+    std::error_code failure;
+    for (const auto& parent : {fs::path("/dev/shm"), fs::temp_directory_path(failure)}) {
+      auto name = (parent / "quorlo-XXXXXX").string();
+      if (::mkdtemp(name.data()) == nullptr) continue;
+      path_ = name;
+      return;
+    }
+  }
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+  ~ScratchDirectory() {
+    std::error_code ignored;
+    if (!path_.empty()) fs::remove_all(path_, ignored);
+  }
+  const fs::path& path() const { return path_; }
 
-Result<std::unique_ptr<SqliteDatabase>> openStore(const fs::path& directory,
-                                                  const StoreOpeningOptions& options) {
+ private:
+  fs::path path_;
+};
+
+// A store that nothing can be written beside has no programs that write to it. One that is whole without its
+// log is read in its place, any other is merged, and brought to the present layout, in a copy, which needs
+// its names no longer once it is open.
+Result<std::unique_ptr<SqliteDatabase>> openWithoutWriting(const fs::path& file,
+                                                           const StoreOpeningOptions& options) {
+  if (logIsEmpty(file)) {
+    auto alone = std::make_unique<SqliteDatabase>(file);
+    if (auto status = alone->open(Access::alone); !status) return status.error();
+    const auto version = alone->integer("PRAGMA user_version");
+    if (version && version.value() == kSchemaVersion) return alone;
+  }
+  const ScratchDirectory scratch;
+  if (auto copied = copyStore(file, scratch.path() / kStoreFileName); !copied) return copied.error();
+  auto copy = openStore(scratch.path(), options);
+  if (copy) {
+    if (auto status = copy.value()->execute("PRAGMA query_only = ON"); !status) return status.error();
+  }
+  return copy;
+}
+
+Result<std::unique_ptr<SqliteDatabase>> beginOrFind(const fs::path& directory,
+                                                    const StoreOpeningOptions& options) {
   if (const auto made = makePrivateDirectory(directory); !made) {
     return Error{"Shared file container could not be created. " + made.error().message};
   }
@@ -123,10 +176,32 @@ Result<std::unique_ptr<SqliteDatabase>> openStore(const fs::path& directory,
   }
   auto store = std::make_unique<SqliteDatabase>(resolved(name));
   makeStorePrivate(store->file());
-  if (const auto opened = openAndMigrate(*store, options.busyTimeout); !opened) {
-    return storeLoadFailure(*store, opened.error(), options.now);
+  return store;
+}
+
+}  // namespace
+
+Result<std::unique_ptr<SqliteDatabase>> openStore(const fs::path& directory,
+                                                  const StoreOpeningOptions& options) {
+  auto store = beginOrFind(directory, options);
+  if (!store) return store;
+  if (const auto opened = openAndMigrate(*store.value(), options); !opened) {
+    return storeLoadFailure(*store.value(), opened.error(), options.now);
   }
   return store;
+}
+
+Result<std::unique_ptr<SqliteDatabase>> openStoreToRead(const fs::path& directory,
+                                                        const StoreOpeningOptions& options) {
+  auto store = beginOrFind(directory, options);
+  if (!store) return store;
+  const auto opened = openAndMigrate(*store.value(), options);
+  if (opened) return store;
+  if (saysUnwritable(store.value()->failureCode())) {
+    store.value()->closeUntouched();
+    if (auto readable = openWithoutWriting(store.value()->file(), options)) return readable;
+  }
+  return storeLoadFailure(*store.value(), opened.error(), options.now);
 }
 
 Error storeLoadFailure(SqliteDatabase& store, const Error& cause, Date now) {

@@ -77,11 +77,10 @@ TEST(StoreOpening, CopiesTheOldLibraryOnceWithWhatIsOnlyInItsLogAndMigratesIt) {
     ASSERT_TRUE(store) << store.error().message;
     auto& database = *store.value();
     EXPECT_EQ(
-        rows(
-            database,
-            "SELECT row, title, abbreviation, plainText, useCount, deletionDate, category, titleIsCustom "
-            "FROM Snippet LEFT JOIN SnippetUse ON snippet = row",
-            8),
+        rows(database,
+             "SELECT row, title, abbreviation, plainText, useCount, deletionDate, category, titleIsCustom "
+             "FROM Snippet LEFT JOIN SnippetUse ON snippet = row",
+             8),
         "1|Greeting|mfg|Mit freundlichen Grüßen 👋|8||2|1\n"
         "2|Never typed||No abbreviation||||1\n"
         "3||log|Only in the log||1600000500000000|2|0\n");
@@ -161,7 +160,7 @@ TEST(StoreOpening, TakesASideFileWithoutALibraryForNoPartOfTheNewOne) {
   const auto store = test.open();
   ASSERT_TRUE(store) << store.error().message;
   EXPECT_EQ(rows(*store.value(), "SELECT count(*) FROM Snippet", 1), "0\n");
-  EXPECT_EQ(contents(test.file.string() + ".damaged-2023-11-14-221320-wal"), log);
+  EXPECT_EQ(contents(test.file.string() + ".set-aside-2023-11-14-221320-wal"), log);
 }
 
 TEST(StoreOpening, SaysWhenTheDirectoryCannotBeMade) {
