@@ -9,9 +9,12 @@
 #include "import/import_file_kind.h"
 #include "import/import_transaction.h"
 #include "import/work_progress.h"
+#include "store/exchange/json_document.h"
 #include "text/utf.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -49,13 +52,33 @@ bool holdsPropertyList(const std::filesystem::path& file) {
   return looksLikePropertyList(start);
 }
 
+// A document without any of these keys is another program's, unless it is empty.
+bool mayBeLibrary(std::string_view content) {
+  constexpr std::string_view kKeys[]{"\"text\"", "\"snippets\"", "\"folders\"", "\"excludedApplications\""};
+  if (std::ranges::any_of(kKeys, [content](auto key) { return content.find(key) != content.npos; }))
+    return true;
+  constexpr std::string_view kEmpty[]{"", "{}", "[]", "{\"version\":1}"};
+  std::string start(content.substr(0, kTellingBytes));
+  std::erase_if(start, [](char each) {
+    return std::string_view(" \t\r\n\xEF\xBB\xBF").find(each) != std::string_view::npos;
+  });
+  return content.size() <= kTellingBytes && std::ranges::find(kEmpty, start) != std::end(kEmpty);
+}
+
 Status takeLibrary(const std::filesystem::path& file, std::string_view content,
                    ImportTransaction& transaction) {
-  const bool mayBeOurs = content.find("\"text\"") != std::string_view::npos ||
-                         content.find("\"snippets\"") != std::string_view::npos ||
-                         content.find("\"folders\"") != std::string_view::npos;
-  if (!mayBeOurs && !content.empty()) return ofNoKind(file);
+  if (!isUtf16(content) && !mayBeLibrary(content)) return ofNoKind(file);
   return transaction.addLibrary(content, file);
+}
+
+// A backup is on the Mac a folder, which other systems see as one.
+std::optional<Error> faultOfFolder(const std::filesystem::path& file) {
+  std::error_code ignored;
+  const bool isBackup =
+      importFileKind(file) == ImportFileKind::textExpander && std::filesystem::is_directory(file, ignored);
+  if (!isBackup) return std::nullopt;
+  return cannotRead(file,
+                    localized(u"it is a folder; import the files in it whose names begin with “group_”"));
 }
 
 Result<ImportData> readOther(std::optional<ImportFileKind> kind, const std::filesystem::path& file,
@@ -82,6 +105,7 @@ Status take(const std::filesystem::path& file, const std::optional<CsvMapping>& 
     return add(readCsvFile(file, mapping.value_or(CsvMapping()), reading));
   }
   const auto kind = importFileKind(file);
+  if (auto fault = faultOfFolder(file)) return *fault;
   const auto content = readFileBytes(file, reading);
   if (!content) return content.error();
   const bool isLibrary = kind ? kind == ImportFileKind::library : looksLikeJson(content.value());

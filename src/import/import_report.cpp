@@ -26,12 +26,25 @@ std::u16string addition(const ImportReport& report) {
     addCount(sentences, report.addedSnippets, u"1 snippet would be added.", u"%d snippets would be added.");
     addCount(sentences, report.addedFolders.size(), u"1 folder would be added.",
              u"%d folders would be added.");
+    addCount(sentences, report.restored.size(), u"1 snippet would be taken out of the trash.",
+             u"%d snippets would be taken out of the trash.");
   } else {
     addCount(sentences, report.addedSnippets, u"1 snippet was added.", u"%d snippets were added.");
     addCount(sentences, report.addedFolders.size(), u"1 folder was added.", u"%d folders were added.");
+    addCount(sentences, report.restored.size(), u"1 snippet was taken out of the trash.",
+             u"%d snippets were taken out of the trash.");
   }
   if (!report.addedNothing()) return sentences;
   return localized(report.isDryRun ? u"Nothing would be added." : u"Nothing was added.");
+}
+
+nlohmann::ordered_json examplesJson(const ImportReport& report) {
+  auto examples = nlohmann::ordered_json::array();
+  for (const auto& [title, abbreviation, text] : report.examples) {
+    examples.push_back(
+        {{"title", toUtf8(title)}, {"abbreviation", toUtf8(abbreviation)}, {"text", toUtf8(text)}});
+  }
+  return examples;
 }
 
 }  // namespace
@@ -78,6 +91,7 @@ std::string json(const ImportReport& report) {
       {"addedFolders", report.addedFolders.size()},
       {"duplicates", report.duplicates},
       {"present", report.presentSnippets},
+      {"restored", report.restored},
       {"empty", report.emptyRecords},
       {"withoutAbbreviation", report.refusedAbbreviations},
       {"notices", ordered_json::array()},
@@ -90,6 +104,7 @@ std::string json(const ImportReport& report) {
     object["notices"].push_back({{"snippet", toUtf8(each.snippet)}, {"message", toUtf8(each.message)}});
   }
   for (const auto& each : report.refusedFiles) object["refusedFiles"].push_back(each.message);
+  if (report.isDryRun) object["examples"] = examplesJson(report);
   for (const auto& each : report.imported) {
     for (const auto& uuid : each.snippets) {
       ordered_json snippet{{"uuid", uuid}};

@@ -16,6 +16,13 @@ struct ImportedInto {
   std::vector<std::string> snippets;
 };
 
+// A snippet as an import makes it.
+struct ImportedExample {
+  std::u16string title;
+  std::u16string abbreviation;
+  std::u16string text;  // its beginning
+};
+
 // What an import did, for the user and for taking it back.
 struct ImportReport {
   bool isDryRun = false;  // what it would have done
@@ -28,13 +35,16 @@ struct ImportReport {
   std::vector<ImportNotice> notices;     // one for each of these, and what the readers noticed
   std::vector<Error> refusedFiles;       // of several: those that nothing was taken from
 
+  std::vector<ImportedExample> examples;  // of a dry run: the first ten snippets
+
   // What the library has got.
   std::vector<ImportedInto> imported;
+  std::vector<std::string> restored;              // uuids of snippets that lay in the trash
   std::vector<std::string> addedFolders;          // uuids
   std::vector<std::string> excludedApplications;  // bundle identifiers; of a library document
 
   bool addedNothing() const {
-    return addedSnippets == 0 && addedFolders.empty() && excludedApplications.empty();
+    return addedSnippets == 0 && restored.empty() && addedFolders.empty() && excludedApplications.empty();
   }
   // The uuid of the folder that holds all that came; empty when there is no such one.
   std::string destination() const { return imported.size() == 1 ? imported.front().folder : std::string(); }

@@ -14,9 +14,11 @@
 #include "store/upkeep/built_in_folders.h"
 #include "store/uuid.h"
 #include "text/line_breaks.h"
+#include "text/quotation.h"
 #include "text/utf.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 
@@ -25,7 +27,7 @@ namespace {
 
 constexpr std::u16string_view kBlanks = u" \t\r\n\u00A0\u2028\u2029";
 constexpr std::size_t kRecordsPerStep = 1000;
-constexpr std::size_t kLongestQuotation = 60;
+constexpr std::size_t kMostExamples = 10;
 
 std::u16string_view trimmed(std::u16string_view text) {
   const auto start = std::min(text.find_first_not_of(kBlanks), text.size());
@@ -37,16 +39,15 @@ bool isBlank(std::u16string_view text) {
   return text.find_first_not_of(kBlanks) == std::u16string_view::npos;
 }
 
-// Short enough to be read in a message.
-std::u16string quotation(std::u16string_view text) {
-  if (text.size() <= kLongestQuotation) return std::u16string(text);
-  const bool splitsPair = (text[kLongestQuotation - 1] & 0xFC00) == 0xD800;
-  return std::u16string(text.substr(0, kLongestQuotation - (splitsPair ? 1 : 0))) + u'\u2026';
-}
-
 AttributedString textOf(const ImportedSnippet& record) {
   if (record.text.string().find(u'\r') == std::u16string::npos) return record.text;
   return withLineFeeds(record.text);
+}
+
+// A title that is the first line of its text stays one.
+bool isDerived(std::u16string_view title, std::u16string_view text) {
+  const auto start = std::min(text.find_first_not_of(kBlanks), text.size());
+  return text.substr(start, title.size()) == title && title == titleFromText(text);
 }
 
 std::u16string nothingWasImported(const Error& error) {
@@ -62,6 +63,7 @@ ImportTransaction::ImportTransaction(const ImportOptions& options, ManagedObject
 }
 
 ImportTransaction::~ImportTransaction() {
+  for (auto each = restorations_.rbegin(); each != restorations_.rend(); ++each) (*each)();
   for (auto each = inserted_.rbegin(); each != inserted_.rend(); ++each) context_.deleteObject(**each);
 }
 
@@ -101,7 +103,7 @@ void ImportTransaction::addSnippet(const ImportedSnippet& record, const ImportDa
     return;
   }
   auto text = textOf(record);
-  const bool hasTitle = !isBlank(record.title);
+  const bool hasTitle = !isBlank(record.title) && !isDerived(record.title, text.string());
   auto title = hasTitle ? record.title : titleFromText(text.string());
   if (skipsDuplicate(record, title, text)) return;
 
@@ -137,24 +139,29 @@ bool ImportTransaction::skipsDuplicate(const ImportedSnippet& record, std::u16st
 // Before the snippet is inserted, so that it does not find itself.
 void ImportTransaction::setAbbreviation(QLSnippet& snippet, std::u16string_view abbreviation) {
   if (abbreviation.empty()) return;
-  const auto quoted = quotation(abbreviation);
-  if (const auto fault = faultOfAbbreviation(abbreviation)) {
-    return noteRefusal(snippet,
-                       *fault == AbbreviationFault::tooLong
-                           ? localizedFormat(u"The abbreviation “%@” is longer than 30 characters; the "
-                                             u"snippet was kept without it.",
-                                             quoted)
-                           : localizedFormat(u"The abbreviation “%@” contains a space; the snippet was kept "
-                                             u"without it.",
-                                             quoted));
-  }
+  if (const auto fault = faultOfAbbreviation(abbreviation)) return noteRefusal(snippet, abbreviation, *fault);
   if (const auto holder = context_.liveSnippet(abbreviation); holder && holder.value()) {
-    return noteRefusal(snippet,
-                       localizedFormat(u"The abbreviation “%@” is already in use by “%@”; the snippet was "
-                                       u"kept without it.",
-                                       quoted, quotation(holder.value()->displayTitle())));
+    return noteRefusal(snippet, abbreviation, *holder.value());
   }
   snippet.setAbbreviation(std::u16string(abbreviation));
+}
+
+void ImportTransaction::noteRefusal(const QLSnippet& snippet, std::u16string_view abbreviation,
+                                    AbbreviationFault fault) {
+  noteRefusal(snippet,
+              localizedFormat(fault == AbbreviationFault::tooLong
+                                  ? u"The abbreviation “%@” is longer than 30 characters; the snippet "
+                                    u"was kept without it."
+                                  : u"The abbreviation “%@” contains a space; the snippet was kept "
+                                    u"without it.",
+                              quotation(abbreviation)));
+}
+
+void ImportTransaction::noteRefusal(const QLSnippet& snippet, std::u16string_view abbreviation,
+                                    const QLSnippet& holder) {
+  noteRefusal(snippet, localizedFormat(u"The abbreviation “%@” is already in use by “%@”; the snippet was "
+                                       u"kept without it.",
+                                       quotation(abbreviation), quotation(holder.displayTitle())));
 }
 
 void ImportTransaction::noteRefusal(const QLSnippet& snippet, std::u16string message) {
@@ -168,6 +175,10 @@ void ImportTransaction::noteAdded(const QLSnippet& snippet) {
   const auto [place, isNew] = places_.try_emplace(folder, report_.imported.size());
   if (isNew) report_.imported.push_back({folder, {}});
   report_.imported[place->second].snippets.push_back(snippet.uuid());
+  if (options_.isDryRun && report_.examples.size() < kMostExamples) {
+    report_.examples.push_back(
+        {quotation(snippet.displayTitle()), snippet.abbreviation(), quotation(snippet.plainText())});
+  }
 }
 
 QLCategory* ImportTransaction::folderFor(const ImportedSnippet& record, const ImportData& data) {
@@ -216,7 +227,11 @@ Status ImportTransaction::addLibrary(std::string_view json, const std::filesyste
   report_.presentSnippets += came.presentSnippets;
   for (const auto& each : came.addedFolders) report_.addedFolders.push_back(each->uuid());
   for (const auto& each : came.addedSnippets) noteAdded(*each);
-  for (const auto& each : came.warnings) noteRefusal(*each.snippet, toUtf16(each.message));
+  for (const auto& each : came.warnings) {
+    if (each.fault) noteRefusal(*each.snippet, each.abbreviation, *each.fault);
+    if (each.holder) noteRefusal(*each.snippet, each.abbreviation, *each.holder);
+  }
+  trashed_.insert(trashed_.end(), came.trashed.begin(), came.trashed.end());
   for (const auto& each : came.added) {
     if (each->entity() != Entity::app) continue;
     const auto& app = static_cast<const QLApp&>(*each);
@@ -227,7 +242,36 @@ Status ImportTransaction::addLibrary(std::string_view json, const std::filesyste
   return mayGoOn();
 }
 
+// After everything else, so that it takes no abbreviation from a snippet that came.
+void ImportTransaction::restoreTrashed() {
+  std::unordered_set<const QLSnippet*> known;  // several documents may hold one snippet
+  for (const auto& each : trashed_) {
+    if (known.insert(each.snippet.get()).second) restore(each);
+  }
+}
+
+// In its own folder, or in that of the document where its own is gone.
+void ImportTransaction::restore(const LibraryReadReport::Trashed& trashed) {
+  const auto& snippet = trashed.snippet;
+  report_.restored.push_back(snippet->uuid());
+  const auto abbreviation = snippet->abbreviation();
+  const auto holder = abbreviation.empty() ? nullptr : context_.otherLiveSnippet(abbreviation, *snippet);
+  if (holder) noteRefusal(*snippet, abbreviation, *holder);
+  if (options_.isDryRun) return;
+  restorations_.emplace_back([snippet, abbreviation, deletionDate = snippet->deletionDate(),
+                              modifiedDate = snippet->modifiedDate(), folder = snippet->category()] {
+    snippet->setDeletionDate(deletionDate);
+    snippet->setAbbreviation(abbreviation);
+    snippet->setCategory(folder.get());
+    if (modifiedDate) snippet->setModifiedDate(*modifiedDate);
+  });
+  if (holder) snippet->setAbbreviation({});
+  snippet->restoreFromTrash();
+  if (trashed.folder != nullptr && folderOfChoice(*snippet).empty()) snippet->setCategory(trashed.folder);
+}
+
 Result<ImportReport> ImportTransaction::commit() {
+  restoreTrashed();
   forgetUnusedFolder();
   if (options_.isDryRun) return std::move(report_);
   const auto goesOn = [this](double fraction) {
@@ -238,6 +282,7 @@ Result<ImportReport> ImportTransaction::commit() {
     return progress_.isCancelled() ? importWasCancelled() : Error{toUtf8(nothingWasImported(saved.error()))};
   }
   inserted_.clear();
+  restorations_.clear();
   return std::move(report_);
 }
 

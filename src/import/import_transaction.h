@@ -6,8 +6,11 @@
 #include "import/import_data.h"
 #include "import/import_options.h"
 #include "import/import_report.h"
+#include "store/exchange/library_document.h"
+#include "store/lookup/abbreviation_rules.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,7 +54,11 @@ class ImportTransaction {
   void addSnippet(const ImportedSnippet& record, const ImportData& data);
   bool skipsDuplicate(const ImportedSnippet& record, std::u16string_view title, const AttributedString& text);
   void setAbbreviation(QLSnippet& snippet, std::u16string_view abbreviation);
+  void noteRefusal(const QLSnippet& snippet, std::u16string_view abbreviation, AbbreviationFault fault);
+  void noteRefusal(const QLSnippet& snippet, std::u16string_view abbreviation, const QLSnippet& holder);
   void noteRefusal(const QLSnippet& snippet, std::u16string message);
+  void restoreTrashed();
+  void restore(const LibraryReadReport::Trashed& trashed);
   void noteAdded(const QLSnippet& snippet);
   QLCategory* folderFor(const ImportedSnippet& record, const ImportData& data);
   QLCategory* folderOfTitle(const std::u16string& title);
@@ -67,6 +74,8 @@ class ImportTransaction {
   const Date now_;
   ImportReport report_;
   std::vector<std::shared_ptr<ManagedObject>> inserted_;
+  std::vector<LibraryReadReport::Trashed> trashed_;              // to be restored
+  std::vector<std::function<void()>> restorations_;              // what undoes each of those that are done
   std::unordered_map<std::u16string, QLCategory*> userFolders_;  // by title
   std::int64_t lastSort_ = 0;
   QLCategory* destination_ = nullptr;    // null as filed

@@ -42,7 +42,9 @@ class Undo {
     }
     const auto snippets = context_.fetch<QLSnippet>({});
     if (!snippets) return;
+    const std::unordered_set<std::string_view> restored(report_.restored.begin(), report_.restored.end());
     for (const auto& each : snippets.value()) {
+      if (restored.contains(each->uuid()) && !each->deletionDate()) goesToTrash_.push_back(each);
       const auto imported = folderOf.find(each->uuid());
       if (imported == folderOf.end()) continue;
       if (isUntouched(*each) && folderOfChoice(*each) == imported->second) {
@@ -56,6 +58,8 @@ class Undo {
 
   void removeSnippets() {
     for (const auto& each : goes_) context_.deleteObject(*each);
+    for (const auto& each : goesToTrash_) each->moveToTrash();
+    undone_.removedSnippets += goesToTrash_.size();
   }
 
   void removeFolders() {
@@ -86,6 +90,7 @@ class Undo {
   const ImportReport& report_;
   ManagedObjectContext& context_;
   std::vector<std::shared_ptr<QLSnippet>> goes_;
+  std::vector<std::shared_ptr<QLSnippet>> goesToTrash_;  // where they were before
   UndoneImport undone_;
 };
 

@@ -23,7 +23,8 @@ struct UndoneImport {
   std::size_t removedFolders = 0;
 };
 
-// Takes what the import has added out of the library again, the folders that are empty then included, and
+// Takes what the import has added out of the library again, the folders that are empty then included, moves
+// what it has taken out of the trash back there, and
 // saves once, all or nothing as above. What is gone already is no error.
 Result<UndoneImport> undoImport(const ImportReport& report, ManagedObjectContext& context,
                                 WorkProgress& progress);

@@ -58,6 +58,23 @@ TEST(JsonExport, IsTheSameLibraryWhenItIsReadAgainAndTheSameDocumentWhenThatIsEx
   }
 }
 
+TEST(JsonExport, KeepsTitlesThatFollowTheirTexts) {
+  TestLibrary library;
+  for (const char16_t* title : {u"First line", u"Own", u"Given"}) {
+    const auto snippet = library.snippet(title);
+    snippet->setUuid(toUtf8(title));
+    snippet->setText(AttributedString(u"\nFirst line\nsecond"));
+    snippet->setTitleIsCustom(snippet->title() == u"Given");
+  }
+  TestLibrary copy;
+  ASSERT_TRUE(readLibrary(document(library), "written", copy.context));
+  const auto derived = copy.controller.snippet("First line");
+  EXPECT_EQ(derived->title(), u"First line");
+  EXPECT_FALSE(derived->titleIsCustom());
+  EXPECT_EQ(copy.controller.snippet("Own")->title(), u"Own");
+  EXPECT_TRUE(copy.controller.snippet("Given")->titleIsCustom());
+}
+
 TEST(JsonExport, TakesAFolderOrSingleSnippetsAndNothingElse) {
   TestLibrary library;
   const auto own = library.folder(CategoryType::Folder);

@@ -82,6 +82,7 @@ TEST_F(ImportFilesTest, RefusesWhatItDoesNotKnowAndSaysWhatItKnows) {
       {file("other.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict/></plist>"),
        ".textexpanderbackup"},
       {file("damaged.json", R"({"snippets": [{"text": "a")"), "Line 1, column"},
+      {file("wide.json", {"[\0]\0", 4}), "UTF-16"},
       {file("damaged.textexpander", "bplist00 and nothing else"), ""},
       {directory / "none.quorlo", "cannot be read"},
       {directory.path(), "cannot be read"},
@@ -94,6 +95,45 @@ TEST_F(ImportFilesTest, RefusesWhatItDoesNotKnowAndSaysWhatItKnows) {
     EXPECT_FALSE(context.hasChanges()) << each.file;
   }
   EXPECT_TRUE(library.commits.empty());
+  std::filesystem::create_directory(directory / "all.textexpanderbackup");
+  EXPECT_THAT(import(directory / "all.textexpanderbackup").error().message, HasSubstr("“group_”"));
+  for (const char* empty : {"{}", " [ ]\n", "\xEF\xBB\xBF{\"version\": 1}"}) {
+    EXPECT_TRUE(import(file("empty.json", empty))) << empty;
+  }
+}
+
+TEST_F(ImportFilesTest, BringsBackWhatLiesInTheTrash) {
+  const auto path = file("my.quorlo", kLibrary);
+  ASSERT_TRUE(import(path));
+  const auto signature = library.controller.snippet("A");
+  const auto taken = library.controller.snippet("B");
+  taken->setAbbreviation(u"new");
+  signature->moveToTrash();
+  taken->moveToTrash();
+  library.snippet(u"Other", u"new");
+  context.deleteObject(*library.controller.folder("F"));
+  ASSERT_TRUE(context.save());
+
+  const auto trial = import(path, {.isDryRun = true}).value();
+  EXPECT_EQ(summary(trial),
+            u"1 folder would be added. 2 snippets would be taken out of the trash. 1 snippet has "
+            u"no abbreviation now.");
+  library.commitResult = Error{"The disk is full."};
+  EXPECT_FALSE(import(path));
+  EXPECT_TRUE(signature->deletionDate() && taken->deletionDate());
+  EXPECT_EQ(taken->abbreviation(), u"new");
+  library.commitResult = {};
+
+  const auto report = import(path).value();
+  EXPECT_EQ(report.presentSnippets, 0U);
+  EXPECT_THAT(report.restored, testing::ElementsAre("A", "B"));
+  EXPECT_TRUE(signature->isLive() && taken->isLive());
+  EXPECT_EQ(signature->abbreviation(), u"sig");
+  EXPECT_EQ(signature->category(), library.controller.folder("F"));
+  EXPECT_EQ(taken->abbreviation(), u"");
+
+  EXPECT_EQ(undoImport(report, context, progress).value().removedSnippets, 2U);
+  EXPECT_TRUE(signature->deletionDate() && taken->deletionDate());
 }
 
 TEST_F(ImportFilesTest, TakesItsOwnExportsByTheirUuids) {

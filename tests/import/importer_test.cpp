@@ -86,6 +86,7 @@ TEST_F(ImporterTest, MakesSnippetsOfRecordsByItsRules) {
       {record(u"Title", u"abc", u"one\r\ntwo\rthree"), "Title [abc] one\ntwo\nthree"},
       {record(u" \t", u"", u"\n  First line \nsecond"), "First line \n  First line \nsecond"},
       {record(u"Only a title", u"", u""), "Only a title "},
+      {record(u"First", u"", u" First\nsecond"), "First  First\nsecond"},
       {record(u"", u"onlyabb", u""), " [onlyabb] "},
       {record(u"", u"", u" \r\n"), ""},
       {record(u"a", u" trimmed\t", u"a"), "a [trimmed] a"},
@@ -117,7 +118,7 @@ TEST_F(ImporterTest, MakesSnippetsOfRecordsByItsRules) {
   ASSERT_TRUE(imported);
   const auto& report = imported.value();
   EXPECT_EQ(describe(context), expected);
-  EXPECT_EQ(report.addedSnippets, 16U);
+  EXPECT_EQ(report.addedSnippets, 17U);
   EXPECT_EQ(report.duplicates, 4U);
   EXPECT_EQ(report.emptyRecords, 1U);
   EXPECT_EQ(report.refusedAbbreviations, 5U);
@@ -127,8 +128,10 @@ TEST_F(ImporterTest, MakesSnippetsOfRecordsByItsRules) {
   }
   const auto custom = library.controller.snippet(report.imported.front().snippets[0]);
   const auto derived = library.controller.snippet(report.imported.front().snippets[1]);
+  const auto repeated = library.controller.snippet(report.imported.front().snippets[3]);
   EXPECT_TRUE(custom->titleIsCustom());
   EXPECT_FALSE(derived->titleIsCustom());
+  EXPECT_FALSE(repeated->titleIsCustom());
   EXPECT_EQ(context.liveSnippet(u"abc").value(), custom);
   EXPECT_EQ(library.commits.size(), 1U);
   EXPECT_FALSE(context.hasChanges());

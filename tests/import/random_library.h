@@ -8,9 +8,11 @@
 
 namespace quorlo {
 
-// Well-formed, as titles and abbreviations are once they were stored.
+// Well-formed and without NUL characters, as the names in a document are.
 inline std::u16string storedText(Random& random, std::size_t pieces) {
-  return toUtf16(toUtf8(randomText(random, pieces)));
+  auto text = toUtf16(toUtf8(randomText(random, pieces)));
+  std::erase(text, u'\0');
+  return text;
 }
 
 // Fills an empty library: rich texts with pictures and half characters, rules and hot keys, the trash,

@@ -41,6 +41,12 @@ class DocumentUuids {
   std::unordered_set<std::string> taken_;
 };
 
+// No document has them in names, but older versions let them into a library.
+std::u16string withoutNul(std::u16string name) {
+  std::ranges::replace(name, u'\0', u'\uFFFD');
+  return name;
+}
+
 class JsonExport {
  public:
   JsonExport(const ExportedRecords& records, ExportRun& run) : records_(records), run_(run) {}
@@ -70,13 +76,14 @@ class JsonExport {
     auto text = exportedText(snippet, run_);
     const auto type =
         snippet.type().value_or(text.isPlain() ? SnippetType::plainText : SnippetType::formatted);
-    return toJson(SnippetExchange{uuid, snippet.title(), std::move(text), static_cast<std::int64_t>(type),
-                                  snippet.abbreviation()});
+    return toJson(SnippetExchange{uuid, withoutNul(exchangedTitle(snippet)), std::move(text),
+                                  static_cast<std::int64_t>(type), withoutNul(snippet.abbreviation())});
   }
 
   ordered_json form(const QLCategory& folder) {
     auto form = exchangeForm(folder);
     form.uuid = folderUuids_.take(folder.uuid());
+    form.title = withoutNul(std::move(form.title));
     if (!expansionBehavior(form.expansionBehavior)) {
       form.expansionBehavior = static_cast<std::int64_t>(ExpansionBehavior::Disabled);
     }

@@ -110,6 +110,10 @@ Result<ImportData> readForms(const PropertyList& forms, const PropertyListPath& 
     data.notices.push_back({snippet.title, std::move(message)});
   };
   if (text.value() && !text.value()->empty()) {
+    if (!isWellFormed(*text.value()) || text.value()->find(u'\uFFFD') != std::u16string::npos) {
+      addNotice(localized(
+          u"The text of the clipping is damaged; some characters cannot be read."));
+    }
     auto literal = literalMacroText(*text.value());
     snippet.text = AttributedString(std::move(literal.text));
     if (auto notice = literalNotice(literal.signs); !notice.empty()) addNotice(std::move(notice));

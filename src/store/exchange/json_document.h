@@ -19,8 +19,10 @@ inline constexpr std::size_t kLargestDocument = std::size_t{256} << 20;  // byte
 // At most kLargestDocument.
 Result<std::string> readDocumentFile(const std::filesystem::path& file);
 
-// JSON by RFC 8259 with an optional byte order mark. An error names line and column (characters, from 1).
-// Refused too: more than 32 levels, more than 10 million values.
+// By its byte order mark, or by its first character.
+bool isUtf16(std::string_view text);
+
+// What checkJson() lets pass, in UTF-8.
 Result<nlohmann::json> parseJson(std::string_view text);
 
 }  // namespace quorlo

@@ -9,6 +9,7 @@
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/upkeep/built_in_folders.h"
+#include "text/quotation.h"
 #include "text/utf.h"
 
 #include <fmt/format.h>
@@ -92,11 +93,10 @@ class LibraryInsertion {
   }
 
   void insertSnippet(const SnippetExchange& form) {
-    if (snippets_.contains(form.uuid)) {
-      ++report_.presentSnippets;
-      return;
-    }
     const auto found = folderOf_.find(form.uuid);
+    if (const auto known = snippets_.find(form.uuid); known != snippets_.end()) {
+      return notePresent(*known->second, found == folderOf_.end() ? nullptr : found->second);
+    }
     auto* const folder = found == folderOf_.end() ? unfiled_ : found->second;
     const auto snippet = std::make_shared<QLSnippet>();
     snippet->setUuid(form.uuid);
@@ -106,48 +106,34 @@ class LibraryInsertion {
     snippet->setFormatted(form.formatted);
     snippet->setCreationDate(now_);
     snippet->setModifiedDate(now_);
-    if (const auto obstacle = obstacleFor(form, folder)) {
-      warn(snippet, form.abbreviation, *obstacle);
-    } else {
-      snippet->setAbbreviation(form.abbreviation);
-    }
+    takeAbbreviation(snippet, form, folder);
     context_.insert(snippet);
     snippet->setCategory(folder);
     report_.addedSnippets.push_back(snippet);
     report_.added.push_back(snippet);
   }
 
-  // The snippet that has the abbreviation is named to the user, not in the log.
-  struct Obstacle {
-    std::string reason;
-    std::string holder;
-  };
-
-  std::optional<Obstacle> obstacleFor(const SnippetExchange& form, const QLCategory* folder) const {
-    if (const auto fault = faultOfAbbreviation(form.abbreviation)) {
-      return Obstacle{
-          *fault == AbbreviationFault::tooLong ? "is longer than 30 characters" : "contains a space", {}};
+  void notePresent(QLSnippet& snippet, QLCategory* folder) {
+    if (!snippet.deletionDate()) {
+      ++report_.presentSnippets;
+    } else {
+      report_.trashed.push_back({std::static_pointer_cast<QLSnippet>(snippet.shared_from_this()), folder});
     }
-    const bool isShared =
-        folder != nullptr && folder->sourceType() == static_cast<std::int64_t>(SourceType::Public);
-    if (isShared) return std::nullopt;
-    const auto holder = context_.liveSnippet(form.abbreviation);
-    if (!holder || !holder.value()) return std::nullopt;
-    return Obstacle{"is already in use", " by \"" + toUtf8(holder.value()->displayTitle()) + "\""};
   }
 
-  void warn(const std::shared_ptr<QLSnippet>& snippet, std::u16string_view abbreviation,
-            const Obstacle& obstacle) {
-    constexpr std::string_view kEnd = "; the snippet was kept without it.";
-    const auto title = fmt::format("\"{}\"", toUtf8(snippet->displayTitle()));
-    report_.warnings.push_back(
-        {snippet,
-         fmt::format("The abbreviation \"{}\" of {} {}{}{}", toUtf8(abbreviation), title, obstacle.reason,
-                     obstacle.holder, kEnd),
-         // A title that the document does not give is a piece of the text.
-         fmt::format("The abbreviation of {} {}{}",
-                     snippet->titleIsCustom() ? title : "the snippet " + snippet->uuid(), obstacle.reason,
-                     kEnd)});
+  // Before the snippet is inserted, so that it does not find itself.
+  void takeAbbreviation(const std::shared_ptr<QLSnippet>& snippet, const SnippetExchange& form,
+                        const QLCategory* folder) {
+    const bool isShared =
+        folder != nullptr && folder->sourceType() == static_cast<std::int64_t>(SourceType::Public);
+    const auto fault = faultOfAbbreviation(form.abbreviation);
+    const auto holder =
+        isShared ? std::shared_ptr<QLSnippet>() : context_.liveSnippet(form.abbreviation).value();
+    if (fault || holder) {
+      report_.warnings.push_back({snippet, form.abbreviation, fault, holder});
+    } else {
+      snippet->setAbbreviation(form.abbreviation);
+    }
   }
 
   QLApp& app(const std::string& bundleID, AppType type) {
@@ -186,7 +172,17 @@ Result<LibraryExchange> parseLibrary(std::string_view json) {
 }  // namespace
 
 void logWarnings(const LibraryReadReport& report) {
-  for (const auto& each : report.warnings) logWarning("WARNING: #ldc7Abr - " + each.logLine);
+  for (const auto& [snippet, abbreviation, fault, holder] : report.warnings) {
+    // A title that the document does not give is a piece of the text.
+    const auto name = snippet->titleIsCustom() ? '"' + toUtf8(quotation(snippet->title())) + '"'
+                                               : "the snippet " + snippet->uuid();
+    std::string_view reason = "is already in use";
+    if (fault) {
+      reason = *fault == AbbreviationFault::tooLong ? "is longer than 30 characters" : "contains a space";
+    }
+    logWarning(fmt::format("WARNING: #ldc7Abr - The abbreviation of {} {}; the snippet was kept without it.",
+                           name, reason));
+  }
 }
 
 Result<LibraryReadReport> readLibrary(std::string_view json, std::string_view name,

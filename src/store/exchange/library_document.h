@@ -1,10 +1,12 @@
 #pragma once
 
 #include "base/result.h"
+#include "store/lookup/abbreviation_rules.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,11 +24,18 @@ struct LibraryReadReport {
   std::vector<std::shared_ptr<QLCategory>> addedFolders;
   std::vector<std::shared_ptr<ManagedObject>> added;  // all of it, in the order in which it came
   std::size_t presentSnippets = 0;                    // in the library already, left as they were
+  // In the library's trash, where they are left; with their folder of the document, null for none.
+  struct Trashed {
+    std::shared_ptr<QLSnippet> snippet;
+    QLCategory* folder;
+  };
+  std::vector<Trashed> trashed;
   // A snippet that was kept without its abbreviation.
   struct Warning {
     std::shared_ptr<QLSnippet> snippet;
-    std::string message;  // why, in a whole sentence with abbreviation and titles
-    std::string logLine;  // the same without the user's texts but for the title that was given to the snippet
+    std::u16string abbreviation;
+    std::optional<AbbreviationFault> fault;
+    std::shared_ptr<QLSnippet> holder;  // of the abbreviation, where there is no fault
   };
   std::vector<Warning> warnings;
 };
@@ -41,7 +50,7 @@ struct LibraryReadReport {
 Result<LibraryReadReport> readLibraryFile(const std::filesystem::path& file, ManagedObjectContext& context,
                                           QLCategory* destination = nullptr);
 
-// For callers that show no report.
+// For callers that show no report. The log gets no text of the user's but titles that the document gives.
 void logWarnings(const LibraryReadReport& report);
 
 // `name` stands for the document in messages.

@@ -78,7 +78,7 @@ FolderExchange readFolder(JsonReader& reader, const json& value, const std::stri
     if (key == "uuid") {
       folder.uuid = reader.utf8(it, at);
     } else if (key == "title") {
-      folder.title = reader.utf16(it, at);
+      folder.title = readName(reader, it, at);
     } else if (key == "type") {
       folder.type = readFolderType(reader, it, at);
     } else if (key == "sort") {

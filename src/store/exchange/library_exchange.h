@@ -27,6 +27,9 @@ struct SnippetExchange {
   std::u16string abbreviation;
 };
 
+// Empty where it is derived from the text, from which a reader derives it again.
+std::u16string exchangedTitle(const QLSnippet& snippet);
+
 // An object with the keys "uuid", "title", "text", "formatted" and "abbreviation", in this order.
 SnippetExchange exchangeForm(const QLSnippet& snippet);
 nlohmann::ordered_json toJson(const SnippetExchange& snippet);

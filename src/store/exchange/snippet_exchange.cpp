@@ -12,8 +12,14 @@ namespace quorlo {
 using nlohmann::json;
 using nlohmann::ordered_json;
 
+std::u16string exchangedTitle(const QLSnippet& snippet) {
+  const bool isDerived = !snippet.titleIsCustom() && snippet.title() == titleFromText(snippet.plainText());
+  return isDerived ? std::u16string() : snippet.title();
+}
+
 SnippetExchange exchangeForm(const QLSnippet& snippet) {
-  return {snippet.uuid(), snippet.title(), snippet.text(), snippet.formatted(), snippet.abbreviation()};
+  return {snippet.uuid(), exchangedTitle(snippet), snippet.text(), snippet.formatted(),
+          snippet.abbreviation()};
 }
 
 ordered_json toJson(const SnippetExchange& snippet) {
@@ -34,6 +40,12 @@ Result<SnippetExchange> snippetFromJson(const json& value) {
   return snippet;
 }
 
+std::u16string readName(JsonReader& reader, const json& value, const std::string& place) {
+  auto name = reader.utf16(value, place);
+  if (name.find(u'\0') != name.npos) reader.fail(place, "holds a NUL character: remove it.");
+  return name;
+}
+
 SnippetExchange readSnippet(JsonReader& reader, const json& value, const std::string& place) {
   SnippetExchange snippet;
   bool hasText = false;
@@ -42,7 +54,7 @@ SnippetExchange readSnippet(JsonReader& reader, const json& value, const std::st
     if (key == "uuid") {
       snippet.uuid = reader.utf8(member, at);
     } else if (key == "title") {
-      snippet.title = reader.utf16(member, at);
+      snippet.title = readName(reader, member, at);
     } else if (key == "text") {
       hasText = true;
       snippet.text = reader.valueOr(fromJson(member), at);
@@ -53,7 +65,7 @@ SnippetExchange readSnippet(JsonReader& reader, const json& value, const std::st
         reader.fail(at, "is no type of snippet: use 0 (plain text), 1 (formatted), 2 (image) or 8 (code).");
       }
     } else if (key == "abbreviation") {
-      if (!member.is_null()) snippet.abbreviation = reader.utf16(member, at);
+      if (!member.is_null()) snippet.abbreviation = readName(reader, member, at);
     } else {
       reader.fail(at, "is not a key of a snippet, which has uuid, title, text, formatted and abbreviation.");
     }
