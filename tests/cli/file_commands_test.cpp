@@ -23,7 +23,7 @@ TEST_F(FileCommandsTest, ATableIsImportedAsItsColumnsAreNamed) {
   } cases[] = {
       {"title,abbreviation,text\nSig,sig,Regards\n", "", "sig\tSig\t\n"},
       {"Kürzel;Inhalt\nsig;Regards\n", "--folder Old", "sig\tRegards\tOld\n"},
-      {"a;b;c\nRegards;-;sig\n", "--text 1 --abbreviation 3", "sig\tRegards\t\n"},
+      {"a;b;c\nRegards;-;sig\n", "--header --text 1 --abbreviation 3", "sig\tRegards\t\n"},
       {"Body|Key\nRegards|sig\n", "--separator bar --text body --abbreviation Key", "sig\tRegards\t\n"},
       {"sig#Regards\nbye#Goodbye\n", "--no-header --separator '#' --abbreviation 1 --text 2",
        "bye\tGoodbye\t\nsig\tRegards\t\n"},
@@ -49,6 +49,29 @@ TEST_F(FileCommandsTest, WhatAnImportCannotKeepIsSaidAndADryRunChangesNothing) {
   const auto again = json::parse(out("quorlo import table.csv --skip-duplicates --json"));
   EXPECT_EQ(again["added"], 0);
   EXPECT_EQ(again["duplicates"], 2);
+}
+
+TEST_F(FileCommandsTest, ATableLosesNothingInSilence) {
+  file("table.csv", "sep=;\nNotes;abbr;text\nold;sig;Regards; Ada\n;bye;\n;\xC3\xBC;\"Two\nlines\"\n");
+  const auto tried = run("quorlo import table.csv --dry-run");
+  EXPECT_EQ(tried.out, "2 snippets would be added.\nRegards\tsig\tRegards\nTwo\t\xC3\xBC\tTwo⏎lines\n");
+  for (const char* said : {"line 2 is taken as the names", "Left out: “Notes”", "line 3 has more fields",
+                           "line 4 has an abbreviation but no text"}) {
+    EXPECT_THAT(tried.err, HasSubstr(said));
+  }
+  EXPECT_EQ(json::parse(out("quorlo import table.csv --dry-run --json"))["examples"][0]["abbreviation"], "sig");
+
+  file("names.csv", "name,Ada Lovelace\naddr,12 High Street\n");
+  EXPECT_THAT(complaint("quorlo import names.csv"), HasSubstr("--no-header"));
+  out("quorlo import names.csv --no-header");
+  EXPECT_EQ(snippets(), "addr\t12 High Street\t\nname\tAda Lovelace\t\n");
+
+  out("quorlo export library.json; quorlo remove addr");
+  EXPECT_EQ(out("quorlo import library.json"),
+            "1 snippet was taken out of the trash. 1 snippet is in the library already.\n");
+  EXPECT_EQ(snippets(), "addr\t12 High Street\t\nname\tAda Lovelace\t\n");
+  out("rm -rf .local; quorlo import library.json; quorlo edit addr -t Elsewhere");
+  EXPECT_EQ(snippets(), "addr\tElsewhere\t\nname\tAda Lovelace\t\n") << "titles follow their texts";
 }
 
 TEST_F(FileCommandsTest, FilesAndColumnsThatCannotBeReadAreRefusedWithoutALibraryBegun) {

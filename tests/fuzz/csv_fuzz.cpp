@@ -2,6 +2,7 @@
 
 #include "fuzz/fuzz_target.h"
 #include "import/csv/csv_mapping.h"
+#include "import/csv/csv_notices.h"
 #include "import/csv/csv_preview.h"
 #include "import/csv/csv_records.h"
 #include "import/csv/cswiftv.h"
@@ -40,14 +41,24 @@ void checkTable(std::u16string_view text, char16_t separator, CSwiftV::Header he
 
 void checkRecords(std::u16string_view text, const CsvMapping& mapping) {
   WorkProgress progress;
-  const auto whole = completed(mapping, text).value();
+  const auto completion = completed(mapping, text);
+  if (!completion) return require(!completion.error().message.empty());
+  const auto& whole = completion.value();
   const auto records = csvRecords(text, whole, progress);
-  const auto count = countRows(text, whole, progress).value();
-  require(!records || records.value().snippets.size() == count.rows);
-  require(!count.unclosedLine || std::ranges::count(text, u'"') % 2 == 1);
+  const auto findings = examineRows(text, whole, progress).value();
+  require(!records || records.value().snippets.size() + findings.withoutText.count == findings.rows);
+  require(!findings.unclosedLine || std::ranges::count(text, u'"') % 2 == 1);
+  const auto lines = 1 + static_cast<std::size_t>(std::ranges::count(text, u'\n'));
+  for (const auto* each : {&findings.widerRows, &findings.doubledQuotes, &findings.keptQuotes,
+                           &findings.joinedLines, &findings.withoutText}) {
+    require(std::ranges::is_sorted(each->numbers) &&
+            (each->numbers.empty() || each->numbers.back() <= lines));
+  }
+  require(!csvNotices("a.csv", TextEncoding::utf8, whole.columns.value(), findings).empty() ||
+          findings.columns == 0);
   const auto preview = csvPreview(text, whole).value();
-  require(preview.rows.size() <= count.rows);
-  require(preview.columnCount <= count.columns);
+  require(preview.rows.size() <= findings.rows);
+  require(preview.columnCount <= findings.columns);
 }
 
 }  // namespace
@@ -69,6 +80,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (const auto separator : kSeparators) {
     checkTable(text, separator, hasHeader ? CSwiftV::Header::firstRow : CSwiftV::Header::none);
   }
+  checkRecords(text, {{}, {}, {}});
   checkRecords(text, {{}, hasHeader, {}});
   checkRecords(text, {u',', hasHeader, CsvColumns{{}, 1, 0}});
   return 0;

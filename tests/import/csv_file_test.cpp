@@ -31,7 +31,7 @@ class CsvFile : public testing::Test {
     WorkProgress progress;
     return readCsvFile(file_, mapping, progress);
   }
-  // Each snippet as title|abbreviation|text and the notices, or the error.|abbreviation|text, or the error.
+  // Each snippet as title|abbreviation|text, or the error.
   std::string readAs(std::string_view bytes, const CsvMapping& mapping = {}) const {
     write(bytes);
     const auto data = read(mapping);
@@ -40,8 +40,20 @@ class CsvFile : public testing::Test {
     for (const auto& each : data.value().snippets) {
       records += toUtf8(each.title + u"|" + each.abbreviation + u"|" + each.text.string()) + "/";
     }
-    for (const auto& each : data.value().notices) records += toUtf8(each.message);
     return records;
+  }
+  // A line each, without the name of the file.
+  std::string noticesOf(std::string_view bytes, const CsvMapping& mapping = {}) const {
+    write(bytes);
+    const auto data = read(mapping);
+    if (!data) return data.error().message;
+    std::string notices;
+    for (const auto& each : data.value().notices) {
+      auto message = toUtf8(each.message);
+      if (message.starts_with("table.csv: ")) message.erase(0, std::string_view("table.csv: ").size());
+      notices += message + "\n";
+    }
+    return notices;
   }
 
   TemporaryDirectory directory_;
@@ -93,21 +105,32 @@ TEST(LikeliestSeparator, IsTheCommaUnlessAnotherClearlySplitsBetter) {
   for (const auto& [text, separator] : cases) EXPECT_EQ(likeliestSeparator(text), separator) << toUtf8(text);
 }
 
-TEST(GuessedColumns, GoByNameThenByPosition) {
+TEST(GuessedColumns, GoByNameInManyLanguagesThenByPosition) {
   using Headers = std::vector<std::u16string>;
-  const std::pair<Headers, CsvColumns> cases[] = {
+  using enum CsvDoubt;
+  const std::pair<Headers, CsvGuess> cases[] = {
       {{}, {}},
-      {{u"x"}, {{}, {}, 0}},
-      {{u"x", u"y"}, {{}, 0, 1}},
-      {{u"Column 1", u"Column 2", u"Column 3", u"Column 4"}, {0, 1, 2}},
-      {{u"Plain Text", u"SHORTCUT", u"Name"}, {2, 1, 0}},
-      {{u"Titel", u"Tastenkürzel", u"Textbaustein"}, {0, 1, 2}},
-      {{u"id", u"snippet name", u"snippet text"}, {1, {}, 2}},
-      {{u"Abkürzung", u"Wert"}, {{}, 0, 1}},
-      {{u"title", u"text", u"text"}, {0, {}, 1}},
+      {{u"x"}, {{{}, {}, 0}}},
+      {{u"Context", u"Reply"}, {{{}, 0, 1}}},
+      {{u"x", u"y", u"z", u"context"}, {{0, 1, 2}, tooMany}},
+      {{u"plainText", u"SHORTCUT", u"Name"}, {{2, 1, 0}}},
+      {{u"Titel", u"Tastenkürzel", u"Textbaustein"}, {{0, 1, 2}}},
+      {{u"Título", u"Abreviatura", u"Texto"}, {{0, 1, 2}}},
+      {{u"Texte", u"Raccourci", u"Nom"}, {{2, 1, 0}}},
+      {{u"Titolo", u"Abbreviazione", u"Testo"}, {{0, 1, 2}}},
+      {{u"Conteúdo", u"ABREVIAÇÃO", u"nome"}, {{2, 1, 0}}},
+      {{u"naam", u"afkorting", u"tekst"}, {{0, 1, 2}}},
+      {{u"Tytuł", u"Skrót", u"Treść"}, {{0, 1, 2}}},
+      {{u"snippet name", u"snippet_text"}, {{0, {}, 1}}},
+      {{u"Abkürzung", u"Wert"}, {{{}, 0, 1}}},
+      {{u"abbreviation", u"text", u"notes"}, {{{}, 0, 1}}},
+      {{u"title", u"text", u"text"}, {{0, {}, 1}, columns}},
+      {{u"text", u"Código"}, {{{}, {}, 0}, columns}},
+      {{u"name", u"x", u"y"}, {{0, {}, 2}, columns}},
+      {{u"abbreviation", u"text", u"", u""}, {{{}, 0, 1}}},
   };
-  for (const auto& [headers, columns] : cases) {
-    EXPECT_EQ(guessColumns(headers), columns) << (headers.empty() ? "" : toUtf8(headers[0]));
+  for (const auto& [headers, guess] : cases) {
+    EXPECT_EQ(guessColumns(headers), guess) << (headers.empty() ? "" : toUtf8(headers[0]));
   }
 }
 
@@ -116,16 +139,65 @@ TEST_F(CsvFile, MakesASnippetOfEachRowThatHoldsAnything) {
       "text,abbreviation,title\nHi,h,T\n\n,,\n,,U\n\"1,\r\n2\",\r\nx\"\"y,\"\"\"\",z,more\n";
   EXPECT_EQ(readAs(table), "T|h|Hi/U||/||1,\r\n2/z|\"\"|x\"\"y/");
   EXPECT_EQ(readAs("a,b\nc,d", {u',', false, CsvColumns{1, {}, 0}}), "b||a/d||c/");
-  EXPECT_EQ(readAs("a;b\n1;2\n"), "|1|2/");
+  EXPECT_EQ(readAs("abbr;text\n1;2\n"), "|1|2/");
   EXPECT_EQ(readAs("a;b\n1;2\n", {u',', true, CsvColumns{{}, {}, 0}}), "||1;2/");
   EXPECT_EQ(readAs(""), "");
-  EXPECT_EQ(readAs("a,b\n"), "");
+  EXPECT_EQ(readAs("title,text\n"), "");
   EXPECT_THAT(readAs("a\nb,c\n", {u',', true, CsvColumns{{}, {}, 2}}),
               HasSubstr("table.csv cannot be read: there is no column 3; the table has 2."));
 }
 
-TEST_F(CsvFile, TellsWhatTheUserShouldLookAt) {
-  const auto outcome = readAs("a,b\nx,y\nGr\374\337e,\"open\nz,z\n");
+TEST_F(CsvFile, TakesAFirstRowForNamesOnlyWhereItHasSome) {
+  EXPECT_EQ(readAs("brb,be right back\nty,thank you\n"), "|brb|be right back/|ty|thank you/");
+  EXPECT_EQ(readAs("a,b\nc,d\n", {u',', true, {}}), "|c|d/");
+  EXPECT_EQ(readAs("addr,The text of my address\n"), "|addr|The text of my address/");
+  EXPECT_EQ(readAs("sep=;\r\nabbr;text\r\na,b;c\r\n"), "|a,b|c/");
+  EXPECT_EQ(readAs(";;\n ;;\nabbr;text\na;b\n"), "|a|b/");
+  EXPECT_EQ(readAs("\xFF\xFE\n\0a\0b\0b\0r\0,\0t\0e\0x\0t\0\n\0a\0,\0b\0"s), "|a|b/");
+}
+
+// What a guess would leave out is not guessed.
+TEST_F(CsvFile, AsksWhereAGuessMayLeaveOutTexts) {
+  const std::pair<std::string_view, std::string> cases[] = {
+      {"text,Código\nHello,hi\n", "“text”, “Código”"},
+      {"name,Ada Lovelace\naddr,12 High Street\n", "--no-header"},
+      {"a,b,c,d\n1,2,3,4\n", "“a”, “b”, “c”, “d”"},
+      {"Dear Ada,\n\nhere, as promised, it is.\nYours\n", "different numbers of fields"},
+      {"brb,be right back\nhi,Hello, world\n", "different numbers of fields"},
+  };
+  for (const auto& [table, reason] : cases) EXPECT_THAT(readAs(table), HasSubstr(reason)) << table;
+  EXPECT_EQ(readAs("text,Código\nHello,hi\n", {{}, {}, CsvColumns{{}, 1, 0}}), "|hi|Hello/");
+  EXPECT_EQ(readAs("hi,Hello, world\nbrb,be back\nty,thanks\n", {{}, false, {}}),
+            "|hi|Hello/|brb|be back/|ty|thanks/");
+}
+
+TEST_F(CsvFile, TellsWhatIsTakenForWhatAndEachLineOfWhichSomethingIsLeftOut) {
+  EXPECT_EQ(noticesOf("Notes,abbr,text,,\n,a,b,,\nx,c,d,,\n"),
+            "The row in line 1 is taken as the names of the columns. Abbreviations: “abbr”. Texts: “text”. "
+            "Left out: “Notes”.\n");
+  EXPECT_EQ(noticesOf("a,b\n"),
+            "No row is taken as names of the columns. Abbreviations: “Column 1”. Texts: “Column 2”.\n");
+  const std::string table =
+      "sep=,\r\n\r\nabbr,text\r\na,\"one\r\ntwo\"\r\nb,Hello, world\r\nc,\r\nd,say \"\"hi\"\"\r\n"
+      "e, \"x, y\"\r\nf,5\" screen\r\ng,6\" tv\r\nh,b, c\r\n";
+  const auto notices = noticesOf(table);
+  EXPECT_THAT(notices, StartsWith("The row in line 3 is taken as the names"));
+  EXPECT_THAT(notices, HasSubstr("2 rows have more fields than the table has columns"));
+  EXPECT_THAT(notices, HasSubstr("(lines 6, 12)"));
+  EXPECT_THAT(notices, HasSubstr("The row in line 7 has an abbreviation but no text and is left out."));
+  EXPECT_THAT(notices, HasSubstr("The row in line 8 has doubled quotation marks"));
+  EXPECT_THAT(notices, HasSubstr("The row in line 9 has blanks beside quotation marks"));
+  EXPECT_THAT(notices, HasSubstr("joins the row in line 10 to those behind it"));
+  EXPECT_THAT(readAs(table), HasSubstr("|b|Hello/|d|say"));
+
+  std::string many = "abbr,text\n";
+  for (int i = 0; i < 30; ++i) many += "x,\"\n\",y\n";
+  EXPECT_THAT(noticesOf(many), HasSubstr("30 rows have more"));
+  EXPECT_THAT(noticesOf(many), HasSubstr("(lines 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, …)"));
+}
+
+TEST_F(CsvFile, TellsOfEncodingsAndOpenQuotationMarks) {
+  const auto outcome = noticesOf("abbr,text\nx,y\nGr\374\337e,\"open\nz,z\n");
   EXPECT_THAT(outcome, HasSubstr("table.csv is not in UTF-8 and was read as Windows-1252"));
   EXPECT_THAT(outcome, HasSubstr("begins in line 3 is never closed"));
 }

@@ -16,8 +16,10 @@
 namespace quorlo {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using Strings = std::vector<std::u16string>;
 
 constexpr std::size_t kComma = 0;
@@ -93,8 +95,28 @@ TEST_F(CsvOptions, KeepChosenColumnsWhileTheyExist) {
   EXPECT_EQ(window_->selectedColumns(), (CsvColumns{{}, 2, 0}));
 }
 
+TEST_F(CsvOptions, AskWhatIsNotKnownAndTellWhatTheChoiceLeavesOut) {
+  open("Código,text\nhi,Hello, you\n");
+  EXPECT_THAT(toUtf8(window_->notice()), HasSubstr("Does the first row have the names"));
+  EXPECT_TRUE(window_->hasHeaderCheckbox());
+  window_->selectAbbreviation(PopUpButton::kFirstColumnItem);
+  settle();
+  const auto notice = toUtf8(window_->notice());
+  EXPECT_THAT(notice,
+              AllOf(HasSubstr("Abbreviations: “Código”. Texts: “text”."),
+                    HasSubstr("The row in line 2 has more fields"), Not(HasSubstr("Does the first"))));
+  window_->selectText(PopUpButton::kNoneItem);
+  settle();
+  EXPECT_THAT(toUtf8(window_->notice()),
+              AllOf(HasSubstr("Left out: “text”"), HasSubstr("line 2 has an abbrev")));
+
+  open("brb,be right back\nty,thank you\n");
+  EXPECT_FALSE(window_->hasHeaderCheckbox());
+  EXPECT_EQ(window_->rowCount(), 2U);
+}
+
 TEST_F(CsvOptions, ShowTheBeginningFirstAndCallOffWhatIsOutdated) {
-  std::string table = "a,b\n";
+  std::string table = "abbr,text\n";
   for (int i = 0; i < 150; ++i) table += "x;y," + std::string(300, 'z') + "\n";
   appear({file("table.csv", table)});
   step();  // the file
@@ -113,7 +135,7 @@ TEST_F(CsvOptions, ShowTheBeginningFirstAndCallOffWhatIsOutdated) {
   EXPECT_EQ(window_->rowCount(), std::nullopt);
   settle();
   EXPECT_EQ(window_->rowCount(), 150U);
-  EXPECT_EQ(window_->headers(), (Strings{u"a,b"}));
+  EXPECT_EQ(window_->headers(), (Strings{u"abbr,text"}));
 }
 
 TEST_F(CsvOptions, HandOnTheRecordsOfAllFilesAndLogThemInDebugMode) {
@@ -156,9 +178,10 @@ TEST_F(CsvOptions, ImportNothingWhenCancelledOrUnreadable) {
 }
 
 TEST_F(CsvOptions, StayUsableWithHostileTables) {
-  open(std::string(1'500, ',') + "\n" + std::string(1'500, ','));
+  open("title" + std::string(1'500, ',') + "\n" + std::string(1'500, ','));
   EXPECT_EQ(window_->headers().size(), 1'000U);
-  EXPECT_EQ(window_->notice(), u"The table has 1501 columns; the first thousand are shown.");
+  EXPECT_THAT(toUtf8(window_->notice()),
+              HasSubstr("The table has 1501 columns; the first thousand are shown."));
   EXPECT_FALSE(window_->canConfirm());  // there is nothing in the rows
 
   open("a,b\n1," + std::string(1'000'000, ','));

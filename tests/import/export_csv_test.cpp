@@ -94,10 +94,16 @@ TEST(CsvExport, GivesTheSameSnippetsToTheReaderButThoseItWarnsOf) {
     const auto read = readCsvFile(directory / "a.csv", {}, progress);
     if (snippets.empty()) continue;
     ASSERT_TRUE(read) << read.error().message;
-    ASSERT_EQ(read.value().snippets.size(), snippets.size());
-    for (std::size_t i = 0; i < snippets.size(); ++i) {
-      const auto& it = read.value().snippets[i];
-      const auto& was = *snippets[i];
+    auto next = read.value().snippets.begin();
+    for (const auto& snippet : snippets) {
+      const auto& was = *snippet;
+      const auto end = read.value().snippets.end();
+      if (!was.abbreviation().empty() && (next == end || next->title != was.title())) {
+        EXPECT_TRUE(warned.contains(was.title()));  // it has no text
+        continue;
+      }
+      ASSERT_NE(next, end);
+      const auto& it = *next++;
       const bool isSame =
           it.title == was.title() && it.abbreviation == was.abbreviation() && it.text == was.text();
       EXPECT_NE(isSame, warned.contains(was.title())) << toUtf8(was.title());

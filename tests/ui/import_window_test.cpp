@@ -120,7 +120,7 @@ TEST_F(CsvOptionsWindowTest, ImportsAGuessedTableByReturnAlone) {
 }
 
 TEST_F(CsvOptionsWindowTest, IsSetByKeyboardAlone) {
-  open("a|b,c\nd|e,f\n");
+  open("title|b,c\nd|e,f\n");
   goTo(QStringLiteral("Separator:"));
   for (int i = 0; i < 3; ++i) press(Qt::Key_Right);
   EXPECT_TRUE(buttonNamed<QToolButton>(*window, "Vertical Bar")->isChecked());
@@ -136,7 +136,8 @@ TEST_F(CsvOptionsWindowTest, IsSetByKeyboardAlone) {
   press(Qt::Key_Tab);
   EXPECT_EQ(head(0), QStringLiteral("\nColumn 1"));
   EXPECT_EQ(head(1), QStringLiteral("Abbreviation, Text\nColumn 2"));
-  press(Qt::Key_Home);  // no text
+  press(Qt::Key_Home);
+  press(Qt::Key_Down);  // the first column
   goTo(QStringLiteral("Folder:"));
   press(Qt::Key_End);
   EXPECT_FALSE(import()->isEnabled()) << "a new folder needs a name";
@@ -149,7 +150,7 @@ TEST_F(CsvOptionsWindowTest, IsSetByKeyboardAlone) {
   ASSERT_TRUE(records);
   ASSERT_EQ(records->snippets.size(), 2U);
   EXPECT_EQ(records->snippets[1].abbreviation, u"e,f");
-  EXPECT_EQ(records->snippets[1].text.string(), u"");
+  EXPECT_EQ(records->snippets[1].text.string(), u"d");
   EXPECT_EQ(options.destination, ImportDestination(ImportIntoTitled{u"New"}));
   EXPECT_FALSE(options.skipDuplicates);
 }

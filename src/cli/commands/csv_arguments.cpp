@@ -77,8 +77,9 @@ class Header {
     const auto& text = decoded.value().text;
     const auto separator =
         arguments_.separator ? separatorOf(*arguments_.separator) : likeliestSeparator(text);
-    const auto parsed =
-        CSwiftV::parse(text, separator.value_or(u','), CSwiftV::Header::firstRow, {.rows = 1});
+    CsvExtent header{.rows = 1};
+    header.start = startOfTable(text, separator.value_or(u','));
+    const auto parsed = CSwiftV::parse(text, separator.value_or(u','), CSwiftV::Header::firstRow, header);
     if (!parsed) return Error{"\"" + table_.string() + "\": " + parsed.error().message};
     names_ = parsed.value().headers();
     return {};
@@ -105,7 +106,11 @@ void addCsvArguments(CommandDefinition& command, CsvArguments& arguments) {
                "comma|semicolon|tab|bar|CHARACTER")
       .check(faultOfSeparator)
       .in(kSection);
-  command.addFlag("--no-header", arguments.hasNoHeader, "The first row is a snippet, too").in(kSection);
+  const auto& noHeader =
+      command.addFlag("--no-header", arguments.hasNoHeader, "The first row is a snippet, too").in(kSection);
+  command.addFlag("--header", arguments.hasHeader, "The first row has the names of the columns")
+      .in(kSection)
+      .excludes(noHeader);
   const auto addColumn = [&](const char* name, std::optional<std::string>& column, const char* help) {
     command.addText(name, column, help, "COLUMN").check(faultOfColumn).in(kSection);
   };
@@ -117,7 +122,7 @@ void addCsvArguments(CommandDefinition& command, CsvArguments& arguments) {
 Result<CsvMapping> csvMapping(const CsvArguments& arguments, const std::filesystem::path& table,
                               WorkProgress& progress) {
   CsvMapping mapping;
-  mapping.hasHeader = !arguments.hasNoHeader;
+  if (arguments.hasHeader || arguments.hasNoHeader) mapping.hasHeader = arguments.hasHeader;
   if (arguments.separator) mapping.separator = separatorOf(*arguments.separator);
   if (!arguments.title && !arguments.abbreviation && !arguments.text) return mapping;
 
@@ -129,6 +134,7 @@ Result<CsvMapping> csvMapping(const CsvArguments& arguments, const std::filesyst
     if (!*given) continue;
     const auto found = header.column(**given);
     if (!found) return found.error();
+    if (!columnNumber(**given)) mapping.hasHeader = true;
     *column = found.value();
   }
   return mapping;

@@ -15,6 +15,7 @@ class WorkProgress;
 // How a table is to be read, as the user gives it; what is left open is guessed from the table.
 struct CsvArguments {
   std::optional<std::string> separator;
+  bool hasHeader = false;
   bool hasNoHeader = false;
   std::optional<std::string> title;  // a column: its number from 1, or its name in the header
   std::optional<std::string> abbreviation;

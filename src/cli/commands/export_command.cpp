@@ -124,8 +124,10 @@ void addExportCommand(CommandParser& parser) {
                 "SNIPPET")
       .excludes(folder);
   command.setFooter(
-      "JSON holds everything and can be imported again without loss. A table holds titles, abbreviations and "
-      "plain texts; what it cannot hold is named on standard error. The trash is left out.\n\n"
+      "JSON holds the snippets with their texts, formats and pictures, the folders with their rules and hot keys, "
+      "and the excluded applications. Use counts, dates, statistics, the trash and the applications of single "
+      "snippets are left out: a full copy of the library is made by quorlo backup. A table holds titles, "
+      "abbreviations and plain texts; what it cannot hold is named on standard error.\n\n"
       "  quorlo export library.json\n"
       "  quorlo export --folder Letters --format csv > letters.csv");
 }

@@ -3,6 +3,7 @@
 #include "cli/commands/csv_arguments.h"
 #include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
+#include "cli/importing/import_output.h"
 #include "cli/interruption.h"
 #include "cli/library/folder_names.h"
 #include "import/file_import.h"
@@ -59,12 +60,6 @@ Result<ImportReport> import(const ImportArguments& arguments, ManagedObjectConte
   return importFiles(files, columns.value(), options.value(), library, progress);
 }
 
-void print(CommandSession& session, const ImportReport& report) {
-  if (session.json()) return session.out().write(json(report));
-  for (const auto& each : details(report)) session.note(toUtf8(each));
-  session.out().write(toUtf8(summary(report)) + "\n");
-}
-
 Result<ExitStatus> importAndReport(CommandSession& session, const ImportArguments& arguments) {
   const auto library = arguments.isDryRun ? session.openLibrary() : session.beginLibrary();
   if (!library) return library.error();
@@ -76,7 +71,7 @@ Result<ExitStatus> importAndReport(CommandSession& session, const ImportArgument
     return ExitStatus::interrupted;
   }
   if (!report) return report.error();
-  print(session, report.value());
+  printImport(session, report.value());
   return report.value().refusedFiles.empty() ? ExitStatus::done : ExitStatus::failed;
 }
 
@@ -102,8 +97,11 @@ void addImportCommand(CommandParser& parser) {
       "All of it is imported or nothing: an error and Ctrl-C leave the library as it was. The result goes to "
       "standard output, what could not be kept as it was to standard error. Of several files the readable "
       "ones are imported; the exit status is 1 when one was refused.\n\n"
-      "Columns that are not named are guessed by their titles, or by their order; once one is named, only "
-      "those named are used.\n\n"
+      "Columns that are not named are guessed by their names, or by their order; once one is named, only "
+      "those named are used. Where a guess may leave out texts, nothing is imported until the columns are named. "
+      "Standard error says which column was taken for what, and the lines of which something was left out.\n\n"
+      "What an export of Quorlo holds and the library has is left as it is there; what lies in the trash is taken "
+      "out of it.\n\n"
       "  quorlo import snippets.csv --dry-run\n"
       "  quorlo import old.csv --separator semicolon --abbreviation 1 --text 3 --folder Old");
 }

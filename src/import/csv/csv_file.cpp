@@ -35,7 +35,7 @@ Result<ImportData> readCsvRecords(const std::filesystem::path& file, const Decod
   auto records = std::move(read).value();
   ImportData data;
   data.snippets = std::move(records.snippets);
-  for (auto& message : csvNotices(file, decoded.encoding, records.count)) {
+  for (auto& message : csvNotices(file, decoded.encoding, mapping.columns.value(), records.findings)) {
     data.notices.push_back({{}, std::move(message)});
   }
   return data;

@@ -1,73 +1,84 @@
 #include "import/csv/csv_mapping.h"
 
-#include "text/case_folding.h"
+#include "import/csv/column_names.h"
 
 #include <algorithm>
-#include <array>
-#include <span>
 #include <string_view>
 
 namespace quorlo {
 namespace {
 
-using Names = std::span<const std::u16string_view>;
+constexpr std::size_t kLongestName = 40;
+constexpr std::ptrdiff_t kMostBlanksInName = 4;
 
-// In the form of `plainName`, the most telling first.
-constexpr std::array<std::u16string_view, 9> kTitleNames{u"title",       u"name",         u"label",
-                                                         u"description", u"titel",        u"bezeichnung",
-                                                         u"überschrift", u"beschreibung", u"betreff"};
-constexpr std::array<std::u16string_view, 10> kAbbreviationNames{
-    u"abbreviation", u"shortcut", u"trigger",  u"keyword",  u"abbr",
-    u"abkürzung",    u"kürzel",   u"auslöser", u"kurzform", u"stichwort"};
-constexpr std::array<std::u16string_view, 14> kTextNames{
-    u"plaintext", u"text",         u"snippet",  u"content", u"expansion", u"replacement", u"phrase",
-    u"body",      u"textbaustein", u"baustein", u"inhalt",  u"ersetzung", u"vorlage",     u"schnipsel"};
+using RankOfName = std::size_t (ColumnName::*)(ColumnRole) const;
 
-// Without case and what stands between words: "Plain Text" and "plain_text" are one name.
-std::u16string plainName(std::u16string_view header) {
-  auto name = foldCase(header);
-  std::erase_if(name, [](char16_t c) { return c == u' ' || c == u'_' || c == u'-' || c == u'.'; });
-  return name;
-}
-
-// Gives each role the first free column that matches one of its names.
-template <class Matches>
-void assign(CsvColumns& columns, const std::vector<std::u16string>& names, Matches matches) {
-  const auto isFree = [&](std::size_t column) {
-    return columns.title != column && columns.abbreviation != column && columns.text != column;
-  };
-  const auto find = [&](std::optional<std::size_t>& role, Names wanted) {
-    for (const auto name : wanted) {
-      for (std::size_t i = 0; i < names.size() && !role; ++i) {
-        if (isFree(i) && matches(names[i], name)) role = i;
-      }
+// Gives each role that has none the free column that tells most of it.
+void assign(CsvColumns& columns, const std::vector<ColumnName>& names, RankOfName rank) {
+  const auto find = [&](std::optional<std::size_t>& column, ColumnRole role) {
+    if (column) return;
+    auto best = ColumnName::kUnknown;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const auto each = columns.has(i) ? ColumnName::kUnknown : (names[i].*rank)(role);
+      if (each >= best) continue;
+      best = each;
+      column = i;
     }
   };
-  find(columns.abbreviation, kAbbreviationNames);
-  find(columns.text, kTextNames);
-  find(columns.title, kTitleNames);
+  find(columns.abbreviation, ColumnRole::abbreviation);
+  find(columns.text, ColumnRole::text);
+  find(columns.title, ColumnRole::title);
 }
 
-CsvColumns columnsByPosition(std::size_t count) {
-  if (count == 0) return {};
-  if (count == 1) return {.title = {}, .abbreviation = {}, .text = 0};
-  if (count == 2) return {.title = {}, .abbreviation = 0, .text = 1};
-  return {.title = 0, .abbreviation = 1, .text = 2};
+CsvColumns columnsByName(const std::vector<std::u16string>& names) {
+  const std::vector<ColumnName> plain(names.begin(), names.end());
+  CsvColumns columns;
+  assign(columns, plain, &ColumnName::rank);
+  assign(columns, plain, &ColumnName::rankOfWord);
+  return columns;
+}
+
+std::vector<std::size_t> freeColumns(const CsvColumns& columns, const std::vector<std::u16string>& names) {
+  std::vector<std::size_t> free;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (!names[i].empty() && !columns.has(i)) free.push_back(i);
+  }
+  return free;
+}
+
+bool mayBeName(std::u16string_view field) {
+  return field.size() <= kLongestName && field.find_first_of(u"\r\n") == field.npos &&
+         std::ranges::count(field, u' ') <= kMostBlanksInName;
 }
 
 }  // namespace
 
-CsvColumns guessColumns(const std::vector<std::u16string>& headers) {
-  std::vector<std::u16string> names(headers.size());
-  std::ranges::transform(headers, names.begin(), plainName);
-  CsvColumns columns;
-  assign(columns, names, [](const auto& name, auto wanted) { return name == wanted; });
-  assign(columns, names, [](const auto& name, auto wanted) { return name.find(wanted) != name.npos; });
-  if (columns == CsvColumns{}) return columnsByPosition(headers.size());
-  for (auto i = headers.size(); i > 0 && !columns.text; --i) {
-    if (columns.title != i - 1 && columns.abbreviation != i - 1) columns.text = i - 1;
+CsvGuess guessColumns(const std::vector<std::u16string>& names) {
+  auto columns = columnsByName(names);
+  if (columns == CsvColumns{}) return guessColumnsByPosition(names.size());
+  const auto free = freeColumns(columns, names);
+  if (columns.text) {
+    const bool isClear = columns.abbreviation.has_value() || free.empty();
+    return {columns, isClear ? CsvDoubt::none : CsvDoubt::columns};
   }
-  return columns;
+  if (!free.empty()) columns.text = free.back();
+  return {columns, free.size() == 1 ? CsvDoubt::none : CsvDoubt::columns};
+}
+
+CsvGuess guessColumnsByPosition(std::size_t count) {
+  if (count == 0) return {};
+  if (count == 1) return {{.title = {}, .abbreviation = {}, .text = 0}};
+  if (count == 2) return {{.title = {}, .abbreviation = 0, .text = 1}};
+  return {{.title = 0, .abbreviation = 1, .text = 2}, count == 3 ? CsvDoubt::none : CsvDoubt::tooMany};
+}
+
+bool isHeader(const std::vector<std::u16string>& firstRow) {
+  return std::ranges::all_of(firstRow, mayBeName) && columnsByName(firstRow) != CsvColumns{};
+}
+
+bool isCertainHeader(const std::vector<std::u16string>& firstRow) {
+  const auto columns = columnsByName(firstRow);
+  return columns.abbreviation || (columns.title && columns.text) || freeColumns(columns, firstRow).empty();
 }
 
 }  // namespace quorlo

@@ -18,10 +18,11 @@ struct CsvPreview {
   std::vector<std::u16string> headers;            // of the columns that are offered
   std::vector<std::vector<std::u16string>> rows;  // data rows that are not empty; long fields are cut
   std::size_t columnCount = 0;                    // with those that are not offered
-  CsvColumns likelyColumns;
+  bool hasHeader = false;                         // as the mapping has it, or as is likely
+  CsvGuess guess;
 };
 
-// `mapping` has its separator. The error is part of a sentence.
+// `mapping` has its separator; the columns are guessed whatever it has. The error is part of a sentence.
 Result<CsvPreview> csvPreview(std::u16string_view text, const CsvMapping& mapping);
 
 }  // namespace quorlo

@@ -7,6 +7,7 @@
 #include "import/file_bytes.h"
 #include "import/work_progress.h"
 #include "store/localized_format.h"
+#include "text/quotation.h"
 #include "text/utf.h"
 
 #include <algorithm>
@@ -19,28 +20,30 @@ namespace {
 constexpr std::size_t kMostRecords = 2'000'000;
 constexpr std::size_t kRowsPerStep = 1'000;
 
-// Calls `visit(fields)`, which returns a Status, for each data row with anything in it.
+// Calls `visit(fields)`, which returns a Status, for each data row that is a snippet.
 template <class Visit>
-Result<CsvRowCount> visitRows(std::u16string_view text, const CsvMapping& mapping, WorkProgress& progress,
+Result<CsvFindings> visitRows(std::u16string_view text, const CsvMapping& mapping, WorkProgress& progress,
                               Visit visit) {
-  CsvScanner scanner(text, mapping.separator.value());
-  CsvRowCount count;
+  const auto separator = mapping.separator.value();
+  bool isHeader = mapping.hasHeader.value();
+  CsvScanner scanner(text, separator, startOfTable(text, separator));
+  CsvExamination examination(text, mapping.columns.value(),
+                             isHeader ? 0 : fitOfSeparator(text, separator).columns);
   CsvFields fields;
-  bool isHeader = mapping.hasHeader;
   for (std::size_t i = 0; scanner.next(fields); ++i) {
-    count.columns = std::max(count.columns, fields.size());
     if (i % kRowsPerStep == 0) {
       if (progress.isCancelled()) return importWasCancelled();
       progress.setFraction(static_cast<double>(scanner.position()) / static_cast<double>(text.size() + 1));
     }
-    if (std::exchange(isHeader, false) || std::ranges::all_of(fields, &std::u16string_view::empty)) continue;
-    ++count.rows;
-    if (const Status status = visit(fields); !status) return status.error();
+    if (std::exchange(isHeader, false)) {
+      examination.takeHeader(fields, scanner);
+    } else if (examination.take(fields, scanner)) {
+      if (const Status status = visit(fields); !status) return status.error();
+    }
   }
   if (!scanner.status()) return scanner.status().error();
-  count.unclosedLine = scanner.unclosedLine();
   progress.setFraction(1);
-  return count;
+  return examination.finish(scanner);
 }
 
 std::u16string value(const CsvFields& fields, std::optional<std::size_t> column) {
@@ -57,18 +60,56 @@ Status checkColumns(const CsvColumns& columns, std::size_t count) {
   return {};
 }
 
+constexpr std::size_t kQuotedNames = 6;
+
+// The first names, each in quotation marks.
+std::u16string quotedNames(const std::vector<std::u16string>& names) {
+  std::u16string list;
+  for (std::size_t i = 0; i < std::min(names.size(), kQuotedNames); ++i) {
+    list += (i == 0 ? u"“" : u", “") + quotation(names[i]) + u"”";
+  }
+  return names.size() > kQuotedNames ? list + u", …" : list;
+}
+
+// Part of a sentence, with what to do on the command line.
+Error refusal(CsvDoubt doubt, const CsvPreview& preview) {
+  const auto& columns = preview.hasHeader || preview.rows.empty() ? preview.headers : preview.rows.front();
+  const auto names = quotedNames(columns);
+  switch (doubt) {
+    case CsvDoubt::header:
+      return {
+          toUtf8(localizedFormat(u"its first row (%@) may name the columns or be a snippet; say which with "
+                                 u"--header or --no-header, and which column is which with --title, "
+                                 u"--abbreviation and --text",
+                                 names))};
+    case CsvDoubt::uneven:
+      return {
+          toUtf8(localizedFormat(u"its rows have different numbers of fields, and its first row (%@) names "
+                                 u"no columns; say what it is with --no-header, --separator or --text",
+                                 names))};
+    default:
+      return {
+          toUtf8(localizedFormat(u"its columns are not all known by their names (%@); say which is which "
+                                 u"with --title, --abbreviation and --text, by number or name",
+                                 names))};
+  }
+}
+
 }  // namespace
 
 Result<CsvMapping> completed(CsvMapping mapping, std::u16string_view text) {
   if (!mapping.separator) mapping.separator = likeliestSeparator(text);
-  if (mapping.columns) return mapping;
+  if (mapping.hasHeader && mapping.columns) return mapping;
   const auto preview = csvPreview(text, mapping);
   if (!preview) return preview.error();
-  mapping.columns = preview.value().likelyColumns;
+  const auto& guess = preview.value().guess;
+  if (!mapping.columns && guess.doubt != CsvDoubt::none) return refusal(guess.doubt, preview.value());
+  mapping.hasHeader = preview.value().hasHeader;
+  if (!mapping.columns) mapping.columns = guess.columns;
   return mapping;
 }
 
-Result<CsvRowCount> countRows(std::u16string_view text, const CsvMapping& mapping, WorkProgress& progress) {
+Result<CsvFindings> examineRows(std::u16string_view text, const CsvMapping& mapping, WorkProgress& progress) {
   return visitRows(text, mapping, progress, [](const CsvFields&) { return Status(); });
 }
 
@@ -86,10 +127,10 @@ Result<CsvRecords> csvRecords(std::u16string_view text, const CsvMapping& mappin
     records.snippets.push_back(std::move(snippet));
     return {};
   };
-  const auto count = visitRows(text, mapping, progress, add);
-  if (!count) return count.error();
-  records.count = count.value();
-  if (const auto status = checkColumns(columns, records.count.columns); !status) return status.error();
+  auto findings = visitRows(text, mapping, progress, add);
+  if (!findings) return findings.error();
+  records.findings = std::move(findings).value();
+  if (const auto status = checkColumns(columns, records.findings.columns); !status) return status.error();
   return records;
 }
 

@@ -68,13 +68,16 @@ bool CsvScanner::next(CsvFields& fields) {
   return true;
 }
 
-std::optional<std::size_t> CsvScanner::unclosedLine() const {
+std::optional<std::size_t> CsvScanner::unclosedLine() {
   if (!isQuoted_) return std::nullopt;
   return line();
 }
 
-std::size_t CsvScanner::line() const {
-  return 1 + static_cast<std::size_t>(std::ranges::count(text_.substr(0, rowStart_), u'\n'));
+std::size_t CsvScanner::line() {
+  const auto uncounted = text_.substr(countedTo_, rowStart_ - countedTo_);
+  countedLines_ += static_cast<std::size_t>(std::ranges::count(uncounted, u'\n'));
+  countedTo_ = rowStart_;
+  return 1 + countedLines_;
 }
 
 }  // namespace quorlo

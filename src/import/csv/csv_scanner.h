@@ -23,8 +23,9 @@ class CsvScanner {
   // Wider rows are no table but a wrong separator.
   static constexpr std::size_t kMostColumns = 1'000'000;
 
-  // The separator is neither a quotation mark nor a line end.
-  CsvScanner(std::u16string_view text, char16_t separator) : text_(text), separator_(separator) {}
+  // The separator is neither a quotation mark nor a line end. Reading begins at `start`, a row's first place.
+  CsvScanner(std::u16string_view text, char16_t separator, std::size_t start = 0)
+      : text_(text), separator_(separator), position_(start) {}
 
   // Replaces `fields`. False at the end of the text and at a row that is too wide, which status() tells.
   bool next(CsvFields& fields);
@@ -34,17 +35,18 @@ class CsvScanner {
   // How much of the text has been read, in UTF-16 units.
   std::size_t position() const { return position_; }
 
-  // Of the last row read, when its last quotation mark is not closed before the text ends: the line in which
-  // it begins, counted from 1.
-  std::optional<std::size_t> unclosedLine() const;
+  // The line in which the last row read begins, counted from 1. Asked for each row, it costs one pass.
+  std::size_t line();
+  // The same when its last quotation mark is not closed before the text ends.
+  std::optional<std::size_t> unclosedLine();
 
  private:
-  std::size_t line() const;
-
   std::u16string_view text_;
   char16_t separator_;
   std::size_t rowStart_ = 0;
-  std::size_t position_ = 0;
+  std::size_t position_;
+  std::size_t countedTo_ = 0;
+  std::size_t countedLines_ = 0;
   bool isQuoted_ = false;
   bool isAtEnd_ = false;
   Status status_;

@@ -6,16 +6,12 @@
 #include <algorithm>
 
 namespace quorlo {
-namespace {
-
 std::u16string trimmedHeader(std::u16string_view field) {
   constexpr std::u16string_view kBlanks = u" \t";
   const auto start = std::min(field.find_first_not_of(kBlanks), field.size());
   const auto end = field.find_last_not_of(kBlanks) + 1;
   return std::u16string(field.substr(start, end > start ? end - start : 0));
 }
-
-}  // namespace
 
 std::u16string columnName(std::size_t index) {
   return localizedFormat(u"Column %d", static_cast<std::int64_t>(index + 1));
@@ -25,7 +21,7 @@ Result<CSwiftV> CSwiftV::parse(std::u16string_view text, char16_t separator, Hea
                                CsvExtent extent) {
   CSwiftV table;
   table.header_ = header;
-  CsvScanner scanner(text, separator);
+  CsvScanner scanner(text, separator, extent.start);
   CsvFields row;
   if (header == Header::firstRow && scanner.next(row)) {
     std::ranges::transform(row, std::back_inserter(table.headers_), trimmedHeader);

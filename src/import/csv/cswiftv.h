@@ -14,10 +14,11 @@ namespace quorlo {
 
 using CsvRow = std::span<const std::u16string_view>;
 
-// How much of a table is read: up to the row that reaches one of these.
+// What of a table is read: up to the row that reaches one of the numbers.
 struct CsvExtent {
   std::size_t rows = std::numeric_limits<std::size_t>::max();  // data rows
   std::size_t fields = std::numeric_limits<std::size_t>::max();
+  std::size_t start = 0;  // the place of the first row in the text
 };
 
 // A table in a text, as CsvScanner reads it; 16 bytes a field. Any thread; the text must outlive it.
@@ -49,6 +50,9 @@ class CSwiftV {
   std::vector<std::u16string_view> fields_;  // of all rows; its memory moves with the table
   std::vector<CsvRow> rows_;
 };
+
+// Without spaces and tabs at both ends.
+std::u16string trimmedHeader(std::u16string_view field);
 
 // "Column 1" for the first, 0.
 std::u16string columnName(std::size_t index);

@@ -52,6 +52,23 @@ Result<std::shared_ptr<const ImportData>> makeRecords(const Files& files, const 
   return std::shared_ptr<const ImportData>(std::move(all));
 }
 
+std::u16string questionOf(CsvDoubt doubt) {
+  switch (doubt) {
+    case CsvDoubt::none:
+      return {};
+    case CsvDoubt::header:
+      return localized(
+          u"Does the first row have the names of the columns, or is it a snippet? Choose above.");
+    case CsvDoubt::uneven:
+      return localized(
+          u"The rows have different numbers of fields. Choose the separator and the columns above.");
+    case CsvDoubt::columns:
+    case CsvDoubt::tooMany:
+      return localized(u"Not all columns are known by their names. Choose above which is which.");
+  }
+  return {};
+}
+
 }  // namespace
 
 QLCSVOptionsViewController::QLCSVOptionsViewController(const Dependencies& dependencies,
@@ -96,8 +113,9 @@ void QLCSVOptionsViewController::viewDidAppear() {
         if (!read) return fail(read.error());
         text_ = read.value().text;
         if (!separatorIsChosen_) {
-          separator_ = static_cast<std::size_t>(
-              std::ranges::find(kSeparators, read.value().likeliestSeparator) - kSeparators.begin());
+          const auto* const likeliest = std::ranges::find(kSeparators, read.value().likeliestSeparator);
+          separator_ =
+              likeliest == kSeparators.end() ? 0 : static_cast<std::size_t>(likeliest - kSeparators.begin());
         }
         parseAgain();
       });
@@ -114,6 +132,7 @@ void QLCSVOptionsViewController::changeSeperator(std::size_t segment) {
 void QLCSVOptionsViewController::setHasHeader(bool hasHeader) {
   if (importCSVSnippets_) return;
   hasHeader_ = hasHeader;
+  hasHeaderIsChosen_ = true;
   parseAgain();
 }
 
@@ -121,11 +140,12 @@ void QLCSVOptionsViewController::setHasHeader(bool hasHeader) {
 void QLCSVOptionsViewController::parseAgain() {
   if (text_) {
     previewIsCurrent_ = false;
-    count_.reset();
+    findings_.reset();
     error_.clear();
-    inBackground(
-        [text = text_, mapping = mapping()](WorkProgress&) { return csvPreview(text->text, mapping); },
-        [this](Result<CsvPreview> preview) { didParseBeginning(std::move(preview)); });
+    auto open = mapping();
+    if (!hasHeaderIsChosen_) open.hasHeader.reset();
+    inBackground([text = text_, open](WorkProgress&) { return csvPreview(text->text, open); },
+                 [this](Result<CsvPreview> preview) { didParseBeginning(std::move(preview)); });
   }
   observers_.notify();
 }
@@ -134,22 +154,27 @@ void QLCSVOptionsViewController::didParseBeginning(Result<CsvPreview> preview) {
   previewIsCurrent_ = preview.ok();
   auto error = preview ? Error{} : preview.error();
   preview_ = preview ? std::move(preview).value() : CsvPreview();
+  if (previewIsCurrent_) hasHeader_ = preview_.hasHeader;
   fillPopUpButtons();
   if (!previewIsCurrent_) return failToParse(error);
+  examine();
+  observers_.notify();
+}
+
+void QLCSVOptionsViewController::examine() {
   inBackground([text = text_, mapping = mapping()](
-                   WorkProgress& progress) { return countRows(text->text, mapping, progress); },
-               [this](const Result<CsvRowCount>& count) {
-                 if (!count) return failToParse(count.error());
-                 count_ = count.value();
+                   WorkProgress& progress) { return examineRows(text->text, mapping, progress); },
+               [this](Result<CsvFindings> findings) {
+                 if (!findings) return failToParse(findings.error());
+                 findings_ = std::move(findings).value();
                  observers_.notify();
                });
-  observers_.notify();
 }
 
 void QLCSVOptionsViewController::fillPopUpButtons() {
   std::vector<std::u16string> items{localized(u"None"), u""};
   std::ranges::copy(preview_.headers, std::back_inserter(items));
-  const auto& likely = preview_.likelyColumns;
+  const auto& likely = preview_.guess.columns;
   const std::array likelyColumns{likely.title, likely.abbreviation, likely.text};
   for (const auto role : {title, abbreviation, text}) {
     auto column = chosenColumns_[role].value_or(likelyColumns[role]);
@@ -163,6 +188,7 @@ void QLCSVOptionsViewController::select(Role role, std::size_t item) {
   if (importCSVSnippets_ || item == PopUpButton::kSeparatorItem || item >= button.items.size()) return;
   button.selectedIndex = item;
   chosenColumns_[role] = button.selectedColumn();
+  if (previewIsCurrent_) examine();
   observers_.notify();
 }
 
@@ -223,7 +249,7 @@ QLCSVOptionsViewController::ProgressIndicator QLCSVOptionsViewController::progre
 }
 
 std::optional<std::size_t> QLCSVOptionsViewController::rowCount() const {
-  return count_ ? std::optional(count_->rows) : std::nullopt;
+  return findings_ ? std::optional(findings_->rows) : std::nullopt;
 }
 
 CsvColumns QLCSVOptionsViewController::selectedColumns() const {
@@ -233,7 +259,13 @@ CsvColumns QLCSVOptionsViewController::selectedColumns() const {
 
 std::u16string QLCSVOptionsViewController::notice() const {
   if (!text_) return {};
-  auto notices = csvNotices(importedCSVURLs_.front(), text_->encoding, count_.value_or(CsvRowCount()));
+  std::vector<std::u16string> notices;
+  if (auto question = questionOf(preview_.guess.doubt); isAsking() && !question.empty()) {
+    notices.push_back(std::move(question));
+  }
+  auto found = csvNotices(importedCSVURLs_.front(), text_->encoding, selectedColumns(),
+                          findings_.value_or(CsvFindings()));
+  std::ranges::move(found, std::back_inserter(notices));
   if (preview_.headers.size() < preview_.columnCount) {
     notices.push_back(localizedFormat(u"The table has %d columns; the first thousand are shown.",
                                       static_cast<std::int64_t>(preview_.columnCount)));
@@ -241,6 +273,14 @@ std::u16string QLCSVOptionsViewController::notice() const {
   std::u16string joined;
   for (const auto& each : notices) joined += (joined.empty() ? u"" : u"\n") + each;
   return joined;
+}
+
+// Until the user has chosen a column or said whether there is a header.
+bool QLCSVOptionsViewController::isAsking() const {
+  const bool isAnswered = hasHeaderIsChosen_ || std::ranges::any_of(chosenColumns_, [](const auto& each) {
+                            return each.has_value();
+                          });
+  return previewIsCurrent_ && !isAnswered;
 }
 
 bool QLCSVOptionsViewController::canConfirm() const {

@@ -55,7 +55,8 @@ class QLCSVOptionsViewController {
   // Begins to read the first file.
   void viewDidAppear();
 
-  // What the user does. A choice of a column is kept for as long as there is such a column.
+  // What the user does. A choice of a column is kept for as long as there is such a column. Whether there is
+  // a header is guessed until the user says it.
   void changeSeperator(std::size_t segment);  // of kSeparators
   void setHasHeader(bool hasHeader);
   void selectTitle(std::size_t item) { select(Role::title, item); }
@@ -106,11 +107,13 @@ class QLCSVOptionsViewController {
 
   void parseAgain();
   void didParseBeginning(Result<CsvPreview> preview);
+  void examine();
   void fillPopUpButtons();
   void select(Role role, std::size_t item);
   void failToParse(const Error& reason);
   void fail(const Error& error);
   CsvMapping mapping() const;
+  bool isAsking() const;
 
   Dependencies its_;
   std::vector<std::filesystem::path> importedCSVURLs_;
@@ -120,13 +123,14 @@ class QLCSVOptionsViewController {
   std::size_t separator_ = 0;
   bool separatorIsChosen_ = false;
   bool hasHeader_ = true;
+  bool hasHeaderIsChosen_ = false;
   std::array<PopUpButton, 3> popUpButtons_;
   std::array<std::optional<std::optional<std::size_t>>, 3> chosenColumns_;  // by the user
 
   std::shared_ptr<const DecodedText> text_;  // of the first file, once it is read
   CsvPreview preview_;
   bool previewIsCurrent_ = false;
-  std::optional<CsvRowCount> count_;
+  std::optional<CsvFindings> findings_;  // of the chosen columns
   std::u16string error_;
   bool importCSVSnippets_ = false;
   bool isClosed_ = false;

@@ -67,6 +67,9 @@ class CsvExport {
 
     if (text.hasLostFormats) run_.warn(snippet, localized(u"A table cannot hold its formatting."));
     if (text.hasLostPictures) run_.warn(snippet, localized(u"A table cannot hold its pictures."));
+    if (text.characters.empty() && !snippet.abbreviation().empty()) {
+      run_.warn(snippet, localized(u"It has no text for a table; Quorlo does not read such a row back."));
+    }
     if (loses_.quotes) {
       run_.warn(
           snippet,

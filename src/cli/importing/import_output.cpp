@@ -1,0 +1,68 @@
+#include "cli/importing/import_output.h"
+
+#include "cli/command_session.h"
+#include "cli/terminal_text.h"
+#include "import/import_report.h"
+#include "text/utf.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+
+namespace quorlo {
+namespace {
+
+constexpr std::size_t kColumns = 3;
+constexpr std::array<std::size_t, kColumns> kWidest{24, 16, 40};
+constexpr std::string_view kGap = "  ";
+
+using Row = std::array<std::string, kColumns>;
+
+const Row kHeadings{"TITLE", "ABBREVIATION", "TEXT"};
+
+Row rowOf(const ImportedExample& example) {
+  Row row{toUtf8(example.title), toUtf8(example.abbreviation), toUtf8(example.text)};
+  for (auto& field : row) field = printable(field, LineBreaks::shown);
+  return row;
+}
+
+std::string aligned(const Row& row, const std::array<std::size_t, kColumns>& widths) {
+  std::string line;
+  for (std::size_t i = 0; i < kColumns; ++i) {
+    const auto field = cutToWidth(row[i], widths[i]);
+    line += field;
+    if (i + 1 < kColumns) line.append(widths[i] - displayWidth(field), ' ').append(kGap);
+  }
+  return line + "\n";
+}
+
+// In a terminal columns, for other programs a line each with tabs between.
+void printExamples(CommandOutput& out, const std::vector<ImportedExample>& examples) {
+  std::vector<Row> rows;
+  for (const auto& each : examples) rows.push_back(rowOf(each));
+  if (!out.isTerminal()) {
+    for (const auto& row : rows) out.write(row[0] + "\t" + row[1] + "\t" + row[2] + "\n");
+    return;
+  }
+  if (rows.empty()) return;
+  rows.insert(rows.begin(), kHeadings);
+  std::array<std::size_t, kColumns> widths{};
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      widths[i] = std::min(std::max(widths[i], displayWidth(row[i])), kWidest[i]);
+    }
+  }
+  for (const auto& row : rows) out.write(aligned(row, widths));
+}
+
+}  // namespace
+
+void printImport(CommandSession& session, const ImportReport& report) {
+  if (session.json()) return session.out().write(json(report));
+  for (const auto& each : details(report)) session.note(toUtf8(each));
+  session.out().write(toUtf8(summary(report)) + "\n");
+  printExamples(session.out(), report.examples);
+}
+
+}  // namespace quorlo
