@@ -9,14 +9,13 @@
 #include "figures.h"
 #include "import/import_report.h"
 #include "import/library_import.h"
+#include "metered_queue.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/store_opening.h"
 #include "text/utf.h"
-#include "x11/pumped_queue.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -41,26 +40,6 @@ void require(bool condition, const char* what) {
   std::fprintf(stderr, "%s\n", what);
   std::exit(1);
 }
-
-class MeteredQueue : public PumpedQueue {
- public:
-  void run(Task task) override { PumpedQueue::run(metered(std::move(task))); }
-  void runAfter(Seconds delay, Task task) override { PumpedQueue::runAfter(delay, metered(std::move(task))); }
-
-  double longestTurn() const { return longest_; }
-  void forget() { longest_ = 0; }
-
- private:
-  Task metered(Task task) {
-    return [this, task = std::move(task)] {
-      const auto begin = Clock::now();
-      task();
-      longest_ = std::max(longest_, seconds(Clock::now() - begin));
-    };
-  }
-
-  double longest_ = 0;
-};
 
 std::shared_ptr<const ImportData> records(std::size_t count) {
   auto data = std::make_shared<ImportData>();

@@ -22,9 +22,10 @@ inline constexpr std::array<std::pair<int, std::string_view>, 4> kExitStatusText
      {2, "Wrong usage"},
      {130, "Interrupted by Ctrl-C; nothing was changed"}}};
 
-inline constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kFileTexts{
+inline constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kFileTexts{
     {{"$XDG_DATA_HOME/org.quorlo.Quorlo/private.sqlite",
       "The library; $XDG_DATA_HOME is ~/.local/share where it is not set"},
+     {"$XDG_DATA_HOME/org.quorlo.Quorlo/backups/", "Copies of the library, the 10 newest"},
      {"$XDG_CONFIG_HOME/quorlo/", "The settings; $XDG_CONFIG_HOME is ~/.config where it is not set"}}};
 
 inline std::string helpFooter() {

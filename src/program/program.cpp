@@ -87,6 +87,7 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
   auto parts = std::make_unique<Parts>(std::move(ground), std::move(instance).value(),
                                        std::move(desktop).value(), std::move(library).value(), options.quit);
   parts->delegate.applicationDidFinishLaunching();
+  parts->rollingBackups.start();
   parts->service.emplace(parts->requests());
   if (!options.files.empty()) parts->delegate.open(options.files);
   if (options.abbreviations) parts->settings.setAbbreviationsEnabled(*options.abbreviations);

@@ -54,6 +54,7 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
 // The windows look at much of the rest until they are gone.
 Program::Parts::~Parts() {
   service.reset();
+  backupsWindow.reset();
   about.reset();
   windows.destroyAll();
 }
@@ -132,6 +133,13 @@ void Program::Parts::mentionCrashReport() {
                       .actionTitle = {}});
 }
 
+void Program::Parts::tellBackupFailure(const Error& error) {
+  notifications.post({.title = localized(u"The library could not be backed up."),
+                      .body = toUtf16(error.message),
+                      .categoryIdentifier = "backup",
+                      .actionTitle = {}});
+}
+
 void Program::Parts::setWindowMakers() {
   const auto menuShortcut = [this] { return delegate.menuShortcut(); };
   const auto setMenuShortcut = [this](std::optional<Shortcut> shortcut) {
@@ -159,7 +167,8 @@ void Program::Parts::setWindowMakers() {
                                         const auto& options) { imports.importFiles(files, options); },
                   .canUndoImport = [this] { return imports.canUndo(); },
                   .undoImport = [this] { imports.undoImport(); },
-                  .exportSnippets = [this](const auto& offer) { exports.begin(offer); }},
+                  .exportSnippets = [this](const auto& offer) { exports.begin(offer); },
+                  .showBackups = [this] { showBackups(); }},
     });
   });
   windows.setCommitEditing(kSnippetEditorWindow, [](QWidget& window) {
@@ -211,6 +220,32 @@ void Program::Parts::setWindowMakers() {
         },
         .closed = [this] { navigation.setPresentsWelcomeView(false); },
     });
+  });
+}
+
+void Program::Parts::showBackups() {
+  if (!backupsWindow) {
+    backupsWindow = std::make_unique<BackupsWindow>(BackupsWindowServices{
+        .backups = backups,
+        .workspace = desktop->workspace(),
+        .saveLibrary = [this]() -> Status {
+          if (!windows.commitEditing()) return Error{toUtf8(localized(u"A snippet is being edited."))};
+          return persistence.managedObjectContext().save();
+        },
+        .restore = [this](const auto& backup,
+                          auto completion) { restoreLibrary(backup, std::move(completion)); },
+    });
+  }
+  backupsWindow->present();
+}
+
+// Own saves wait: they belong to the library that is replaced.
+void Program::Parts::restoreLibrary(const std::filesystem::path& backup,
+                                    std::function<void(const Result<RestoredLibrary>&)> completion) {
+  auto deferral = std::make_shared<Subscription>(persistence.deferSaves());
+  backups.restore(backup, [deferral, completion = std::move(completion)](const auto& restored) {
+    deferral->reset();
+    completion(restored);
   });
 }
 

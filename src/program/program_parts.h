@@ -30,6 +30,8 @@
 #include "program/session_typing_context.h"
 #include "program/shared_instances.h"
 #include "program/single_instance.h"
+#include "store/backup/library_backups.h"
+#include "store/backup/rolling_backups.h"
 #include "store/context/background_context.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
@@ -39,6 +41,7 @@
 #include "text/locale_quotes.h"
 #include "ui/about/about_window.h"
 #include "ui/accessibility_help_window.h"
+#include "ui/backups/backups_window.h"
 #include "ui/dbus_user_notifications.h"
 #include "ui/file_user_defaults.h"
 #include "ui/fill_in_window.h"
@@ -95,10 +98,14 @@ struct Program::Parts {
   AppDelegate::Dependencies delegateDependencies();
   ApplicationRequests requests();
   void setWindowMakers();
+  void showBackups();
+  void restoreLibrary(const std::filesystem::path& backup,
+                      std::function<void(const Result<RestoredLibrary>&)> completion);
   void chooseWay(const std::string& identifier);
   void createAbbreviationsMonitor();
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
+  void tellBackupFailure(const Error& error);
   std::string inputMethod() const;  // the one that makes text of the keys; empty for none
   std::string status() const;
   std::vector<AccessibilityHelp> obstacles() const;
@@ -184,6 +191,13 @@ struct Program::Parts {
                                             .now = [] { return std::chrono::system_clock::now(); }});
                                }}};
   LibraryExporter exports{libraryExport, [this] { return windows.commitEditing(); }};
+  ThreadBackgroundQueue backupThread;
+  LibraryBackups backups{
+      {queue, backupThread, environment.dataDirectory(), [] { return std::chrono::system_clock::now(); }}};
+  RollingBackups rollingBackups{
+      {queue, backups, persistence.managedObjectContext(), [] { return std::chrono::system_clock::now(); },
+       [] { return true; }, [this](const Error& error) { tellBackupFailure(error); }}};
+  std::unique_ptr<BackupsWindow> backupsWindow;
   IgnoredPieceNotice ignoredPieces{defaults, notifications,
                                    [this](const std::string& identifier) { chooseWay(identifier); }};
   AppSetup setup{{persistence, defaults, settings, navigation, [this] { return history.startObserving(); }}};

@@ -117,7 +117,8 @@ struct LibraryWindowTest : testing::Test {
                              },
                          .canUndoImport = [] { return false; },
                          .undoImport = {},
-                         .exportSnippets = [this](const ExportOffer& offer) { exported = offer; }}}};
+                         .exportSnippets = [this](const ExportOffer& offer) { exported = offer; },
+                         .showBackups = {}}}};
 };
 
 TEST_F(LibraryWindowTest, WhatIsTypedReachesTheSnippetAndABadAbbreviationIsExplainedAndKeptOut) {

@@ -16,6 +16,7 @@ void addRestoreCommand(CommandParser& parser);
 void addStatsCommand(CommandParser& parser);
 void addImportCommand(CommandParser& parser);
 void addExportCommand(CommandParser& parser);
+void addBackupCommand(CommandParser& parser);
 void addSettingsCommands(CommandParser& parser);
 void addProgramCommands(CommandParser& parser);
 void addCompletionCommands(CommandParser& parser);

@@ -23,7 +23,7 @@ class CommandDefinition {
 
   // The names of an option are "-f,--folder"; a name without a hyphen is an argument's. The values outlive
   // the parsing. The type of a value decides what completion offers: TEXT, FILE, SNIPPET, TRASHED (a snippet
-  // in the trash), FOLDER, SETTING, or the choices themselves ("csv|json").
+  // in the trash, or a backup), FOLDER, SETTING, or the choices themselves ("csv|json").
 
   // A text in UTF-8; wrong usage where it is ill-formed.
   OptionDefinition& addText(std::string_view names, std::optional<std::string>& value,

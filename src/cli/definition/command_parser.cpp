@@ -64,6 +64,7 @@ CommandParser::CommandParser()
   section_ = "Library";
   addImportCommand(*this);
   addExportCommand(*this);
+  addBackupCommand(*this);
   addStatsCommand(*this);
   section_ = "Program";
   addSettingsCommands(*this);

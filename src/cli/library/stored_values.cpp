@@ -3,13 +3,17 @@
 #include "cli/command_session.h"
 #include "cli/commands/settings_values.h"
 #include "cli/library/library_access.h"
+#include "cli/local_date.h"
 #include "cli/terminal_text.h"
 #include "platform/environment.h"
+#include "store/backup/backup_folder.h"
 #include "store/context/managed_object_context.h"
 #include "store/library_editing.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "text/utf.h"
+
+#include <algorithm>
 
 namespace quorlo {
 namespace {
@@ -44,6 +48,15 @@ std::vector<Candidate> folders(const ManagedObjectContext& library) {
   return candidates;
 }
 
+// Another form of the date that needs no quotation marks.
+void offerBackups(std::vector<Candidate>& candidates, const Environment& environment) {
+  for (const auto& each : BackupFolder::of(environment.dataDirectory()).backups()) {
+    auto date = localDateAndTime(each.date);
+    std::ranges::replace(date, ' ', 'T');
+    offer(candidates, date, "a backup of the whole library");
+  }
+}
+
 std::vector<Candidate> settings() {
   std::vector<Candidate> candidates;
   for (const auto each : settingsByKey()) {
@@ -63,8 +76,10 @@ std::vector<Candidate> storedValues(CommandSession& session, std::string_view ty
   const auto library = openOrBeginLibrary(session.environment());
   if (!library) return {};
   if (type == "FOLDER") return folders(*library.value());
-  return snippets(*library.value(),
-                  type == "TRASHED" ? QLSnippet::kDeletionDate.isNotNil() : QLSnippet::kDeletionDate.isNil());
+  if (type == "SNIPPET") return snippets(*library.value(), QLSnippet::kDeletionDate.isNil());
+  auto candidates = snippets(*library.value(), QLSnippet::kDeletionDate.isNotNil());
+  offerBackups(candidates, session.environment());
+  return candidates;
 }
 
 }  // namespace quorlo

@@ -1,6 +1,8 @@
 #include "store/backup/backup_file.h"
 
 #include "store/backup/online_copy.h"
+#include "store/sqlite/log_mark.h"
+#include "store/sqlite/log_settling.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/store_files.h"
 
@@ -90,18 +92,20 @@ Result<LibraryContents> libraryContents(SqliteDatabase& library) {
   return contents;
 }
 
+Status openBackup(SqliteDatabase& backup) {
+  return backup.open(logIsEmpty(backup.file()) ? Access::alone : Access::readOnly);
+}
+
 Result<LibraryContents> readBackup(const fs::path& file) {
   SqliteDatabase backup(file);
-  if (auto status = backup.open(Access::readOnly); !status) return status.error();
+  if (auto status = openBackup(backup); !status) return status.error();
   return libraryContents(backup);
 }
 
 Status checkDatabase(SqliteDatabase& database) {
-  auto check = database.prepare("PRAGMA quick_check(1)");
-  const auto row = check.step();
-  if (!row) return row.error();
-  if (row.value() && check.text(0) == "ok") return {};
-  return database.damage("it is damaged (" + std::string(row.value() ? check.text(0) : "") + ").");
+  const auto sound = isSound(database);
+  if (!sound) return sound.error();
+  return sound.value() ? Status() : Status(database.damage("it is damaged."));
 }
 
 void removeDraft(const fs::path& draft) {

@@ -27,8 +27,9 @@ struct LibraryContents {
 // What an open library holds; an error where it is none, or damaged.
 Result<LibraryContents> libraryContents(SqliteDatabase& library);
 
-// The same of a library's file, of this or an older layout, that no program has open. Leaves the file and
-// its folder as they are.
+// Opens a library's file, of this or an older layout, that no program writes to. The file and its folder stay
+// as they are.
+Status openBackup(SqliteDatabase& backup);
 Result<LibraryContents> readBackup(const std::filesystem::path& file);
 
 // SQLite's own check of everything but the order of the indexes.

@@ -87,7 +87,7 @@ Status giveIdentity(const fs::path& copy) {
 // Checked, and beside the library, so that a rename puts it in its place.
 Result<LibraryContents> copyBeside(const fs::path& backup, const fs::path& copy, const MayGoOn& mayGoOn) {
   SqliteDatabase source(backup);
-  if (auto status = source.open(Access::readOnly); !status) return status.error();
+  if (auto status = openBackup(source); !status) return status.error();
   if (auto status = isRestorable(source); !status) return status.error();
   auto draft = copy;
   const auto contents = writeBackup(source, copy, draft += ".new", mayGoOn);

@@ -56,6 +56,9 @@ void LibraryFiles::addMenuTo(QToolBar& bar) {
   auto* const undo = add(u"arrow.uturn.backward", u"Undo Import", {}, [this] { services_.undoImport(); });
   connect(menu, &QMenu::aboutToShow, undo, [this, undo] { undo->setEnabled(services_.canUndoImport()); });
 
+  menu->addSeparator();
+  add(u"clock", u"Backups…", {}, [this] { services_.showBackups(); });
+
   auto* const button = new QToolButton;
   button->setIcon(symbol(u"doc.text"));
   button->setText(localizedText(u"&File"));

@@ -23,6 +23,7 @@ struct LibraryFileServices {
   std::function<bool()> canUndoImport;
   std::function<void()> undoImport;
   std::function<void(const ExportOffer&)> exportSnippets;
+  std::function<void()> showBackups;
 };
 
 // What the library window offers about files: a menu in its tool bar, and taking in what is dropped on it
