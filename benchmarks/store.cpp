@@ -106,6 +106,37 @@ void measureLookups(Figures& figures, const std::filesystem::path& directory, in
   figures.add("lookup_ns_" + size, nanoseconds);
 }
 
+void measureUuids(Figures& figures, const std::filesystem::path& directory) {
+  Library library(directory);
+  std::vector<std::string> wanted;
+  const auto all = library.context().fetch(FetchRequest<QLSnippet>{}).value();
+  std::mt19937 random(7);
+  for (int i = 0; i < kLookups; ++i) wanted.push_back(all[random() % all.size()]->uuid());
+  library.context().recordOfUuid<QLSnippet>(wanted.front());  // makes the index
+  std::size_t found = 0;
+  const auto begin = Clock::now();
+  for (const auto& each : wanted) found += library.context().recordOfUuid<QLSnippet>(each) != nullptr;
+  const auto nanoseconds = millisecondsSince(begin) * 1e6 / kLookups;
+  if (found != wanted.size()) giveUp({"A uuid was not found."});
+  figures.add("find_uuid_ns_100k", nanoseconds);
+}
+
+// One use of a snippet of 57 MB, and how much it writes.
+void measureAUseOfALongText(Figures& figures) {
+  TemporaryDirectory directory;
+  Library library(directory.path());
+  const auto snippet = library.context().insert<QLSnippet>();
+  snippet->setPlainText(std::u16string(57'000'000, u'x'));
+  snippet->setUseCount(1);
+  library.save();
+  if (!library.database().execute("PRAGMA wal_checkpoint(TRUNCATE)")) giveUp({"The log cannot be merged."});
+  snippet->setUseCount(2);
+  library.save();
+  std::filesystem::path log = library.database().file();
+  log += "-wal";
+  figures.add("use_of_57mb_written_kb", static_cast<double>(std::filesystem::file_size(log)) / 1024);
+}
+
 // As much as the write-ahead log gets in a small save, then the wait.
 double syncMilliseconds(int file) {
   const std::string pages(5UL * 4096, 'x');
@@ -156,6 +187,8 @@ void run(Figures& figures) {
   measureOpening(figures, directory / "100k", "100k");
   measureLookups(figures, directory / "1k", 1'000, "1k");
   measureLookups(figures, directory / "100k", 100'000, "100k");
+  measureUuids(figures, directory / "100k");
+  measureAUseOfALongText(figures);
   measureSavingOne(figures, directory / "10k");
   measureSavingMany(figures);
 }

@@ -77,13 +77,13 @@ SettingsController& CommandSession::settings() {
   return *settings_;
 }
 
-Result<std::unique_ptr<ManagedObjectContext>> CommandSession::openLibrary() {
+Result<std::unique_ptr<ManagedObjectContext>> CommandSession::openLibrary(LibraryUse use) {
   allowCoreDumps(settings().debugModeEnabled());
   if (libraryIsMissing(environment())) {
     note("There is no library yet. The first \"quorlo add\" or \"quorlo import\" begins one.");
     return emptyLibrary(environment());
   }
-  return openLibraryToRead(environment());
+  return use == LibraryUse::changing ? openOrBeginLibrary(environment()) : openLibraryToRead(environment());
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> CommandSession::beginLibrary() {

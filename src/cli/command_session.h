@@ -4,6 +4,7 @@
 #include "base/subscription.h"
 #include "cli/command_output.h"
 #include "cli/exit_status.h"
+#include "store/context/library_use.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -42,9 +43,11 @@ class CommandSession {
   StoredUserDefaults& defaults();
   SettingsController& settings();
 
-  // The library as it is. Where there is none, says so, and gives an empty one that is kept nowhere.
-  Result<std::unique_ptr<ManagedObjectContext>> openLibrary();
-  // The library, begun where there is none.
+  // The library as it is. Where there is none, says so, and gives an empty one that is kept nowhere. One that
+  // is to be changed keeps other programs that save waiting until it is saved, so that nothing is waited for
+  // meanwhile.
+  Result<std::unique_ptr<ManagedObjectContext>> openLibrary(LibraryUse use = LibraryUse::reading);
+  // The library to be changed, begun where there is none.
   Result<std::unique_ptr<ManagedObjectContext>> beginLibrary();
 
   // Whether the result is to be one JSON document.

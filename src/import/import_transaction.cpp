@@ -203,10 +203,8 @@ QLCategory* ImportTransaction::folderOfTitle(const std::u16string& title) {
 }
 
 QLCategory* ImportTransaction::folderOfUuid(const std::string& uuid) const {
-  const auto found =
-      context_.fetch<QLCategory>({.predicate = QLCategory::kUuid.equals(uuid), .fetchLimit = 1});
-  if (!found || found.value().empty() || !takesSnippets(*found.value().front())) return nullptr;
-  return found.value().front().get();
+  const auto found = context_.recordOfUuid<QLCategory>(uuid);
+  return found && takesSnippets(*found) ? found.get() : nullptr;
 }
 
 // Of folders with the same title the first one in the sidebar counts.

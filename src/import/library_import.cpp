@@ -132,7 +132,8 @@ void LibraryImport::start(Operation<Outcome> operation, Completion<Outcome> comp
     const auto perform = [&]() -> Result<Outcome> {
       if (work->progress.isCancelled()) return importWasCancelled();
       const auto context = openBackgroundContext(
-          storeFile, {.name = "import_context", .transactionAuthor = "import", .now = now});
+          storeFile, {.name = "import_context", .transactionAuthor = "import", .now = now},
+          LibraryUse::changing);
       if (!context) return context.error();
       return operation(*context.value(), work->progress);
     };

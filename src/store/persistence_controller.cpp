@@ -126,9 +126,7 @@ bool PersistenceController::trySave() {
 }
 
 std::shared_ptr<QLCategory> PersistenceController::folder(std::string_view uuid) const {
-  return loggedFetchOfFirst<QLCategory>(*context_,
-                                        {.predicate = QLCategory::kUuid.equals(uuid).inParentheses()},
-                                        "ERROR: #cnt8er; Couldn't fetch Category. ");
+  return context_->recordOfUuid<QLCategory>(uuid);
 }
 
 std::shared_ptr<QLCategory> PersistenceController::builtInFolder(CategoryType type) const {
@@ -176,9 +174,7 @@ std::u16string PersistenceController::nextUntitledName() const {
 }
 
 std::shared_ptr<QLSnippet> PersistenceController::snippet(std::string_view uuid) const {
-  return loggedFetchOfFirst<QLSnippet>(*context_,
-                                       {.predicate = QLSnippet::kUuid.equals(uuid).inParentheses()},
-                                       "ERROR: #HRdfhu; Couldn't fetch Snipet. ");
+  return context_->recordOfUuid<QLSnippet>(uuid);
 }
 
 std::shared_ptr<QLSnippet> PersistenceController::snippetForAbbreviation(
@@ -248,6 +244,19 @@ Subscription PersistenceController::deferSaves() {
   return Subscription(life_.guard([this] {
     if (--saveDeferrals_ == 0) saveAfterDidChangeNotification();
   }));
+}
+
+bool PersistenceController::hasRepaired(std::string_view name) const {
+  const auto repaired = context_->hasRepaired(name);
+  if (!repaired) logError("ERROR: #hRp5Kd; Couldn't read what was repaired. " + repaired.error().message);
+  return repaired && repaired.value();
+}
+
+void PersistenceController::noteRepaired(std::string_view name) {
+  if (!trySave()) return;
+  if (const auto noted = context_->noteRepaired(name); !noted) {
+    logError("ERROR: #nRp8Tz; Couldn't note what was repaired. " + noted.error().message);
+  }
 }
 
 void PersistenceController::createBuiltInFolders() {

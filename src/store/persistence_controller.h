@@ -94,6 +94,12 @@ class PersistenceController {
   // anybody should wait for the lock. Those that are asked for do not.
   Subscription deferSaves();
 
+  // Repairs that are done once in the life of a library, by their names: it says so itself, in whatever
+  // program and on whatever device it is opened. What a repair has changed is saved before it counts as done;
+  // a failure is logged and leaves it to be done again.
+  bool hasRepaired(std::string_view name) const;
+  void noteRepaired(std::string_view name);
+
   // The maintenance of store_maintenance.h and built_in_folders.h on the main context; which of it when, and
   // what has been done once, is the start-up's business. What is merged is saved at once, other changes soon.
   void createBuiltInFolders();

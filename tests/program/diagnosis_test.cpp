@@ -32,6 +32,11 @@ TEST(DiagnosisTest, EachTroubleIsNamedWithARemedyAndNothingElseIsAProblem) {
       {[](SessionFacts& f) { f.hasSessionBus = false; }, "no session bus", true},
       {[](SessionFacts& f) { f.unwritableFolder = "The folder /x cannot be written."; }, "/x cannot", true},
       {[](SessionFacts& f) { f.libraryProblem = "It is damaged."; }, "It is damaged.", true},
+      {[](SessionFacts& f) {
+         f.duplicates.abbreviations = {"brb", "sig"};
+       },
+       "\"brb\", \"sig\"", true},
+      {[](SessionFacts& f) { f.duplicates.folderTitles = {"Letters"}; }, "\"Letters\"", true},
       {[](SessionFacts& f) { f.hasStatusNotifierHost = false; }, "shows no tray icons", false},
       {[](SessionFacts& f) { f.clipboardManager = "clipit"; }, "clipit keeps", false},
       {[](SessionFacts& f) { f.hasNotificationServer = false; }, "No program shows notifications", false},

@@ -5,6 +5,8 @@
 
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace quorlo {
@@ -16,6 +18,10 @@ class FakeRecordStore final : public RecordStore {
       : commits_(commits), result_(result) {}
 
   Status load(ManagedObjectContext&) override { return {}; }
+  Result<std::vector<std::shared_ptr<QLSnippet>>> purge(std::span<const std::shared_ptr<QLSnippet>> trashed,
+                                                        Date, const Writer&, Date) override {
+    return std::vector(trashed.begin(), trashed.end());
+  }
   Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer&, Date,
                                                            const SaveProgress& progress) override {
     if (progress && !progress(0.5)) return Error{"The save was called off."};
@@ -24,9 +30,16 @@ class FakeRecordStore final : public RecordStore {
     return std::vector<std::shared_ptr<ManagedObject>>();
   }
   Status refresh(ManagedObjectContext&, std::span<const HistoryChange>) override { return {}; }
+  Result<bool> hasRepaired(std::string_view name) override { return repaired.contains(std::string(name)); }
+  Status noteRepaired(std::string_view name) override {
+    repaired.emplace(name);
+    return {};
+  }
   Result<std::optional<AttributedString>> richText(const QLSnippet&) override {
     return std::optional<AttributedString>();
   }
+
+  std::set<std::string> repaired;
 
  private:
   std::vector<ChangeSet>& commits_;

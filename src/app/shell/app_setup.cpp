@@ -41,8 +41,11 @@ AppSetup::AppSetup(Dependencies dependencies) : use_(std::move(dependencies)) {}
 void AppSetup::once(const char* flag, const std::function<bool()>& step) {
   const auto* value = use_.defaults.value(DefaultsDomain::standard, flag);
   const auto* isDone = value ? std::get_if<bool>(value) : nullptr;
-  if (isDone && *isDone) return;
-  if (step()) use_.defaults.setValue(DefaultsDomain::standard, flag, true);
+  const bool isDoneHere = isDone && *isDone;
+  const bool isDoneInLibrary = use_.persistence.hasRepaired(flag);
+  if (!isDoneHere && !isDoneInLibrary && !step()) return;
+  if (!isDoneInLibrary) use_.persistence.noteRepaired(flag);
+  if (!isDoneHere) use_.defaults.setValue(DefaultsDomain::standard, flag, true);
 }
 
 Status AppSetup::prepareStore() {

@@ -38,7 +38,8 @@ class AppSetup {
   void recordSelection();
 
  private:
-  // Runs the step unless the flag says that it has been done, and sets the flag if it says that it is.
+  // Runs the step unless the library or the settings have the flag that says that it has been done, and sets
+  // it in both once it is: another device then finds it in the library.
   void once(const char* flag, const std::function<bool()>& step);
 
   Dependencies use_;

@@ -16,13 +16,16 @@ Result<ExitStatus> add(CommandSession& session, const SnippetFields& fields) {
     session.note("The snippet needs a text: --text TEXT, --text - for standard input, or --file FILE.");
     return ExitStatus::wrongUsage;
   }
+  const auto text = snippetText(session, fields.text);
+  if (!text) return text.error();
   const auto library = session.beginLibrary();
   if (!library) return library.error();
   auto& context = *library.value();
   const auto snippet = context.insert<QLSnippet>();
   snippet->setUuid(randomUuid());
   snippet->setCreationDate(context.now());
-  if (const auto status = applyFields(session, context, *snippet, fields); !status) return status.error();
+  if (const auto status = applyFields(session, context, *snippet, fields, text.value()); !status)
+    return status.error();
   if (snippet->plainText().empty()) return Error{"The text is empty. Nothing was added."};
   if (const auto status = context.save(); !status) return status.error();
   printChanged(session, "Added", *snippet);

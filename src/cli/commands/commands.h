@@ -17,6 +17,7 @@ void addStatsCommand(CommandParser& parser);
 void addImportCommand(CommandParser& parser);
 void addExportCommand(CommandParser& parser);
 void addBackupCommand(CommandParser& parser);
+void addRepairCommand(CommandParser& parser);
 void addSettingsCommands(CommandParser& parser);
 void addProgramCommands(CommandParser& parser);
 void addCompletionCommands(CommandParser& parser);

@@ -21,13 +21,15 @@ Result<ExitStatus> edit(CommandSession& session, const EditOptions& options) {
     session.note("Nothing to change is given. Try: quorlo edit --help");
     return ExitStatus::wrongUsage;
   }
-  const auto library = session.openLibrary();
+  const auto text = snippetText(session, options.fields.text);
+  if (!text) return text.error();
+  const auto library = session.openLibrary(LibraryUse::changing);
   if (!library) return library.error();
   auto& context = *library.value();
   const auto found = snippetNamed(context, toUtf16(*options.snippet), Among::library);
   if (!found) return found.error();
   auto& snippet = *found.value();
-  if (const auto status = applyFields(session, context, snippet, options.fields); !status) {
+  if (const auto status = applyFields(session, context, snippet, options.fields, text.value()); !status) {
     return status.error();
   }
   if (const auto status = context.save(); !status) return status.error();

@@ -36,7 +36,7 @@ std::vector<std::string> linesOf(const Snippets& snippets) {
 }
 
 Result<ExitStatus> moveToTrash(CommandSession& session, const RemoveOptions& options) {
-  const auto library = session.openLibrary();
+  const auto library = session.openLibrary(LibraryUse::changing);
   if (!library) return library.error();
   const auto snippets = snippetsNamed(*library.value(), options.snippets, Among::library);
   if (!snippets) return snippets.error();
@@ -63,7 +63,7 @@ Result<ExitStatus> deleteForGood(CommandSession& session, const RemoveOptions& o
     session.note("To delete for good without being asked, add --yes.");
     return ExitStatus::wrongUsage;
   }
-  const auto library = session.openLibrary();
+  const auto library = session.openLibrary(options.isConfirmed ? LibraryUse::changing : LibraryUse::reading);
   if (!library) return library.error();
   const auto snippets = anywhere(*library.value(), options.snippets);
   if (!snippets) return snippets.error();

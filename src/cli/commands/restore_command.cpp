@@ -34,7 +34,7 @@ void restore(CommandSession& session, const ManagedObjectContext& library, QLSni
 }
 
 Result<ExitStatus> restoreSnippets(CommandSession& session, const std::vector<std::string>& names) {
-  const auto library = session.openLibrary();
+  const auto library = session.openLibrary(LibraryUse::changing);
   if (!library) return library.error();
   const auto snippets = snippetsNamed(*library.value(), names, Among::trash);
   if (!snippets) return snippets.error();
@@ -51,7 +51,7 @@ Result<ExitStatus> restoreSnippets(CommandSession& session, const std::vector<st
 // False also where the library cannot be opened, which a backup may well be for.
 bool isInTrash(const CommandSession& session, const std::string& name) {
   if (libraryIsMissing(session.environment())) return false;
-  const auto library = openOrBeginLibrary(session.environment());
+  const auto library = openLibraryToRead(session.environment());
   return library && snippetNamed(*library.value(), toUtf16(name), Among::trash);
 }
 

@@ -66,6 +66,7 @@ CommandParser::CommandParser()
   addExportCommand(*this);
   addBackupCommand(*this);
   addStatsCommand(*this);
+  addRepairCommand(*this);
   section_ = "Program";
   addSettingsCommands(*this);
   addProgramCommands(*this);

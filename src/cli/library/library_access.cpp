@@ -2,6 +2,7 @@
 
 #include "macros/find_macros.h"
 #include "platform/environment.h"
+#include "store/context/library_use.h"
 #include "store/context/managed_object_context.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_files.h"
@@ -20,10 +21,15 @@ ManagedObjectContext::Configuration configuration(const Environment& environment
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> load(Result<std::unique_ptr<SqliteDatabase>> database,
-                                                   const Environment& environment) {
+                                                   const Environment& environment, LibraryUse use) {
   if (!database) return database.error();
   auto store = std::make_unique<SqliteRecordStore>(std::move(database).value());
   auto& opened = store->database();
+  if (use == LibraryUse::changing) {
+    if (const auto status = store->keepOthersWaiting(); !status) {
+      return storeLoadFailure(opened, status.error(), environment.now());
+    }
+  }
   auto parts = configuration(environment);
   parts.store = std::move(store);
   auto context = std::make_unique<ManagedObjectContext>(std::move(parts));
@@ -41,11 +47,13 @@ bool libraryIsMissing(const Environment& environment) {
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment) {
-  return load(openStore(environment.dataDirectory(), {.now = environment.now()}), environment);
+  return load(openStore(environment.dataDirectory(), {.now = environment.now()}), environment,
+              LibraryUse::changing);
 }
 
 Result<std::unique_ptr<ManagedObjectContext>> openLibraryToRead(const Environment& environment) {
-  return load(openStoreToRead(environment.dataDirectory(), {.now = environment.now()}), environment);
+  return load(openStoreToRead(environment.dataDirectory(), {.now = environment.now()}), environment,
+              LibraryUse::reading);
 }
 
 std::unique_ptr<ManagedObjectContext> emptyLibrary(const Environment& environment) {

@@ -15,6 +15,7 @@ class ManagedObjectContext;
 // Neither a library nor one of the previous version, from which one is begun.
 bool libraryIsMissing(const Environment& environment);
 
+// To be changed: other programs that save wait until it is saved, or gone.
 Result<std::unique_ptr<ManagedObjectContext>> openOrBeginLibrary(const Environment& environment);
 
 // The same for a command that only reads: also on a disk that is full or mounted read-only, where a save

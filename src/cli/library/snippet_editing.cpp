@@ -40,13 +40,9 @@ void setType(QLSnippet& snippet, SnippetType type) {
 }
 
 // A picture whose text is set is one no more.
-Status setText(CommandSession& session, QLSnippet& snippet, const SnippetTextSource& source) {
-  const auto text = snippetText(session, source);
-  if (!text) return text.error();
-  if (!text.value()) return {};
-  snippet.setPlainText(*text.value());
+void setText(QLSnippet& snippet, const std::u16string& text) {
+  snippet.setPlainText(text);
   if (snippet.type() == SnippetType::image) setType(snippet, SnippetType::plainText);
-  return {};
 }
 
 std::optional<SnippetType> typeNamed(std::string_view name) {
@@ -69,10 +65,10 @@ void addFields(CommandDefinition& command, SnippetFields& fields) {
 }
 
 Status applyFields(CommandSession& session, ManagedObjectContext& context, QLSnippet& snippet,
-                   const SnippetFields& fields) {
+                   const SnippetFields& fields, const std::optional<std::u16string>& text) {
   const bool isNamedByText =
       !snippet.titleIsCustom() && snippet.title() == titleFromText(snippet.plainText());
-  if (auto status = setText(session, snippet, fields.text); !status) return status;
+  if (text) setText(snippet, *text);
   if (const auto type = typeNamed(fields.type)) setType(snippet, *type);
   if (fields.title) setTitle(snippet, *fields.title);
   if (snippet.title().empty() || (isNamedByText && !fields.title)) {

@@ -27,10 +27,11 @@ struct SnippetFields {
 
 void addFields(CommandDefinition& command, SnippetFields& fields);
 
-// A snippet without a title of its own is named by its text. After an error the context is not to be saved.
-// An abbreviation behind a shorter one is advised against on standard error and set all the same.
+// `text` is what the fields' source gives. A snippet without a title of its own is named by its text. After
+// an error the context is not to be saved. An abbreviation behind a shorter one is advised against on
+// standard error and set all the same.
 Status applyFields(CommandSession& session, ManagedObjectContext& context, QLSnippet& snippet,
-                   const SnippetFields& fields);
+                   const SnippetFields& fields, const std::optional<std::u16string>& text);
 
 // What became of it, in one line or as JSON.
 void printChanged(CommandSession& session, std::string_view what, const QLSnippet& snippet);

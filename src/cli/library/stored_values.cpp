@@ -73,7 +73,7 @@ std::vector<Candidate> storedValues(CommandSession& session, std::string_view ty
       libraryIsMissing(session.environment())) {
     return {};
   }
-  const auto library = openOrBeginLibrary(session.environment());
+  const auto library = openLibraryToRead(session.environment());
   if (!library) return {};
   if (type == "FOLDER") return folders(*library.value());
   if (type == "SNIPPET") return snippets(*library.value(), QLSnippet::kDeletionDate.isNil());

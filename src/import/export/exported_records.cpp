@@ -49,11 +49,8 @@ class Selecting {
   }
 
   Result<ExportedRecords> operator()(const OneFolder& chosen) const {
-    const auto found =
-        context_.fetch<QLCategory>({.predicate = QLCategory::kUuid.equals(chosen.uuid), .fetchLimit = 1});
-    if (!found) return found.error();
-    if (found.value().empty()) return missing(u"The folder is not in the library any more.");
-    const auto& folder = found.value().front();
+    const auto folder = context_.recordOfUuid<QLCategory>(chosen.uuid);
+    if (!folder) return missing(u"The folder is not in the library any more.");
     const auto isLiveInIt =
         Predicate::all({QLSnippet::kCategory.equals(folder.get()), QLSnippet::kDeletionDate.isNil()});
     auto snippets =

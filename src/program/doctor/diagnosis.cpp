@@ -103,6 +103,23 @@ Finding library(const SessionFacts& facts) {
   return {Level::fine, fmt::format("The library is in order and holds {} snippets.", *facts.snippets)};
 }
 
+std::vector<Finding> duplicates(const SessionFacts& facts) {
+  std::vector<Finding> findings;
+  const auto add = [&findings](const std::vector<std::string>& names, std::string_view text,
+                               std::string remedy) {
+    if (names.empty()) return;
+    findings.push_back(
+        {Level::problem, fmt::format("{}: \"{}\".", text, fmt::join(names, "\", \"")), std::move(remedy)});
+  };
+  add(facts.duplicates.abbreviations,
+      "More than one snippet has the abbreviation, of which only the oldest expands",
+      "Leave it to the oldest with: quorlo repair");
+  add(facts.duplicates.folderTitles,
+      "More than one folder has the title, by which commands cannot tell them apart",
+      "Rename one of them, or put their snippets together, in the library window.");
+  return findings;
+}
+
 std::vector<Finding> switches(const SessionFacts& facts) {
   std::vector<Finding> findings;
   if (facts.isRunning) {
@@ -148,6 +165,7 @@ std::vector<Finding> diagnose(const SessionFacts& facts) {
   findings.push_back(notifications(facts));
   findings.push_back(folders(facts));
   findings.push_back(library(facts));
+  std::ranges::move(duplicates(facts), std::back_inserter(findings));
   std::ranges::move(switches(facts), std::back_inserter(findings));
   addObstaclesOfRunning(facts, findings);
   return findings;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/accessibility_trust.h"
+#include "program/doctor/duplicates_check.h"
 
 #include <cstddef>
 #include <optional>
@@ -29,6 +30,7 @@ struct SessionFacts {
   std::optional<std::string> unwritableFolder;  // of the settings or the data, with the reason
   std::optional<std::string> libraryProblem;    // what the store says of itself, and what to do
   std::optional<std::size_t> snippets;          // absent while there is no library yet
+  LibraryDuplicates duplicates;
 };
 
 struct Finding {

@@ -108,6 +108,12 @@ SessionFacts gatherFacts(const SessionPlaces& places) {
   const auto library = checkLibrary(places.environment.dataDirectory());
   if (library) {
     facts.snippets = library.value();
+    auto found = findDuplicates(places.environment.dataDirectory());
+    if (found) {
+      facts.duplicates = std::move(found).value();
+    } else {
+      facts.libraryProblem = found.error().message;
+    }
   } else {
     facts.libraryProblem = library.error().message;
   }

@@ -26,6 +26,10 @@ void ChangeLog::noteDeletion(std::shared_ptr<ManagedObject> record) {
   entries_.insert_or_assign(id, Entry{std::move(record), Kind::deleted});
 }
 
+void ChangeLog::forget(const ManagedObject& record) {
+  entries_.erase(record.objectID());
+}
+
 bool ChangeLog::holds(const ManagedObject& record) const {
   return entries_.contains(record.objectID());
 }

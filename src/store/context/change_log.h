@@ -25,6 +25,8 @@ class ChangeLog {
   void noteUpdate(ManagedObject& record);
   void noteDeletion(std::shared_ptr<ManagedObject> record);
 
+  void forget(const ManagedObject& record);
+
   bool empty() const { return entries_.empty(); }
   bool holds(const ManagedObject& record) const;
   bool holdsInsertionOf(const ManagedObject& record) const;

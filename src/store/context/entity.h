@@ -14,6 +14,10 @@ constexpr std::string_view entityName(Entity entity) {
   return kNames[static_cast<int>(entity)];
 }
 
+constexpr bool hasUuid(Entity entity) {
+  return entity == Entity::snippet || entity == Entity::category;
+}
+
 // Names a record within its context for as long as the context lives; never given twice.
 struct ObjectID {
   Entity entity = Entity::snippet;

@@ -2,6 +2,8 @@
 
 #include "platform/main_queue.h"
 #include "store/context/managed_object.h"
+#include "store/context/revival.h"
+#include "store/context/store_access.h"
 #include "store/records/ql_snippet.h"
 
 #include <algorithm>
@@ -75,6 +77,7 @@ void ManagedObjectContext::insert(const std::shared_ptr<ManagedObject>& record) 
   if (record->objectID_.number != 0) return;
   enter(record);
   record->awakeFromInsert(*this);
+  if (hasUuid(record->entity())) uuidIndex(record->entity()).add(*record);
   pending_.noteInsertion(record);
   unsaved_.noteInsertion(record);
   scheduleProcessing();
@@ -94,6 +97,7 @@ void ManagedObjectContext::deleteObject(ManagedObject& record) {
   const auto held = record.shared_from_this();
   record.prepareForDeletion();
   if (record.entity() == Entity::snippet) searchIndex_.remove(static_cast<QLSnippet&>(record));
+  if (hasUuid(record.entity())) uuidIndex(record.entity()).remove(record);
   record.context_ = nullptr;
   record.isDeleted_ = true;
 
@@ -194,6 +198,16 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::record(Entity entity, std::
   return found == rows.end() || found->second == nullptr ? nullptr : found->second->shared_from_this();
 }
 
+std::shared_ptr<ManagedObject> ManagedObjectContext::recordOfUuid(Entity entity,
+                                                                  std::string_view uuid) const {
+  auto& index = uuidIndexes_[static_cast<std::size_t>(entity)];
+  if (!index.isBuilt()) index.build(matches(entity, std::nullopt, 0));
+  auto* const found = index.find(uuid);
+  if (found == nullptr) return nullptr;
+  found->awakeFromFetch();
+  return found->shared_from_this();
+}
+
 Result<std::shared_ptr<QLSnippet>> ManagedObjectContext::liveSnippet(std::u16string_view abbreviation) const {
   auto* const snippet = index_.abbreviations.find(abbreviation);
   if (snippet == nullptr) return std::shared_ptr<QLSnippet>();
@@ -213,6 +227,14 @@ Result<bool> ManagedObjectContext::hasApp(std::string_view bundleID, std::int64_
   return index_.hasApp(bundleID, type);
 }
 
+Result<bool> ManagedObjectContext::hasRepaired(std::string_view name) const {
+  return configuration_.store ? configuration_.store->hasRepaired(name) : false;
+}
+
+Status ManagedObjectContext::noteRepaired(std::string_view name) {
+  return configuration_.store ? configuration_.store->noteRepaired(name) : Status();
+}
+
 Status ManagedObjectContext::save(const SaveProgress& progress) {
   processPendingChanges();
   while (hasChanges()) {
@@ -220,8 +242,11 @@ Status ManagedObjectContext::save(const SaveProgress& progress) {
     if (configuration_.store) {
       const auto lost = configuration_.store->save(changes, writer(), now(), progress);
       if (!lost) return lost.error();
-      for (const auto& each : lost.value()) keep(*each);
-      if (!lost.value().empty()) continue;
+      if (!lost.value().empty()) {
+        StoreAccess access(*this, StoreAccess::Purpose::refresh);
+        for (const auto& each : lost.value()) access.remove(*each);
+        continue;
+      }
     }
     unsaved_.clear();
     for (const auto& each : changes.updated) each->changedProperties_.clear();
@@ -230,6 +255,17 @@ Status ManagedObjectContext::save(const SaveProgress& progress) {
     }
   }
   return {};
+}
+
+Result<std::vector<std::shared_ptr<QLSnippet>>> ManagedObjectContext::purgeTrash(Date limit) {
+  if (auto saved = save(); !saved) return saved.error();
+  auto purged = fetch<QLSnippet>({.predicate = QLSnippet::kDeletionDate.atMost(limit).inParentheses()});
+  if (!purged || purged.value().empty()) return purged;
+  if (configuration_.store) purged = configuration_.store->purge(purged.value(), limit, writer(), now());
+  if (!purged) return purged;
+  StoreAccess access(*this, StoreAccess::Purpose::refresh);
+  for (const auto& each : purged.value()) access.remove(*each);
+  return purged;
 }
 
 Status ManagedObjectContext::refresh(std::span<const HistoryChange> changes, Telling telling) {
@@ -264,9 +300,10 @@ void ManagedObjectContext::noteUnsaved(ManagedObject& record, const Property& pr
   if (property.isInverse) return;
   unsaved_.noteUpdate(record);
   auto& changed = record.changedProperties_;
-  if (!unsaved_.holdsInsertionOf(record) && std::ranges::find(changed, &property) == changed.end()) {
-    changed.push_back(&property);
-  }
+  if (unsaved_.holdsInsertionOf(record) || std::ranges::find(changed, &property) != changed.end()) return;
+  changed.push_back(&property);
+  // Should others delete the snippet now, it is stored again whole.
+  if (record.entity() == Entity::snippet && isContent(property)) static_cast<QLSnippet&>(record).richText();
 }
 
 // To the store it is a new record from now on, whose row is given already.

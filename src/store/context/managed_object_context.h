@@ -12,6 +12,7 @@
 #include "store/lookup/expansion_index.h"
 #include "store/lookup/expansion_lookup.h"
 #include "store/lookup/search_index.h"
+#include "store/lookup/uuid_index.h"
 #include "store/uuid.h"
 #include "text/attributed_string.h"
 
@@ -117,21 +118,37 @@ class ManagedObjectContext final : public ExpansionLookup {
   // By the row that it has in the store.
   std::shared_ptr<ManagedObject> record(Entity entity, std::int64_t rowNumber) const;
 
+  // The snippet or folder of the uuid, without a look at the others; null when there is none.
+  template <std::derived_from<ManagedObject> Record>
+  std::shared_ptr<Record> recordOfUuid(std::string_view uuid) const {
+    return std::static_pointer_cast<Record>(recordOfUuid(Record::kEntity, uuid));
+  }
+
   Result<std::shared_ptr<QLSnippet>> liveSnippet(std::u16string_view abbreviation) const override;
   // The same among all snippets but one.
   std::shared_ptr<QLSnippet> otherLiveSnippet(std::u16string_view abbreviation,
                                               const QLSnippet& besides) const;
   Result<bool> hasApp(std::string_view bundleID, std::int64_t type) const override;
 
+  // Repairs that are done once in the life of a library, which says by their names what has been done. One
+  // that is kept nowhere says nothing.
+  Result<bool> hasRepaired(std::string_view name) const;
+  Status noteRepaired(std::string_view name);
+
   bool hasChanges() const { return !unsaved_.empty(); }
 
   // Tells the pending changes, then stores everything. After a failure all changes are still there.
   Status save(const SaveProgress& progress = {});
 
-  // Brings records up to what the store holds now, after others have saved. What is unsaved here wins:
-  // property by property, and a record with unsaved changes that others have deleted stays as it is here,
-  // relationships included, and is stored again by the next save. The rest is told like any change, but is
-  // not unsaved. After a failure the same changes can be taken over again.
+  // Saves, then deletes for good what has been in the trash since `limit` at least, also by what the store
+  // holds at that moment: what others have restored stays. Returns what went.
+  Result<std::vector<std::shared_ptr<QLSnippet>>> purgeTrash(Date limit);
+
+  // Brings records up to what the store holds now, after others have saved. What is unsaved here wins
+  // property by property, and counts are added up. A record that others have deleted goes, unless its unsaved
+  // changes revive it (revival.h): then it stays as it is here, relationships included, and is stored again
+  // by the next save. The rest is told like any change, but is not unsaved. After a failure the same changes
+  // can be taken over again.
   enum class Telling {
     inTurn,
     // With the next change of the user's, or when processPendingChanges is called: for one part of many.
@@ -179,6 +196,8 @@ class ManagedObjectContext final : public ExpansionLookup {
   const Table& table(Entity entity) const { return tables_[static_cast<std::size_t>(entity)]; }
 
   void enter(const std::shared_ptr<ManagedObject>& record);
+  std::shared_ptr<ManagedObject> recordOfUuid(Entity entity, std::string_view uuid) const;
+  UuidIndex& uuidIndex(Entity entity) const { return uuidIndexes_[static_cast<std::size_t>(entity)]; }
   void recordDidChange(ManagedObject& record, const Property& property);
   bool takesFromStore() const { return origin_ != Origin::user; }
   void noteUnsaved(ManagedObject& record, const Property& property);
@@ -196,9 +215,10 @@ class ManagedObjectContext final : public ExpansionLookup {
   Configuration configuration_;
   std::array<Table, kEntityCount> tables_;
   ExpansionIndex index_;
-  mutable SearchIndex searchIndex_;  // made when it is first needed
-  ChangeLog pending_;                // since the last notification
-  ChangeLog unsaved_;                // since the last save
+  mutable SearchIndex searchIndex_;                          // made when it is first needed
+  mutable std::array<UuidIndex, kEntityCount> uuidIndexes_;  // of snippets and folders
+  ChangeLog pending_;                                        // since the last notification
+  ChangeLog unsaved_;                                        // since the last save
   Origin origin_ = Origin::user;
   Telling telling_ = Telling::inTurn;
   // What the observers of records will be told once the store has been taken over.

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorlo {
@@ -39,6 +40,11 @@ class RecordStore {
   // of them and is good for nothing.
   virtual Status load(ManagedObjectContext& context) = 0;
 
+  // Deletes those of the trashed snippets that the store, too, has had in the trash since `limit` at least,
+  // in one transaction, and returns them. None when the clock is far ahead of what others have saved last.
+  virtual Result<std::vector<std::shared_ptr<QLSnippet>>> purge(
+      std::span<const std::shared_ptr<QLSnippet>> trashed, Date limit, const Writer& writer, Date now) = 0;
+
   // Makes the changes permanent, all of them or none: of updated records only the changed properties. An
   // updated record that others have deleted meanwhile is returned; then nothing is written, and the record
   // can be saved as an inserted one that keeps its row. Otherwise the inserted records have their rows.
@@ -51,6 +57,10 @@ class RecordStore {
   // context stays, property by property. After an error some records may not be up to date; the same changes
   // can be taken over again.
   virtual Status refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) = 0;
+
+  // Whether a repair that is done once in the life of a library has been done, and that it has been.
+  virtual Result<bool> hasRepaired(std::string_view name) = 0;
+  virtual Status noteRepaired(std::string_view name) = 0;
 
   // Nothing when the store has none for the snippet (any more); an error when it cannot be read.
   virtual Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) = 0;

@@ -1,5 +1,6 @@
 #include "store/context/store_access.h"
 
+#include "store/context/revival.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
@@ -87,10 +88,12 @@ std::vector<ManagedObject*> StoreAccess::referrers(const ManagedObject& record) 
 }
 
 void StoreAccess::remove(ManagedObject& record) {
-  if (!isUnsaved(record)) {
-    context_.deleteObject(record);
-  } else if (!isNewToStore(record)) {
+  if (isNewToStore(record)) return;
+  if (isUnsaved(record) && revives(record)) {
     context_.keep(record);
+  } else {
+    context_.unsaved_.forget(record);
+    context_.deleteObject(record);
   }
 }
 

@@ -47,7 +47,7 @@ class StoreAccess {
   // The saved records whose stored relationships lead to this one.
   static std::vector<ManagedObject*> referrers(const ManagedObject& record);
 
-  // Others have deleted it. With unsaved changes it stays, as one that is new to the store.
+  // Others have deleted it. With unsaved changes that revive it, it stays, as one that is new to the store.
   void remove(ManagedObject& record);
 
   // What versions before wrote for no abbreviation; it is not nil until somebody sets it.

@@ -138,7 +138,8 @@ std::vector<std::int64_t> PersistentHistoryObserver::duplicatesAmong(
 Result<bool> PersistentHistoryObserver::deduplicateEach(const std::vector<std::int64_t>& folders) const {
   const auto context = openBackgroundContext(
       its_.storeFile,
-      {.name = "deduplication_context", .transactionAuthor = "history_observer", .now = its_.now});
+      {.name = "deduplication_context", .transactionAuthor = "history_observer", .now = its_.now},
+      LibraryUse::changing);
   if (!context) return context.error();
   bool merged = false;
   for (const auto each : folders) {

@@ -70,7 +70,12 @@ constinit const Property QLCategory::kSnippets{
     .entity = kEntity, .name = "snippets", .read = unread, .isInverse = true};
 
 void QLCategory::setUuid(std::string uuid) {
-  set(uuid_, std::move(uuid), kUuid);
+  if (uuid == uuid_) return;
+  auto* const context = managedObjectContext();
+  if (context != nullptr) context->uuidIndex(kEntity).remove(*this);
+  uuid_ = std::move(uuid);
+  if (context != nullptr) context->uuidIndex(kEntity).add(*this);
+  didChange(kUuid);
 }
 void QLCategory::setCreationDate(Date date) {
   set(creationDate_, std::optional(date), kCreationDate);

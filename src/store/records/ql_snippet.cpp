@@ -108,7 +108,12 @@ QLSnippet::QLSnippet() : ManagedObject(kEntity) {}
 QLSnippet::~QLSnippet() = default;
 
 void QLSnippet::setUuid(std::string uuid) {
-  set(uuid_, std::move(uuid), kUuid);
+  if (uuid == uuid_) return;
+  auto* const context = managedObjectContext();
+  if (context != nullptr) context->uuidIndex(kEntity).remove(*this);
+  uuid_ = std::move(uuid);
+  if (context != nullptr) context->uuidIndex(kEntity).add(*this);
+  didChange(kUuid);
 }
 void QLSnippet::setCreationDate(Date date) {
   set(creationDate_, std::optional(date), kCreationDate);
@@ -147,13 +152,14 @@ void QLSnippet::setTitleIsCustom(bool isCustom) {
 }
 
 void QLSnippet::setAbbreviation(std::u16string abbreviation) {
-  if (abbreviation == abbreviation_ && !emptyAbbreviationIsStored_) return;
+  const bool isOther = abbreviation != abbreviation_;
+  if (!isOther && !emptyAbbreviationIsStored_) return;
   leaveIndex();
   emptyAbbreviationIsStored_ = false;
   abbreviation_ = std::move(abbreviation);
   enterIndex();
   didChange(kAbbreviation);
-  touch();
+  if (isOther) touch();
 }
 
 void QLSnippet::setFormatted(std::int64_t rawValue) {

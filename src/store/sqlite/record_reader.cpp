@@ -221,8 +221,6 @@ Status Refresh::makeSureOf(Entity entity, std::int64_t row) {
 
 Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
   StoreAccess access(context, StoreAccess::Purpose::load);
-  const auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::read);
-  if (!transaction) return transaction.error();
   for (const auto entity : kReferencedFirst) {
     if (auto status = loadEntity(database, entity, access); !status) return status;
   }

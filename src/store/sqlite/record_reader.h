@@ -13,7 +13,7 @@ namespace quorlo {
 class ManagedObjectContext;
 class SqliteDatabase;
 
-// The reading operations of RecordStore.
+// The reading operations of RecordStore; the first within the transaction under way.
 Status loadRecords(SqliteDatabase& database, ManagedObjectContext& context);
 Status refreshRecords(SqliteDatabase& database, ManagedObjectContext& context,
                       std::span<const HistoryChange> changes);

@@ -7,6 +7,7 @@
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
+#include "store/sqlite/history_writer.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/stored_attributes.h"
 #include "store/uuid.h"
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -36,7 +36,7 @@ using Records = std::vector<std::shared_ptr<ManagedObject>>;
 class Save {
  public:
   Save(SqliteDatabase& database, const Writer& writer, Date now, const SaveProgress& progress)
-      : database_(database), writer_(writer), now_(now), progress_(progress) {}
+      : database_(database), history_(database, writer, now), progress_(progress) {}
 
   Status run(const ChangeSet& changes);
 
@@ -59,7 +59,6 @@ class Save {
   Status writeText(const QLSnippet& snippet);
   Status writeRelationship(const ManagedObject& owner, const StoredRelationship& relationship);
   Status note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties);
-  Status beginHistory();
   Status didWrite();
 
   const std::string& insertStatement(Entity entity);
@@ -67,12 +66,10 @@ class Save {
   std::int64_t rowOf(const ManagedObject& record) const;
 
   SqliteDatabase& database_;
-  const Writer& writer_;
-  const Date now_;
+  HistoryWriter history_;
   const SaveProgress& progress_;
   std::size_t written_ = 0;
   std::size_t toWrite_ = 0;
-  std::int64_t historyTransaction_ = 0;
   std::array<std::string, kEntityCount> insertStatements_;
   std::unordered_map<const ManagedObject*, std::int64_t> newRows_;
   Records lost_;
@@ -83,10 +80,6 @@ std::string placeholder(const Property& property) {
   if (&property == &QLSnippet::kCategory) return "(SELECT row FROM Category WHERE row = ?)";
   if (&property == &QLApp::kBundleID) return "coalesce(?, '')";
   return "?";
-}
-
-bool hasUuid(const ManagedObject& record) {
-  return record.entity() == Entity::snippet || record.entity() == Entity::category;
 }
 
 // What the history calls the record: an application is known by its contents.
@@ -182,9 +175,9 @@ Status Save::makeRoomFor(ManagedObject& record) {
 
 Status Save::insert(ManagedObject& record) {
   bool isKnown = record.rowNumber() != 0;
-  if (hasUuid(record) && identityOf(record).empty()) setUuid(record, randomUuid());
+  if (hasUuid(record.entity()) && identityOf(record).empty()) setUuid(record, randomUuid());
   auto status = insertRow(record);
-  if (!status && hasUuid(record) && database_.failedAsNotUnique()) {
+  if (!status && hasUuid(record.entity()) && database_.failedAsNotUnique()) {
     if (status = makeRoomFor(record); !status) return status;
     isKnown = true;
     status = insertRow(record);
@@ -309,39 +302,7 @@ Status Save::writeRelationship(const ManagedObject& owner, const StoredRelations
 }
 
 Status Save::note(const ManagedObject& record, HistoryChange::Kind kind, const std::string& properties) {
-  if (historyTransaction_ == 0) {
-    if (auto status = beginHistory(); !status) return status;
-  }
-  return database_
-      .prepare(
-          "INSERT INTO HistoryChange(transactionNumber, entity, row, uuid, kind, changedProperties) "
-          "VALUES(?, ?, ?, ?, ?, ?)")
-      .bind(1, historyTransaction_)
-      .bind(2, entityName(record.entity()))
-      .bind(3, rowOf(record))
-      .bind(4, std::string_view(identityOf(record)))
-      .bind(5, static_cast<int>(kind))
-      .bind(6, std::string_view(properties))
-      .run();
-}
-
-// Later than the transaction before it, whatever the clock does.
-Status Save::beginHistory() {
-  using std::chrono::microseconds;
-  const auto newest = database_.integer("SELECT coalesce(max(timestamp), 0) FROM HistoryTransaction");
-  if (!newest) return newest.error();
-  const auto clock = std::chrono::floor<microseconds>(now_.time_since_epoch()).count();
-  auto status =
-      database_
-          .prepare(
-              "INSERT INTO HistoryTransaction(timestamp, author, contextName, session) VALUES(?, ?, ?, ?)")
-          .bind(1, std::max<std::int64_t>(clock, newest.value() + 1))
-          .bind(2, std::string_view(writer_.author))
-          .bind(3, std::string_view(writer_.contextName))
-          .bind(4, std::string_view(writer_.session))
-          .run();
-  historyTransaction_ = database_.lastInsertRowNumber();
-  return status;
+  return history_.note(record.entity(), rowOf(record), identityOf(record), kind, properties);
 }
 
 void Save::bind(SqliteStatement& statement, int parameter, const ValueView& value) const {
@@ -372,14 +333,13 @@ void Save::tellRecords(const ChangeSet& changes) const {
 
 }  // namespace
 
-Result<Records> writeRecords(SqliteDatabase& database, const ChangeSet& changes, const Writer& writer,
-                             Date now, const SaveProgress& progress) {
-  auto transaction = SqliteTransaction::begin(database, SqliteTransaction::Kind::write);
-  if (!transaction) return transaction.error();
+Result<Records> writeRecords(SqliteDatabase& database, SqliteTransaction transaction,
+                             const ChangeSet& changes, const Writer& writer, Date now,
+                             const SaveProgress& progress) {
   Save save(database, writer, now, progress);
   if (auto status = save.run(changes); !status) return status.error();
   if (!save.lost().empty()) return save.lost();
-  if (auto status = transaction.value().commit(); !status) return status.error();
+  if (auto status = transaction.commit(); !status) return status.error();
   save.tellRecords(changes);
   return Records();
 }

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "store/context/record_store.h"
+#include "store/sqlite/sqlite_database.h"
 
 #include <memory>
+#include <optional>
 
 namespace quorlo {
 
-class SqliteDatabase;
-
-// The records in the library's file.
+// The records in the library's file. Where it is kept for others to wait, what has been read stays true until
+// the next save, which ends that: nothing else is written in between.
 class SqliteRecordStore final : public RecordStore {
  public:
   explicit SqliteRecordStore(std::unique_ptr<SqliteDatabase> database);
@@ -16,14 +17,24 @@ class SqliteRecordStore final : public RecordStore {
 
   SqliteDatabase& database() { return *database_; }
 
+  // Makes every other program that wants to write wait from now on until the next save or the end of this.
+  Status keepOthersWaiting();
+
   Status load(ManagedObjectContext& context) override;
+  Result<std::vector<std::shared_ptr<QLSnippet>>> purge(std::span<const std::shared_ptr<QLSnippet>> trashed,
+                                                        Date limit, const Writer& writer, Date now) override;
   Result<std::vector<std::shared_ptr<ManagedObject>>> save(const ChangeSet& changes, const Writer& writer,
                                                            Date now, const SaveProgress& progress) override;
   Status refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) override;
+  Result<bool> hasRepaired(std::string_view name) override;
+  Status noteRepaired(std::string_view name) override;
   Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) override;
 
  private:
+  Result<SqliteTransaction> beginWriting();
+
   std::unique_ptr<SqliteDatabase> database_;
+  std::optional<SqliteTransaction> held_;  // while others wait
 };
 
 }  // namespace quorlo

@@ -53,13 +53,11 @@ bool addStatistics(QLUser& into, const QLUser& from) {
 
 void purgeTrash(ManagedObjectContext& context, Date now, const TimeZone& timeZone) {
   const auto limit = calendarDaysBefore(now, kDaysInTrash, timeZone);
-  const auto snippets =
-      loggedFetch<QLSnippet>(context, {.predicate = QLSnippet::kDeletionDate.atMost(limit).inParentheses()},
-                             "ERROR: #tpg8Lw2; Couldn't fetch Snippets. ");
-  for (const auto& each : snippets) {
+  const auto purged = context.purgeTrash(limit);
+  if (!purged) return logError("ERROR: #tpg8Lw2; Couldn't empty the trash. " + purged.error().message);
+  for (const auto& each : purged.value()) {
     logInfo("Automatically deleting trashed snippet with the name '" + userText(toUtf8(each->title())) +
             "' after 30 days.");
-    context.deleteObject(*each);
   }
 }
 

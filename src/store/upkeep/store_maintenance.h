@@ -9,10 +9,10 @@ class ManagedObjectContext;
 class TimeZone;
 
 // What keeps a library in order. Each works on the main context, logs what it finds, does nothing the second
-// time, and leaves saving to its caller.
+// time, and leaves saving to its caller, but for the purge.
 
 // Deletes the snippets that have been in the trash for 30 days by the calendar of the time zone, to the
-// second.
+// second, and saves.
 void purgeTrash(ManagedObjectContext& context, Date now, const TimeZone& timeZone);
 
 // Old libraries hold empty abbreviations where there should be none.

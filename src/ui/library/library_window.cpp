@@ -279,9 +279,7 @@ void LibraryWindow::restoreSelection() {
   const auto uuids = parts_.settings.selectedSnippetUUIDs();
   std::vector<std::shared_ptr<QLSnippet>> snippets;
   for (const auto& each : uuids) {
-    const auto found =
-        parts_.context.fetch<QLSnippet>({.predicate = QLSnippet::kUuid.equals(each), .fetchLimit = 1});
-    if (found && !found.value().empty()) snippets.push_back(found.value().front());
+    if (auto found = parts_.context.recordOfUuid<QLSnippet>(each)) snippets.push_back(std::move(found));
   }
   parts_.navigation.setSelectedSnippets(std::move(snippets));
 }

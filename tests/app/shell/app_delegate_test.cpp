@@ -106,6 +106,7 @@ TEST_F(AppDelegateTest, StartsInOrderAndRepairsAndPurgesLater) {
   EXPECT_TRUE(flag("HasMigratedToVersion23"));
   EXPECT_TRUE(flag("HasMigratedToVersion300g"));
   EXPECT_TRUE(launchAtLogin.isEnabled());
+  EXPECT_TRUE(persistence.hasRepaired("HasMigratedToVersion300g"));
   EXPECT_FALSE(context.hasChanges());
 
   EXPECT_EQ(persistence.trashedSnippets().size(), 1u);
@@ -124,6 +125,20 @@ TEST_F(AppDelegateTest, StartsInOrderAndRepairsAndPurgesLater) {
   EXPECT_EQ(snippet->category(), nullptr);
   EXPECT_TRUE(windows.visible.empty());
   EXPECT_TRUE(settings.debugModeEnabled());
+}
+
+// On another device, for example: the settings do not know of it.
+TEST_F(AppDelegateTest, RepairsNothingInALibraryThatSaysThatItIsDone) {
+  const auto snippet = add(u"", u"a derived title");
+  snippet->setTitle(u"a derived title");
+  for (const auto* each : {"HasMigratedTo308", "HasMigratedToVersion23", "HasMigratedToVersion300g"}) {
+    persistence.noteRepaired(each);
+  }
+  delegate.applicationDidFinishLaunching();
+  desktop.queue.settle();
+  EXPECT_FALSE(snippet->titleIsCustom());
+  EXPECT_EQ(snippet->category(), nullptr);
+  EXPECT_TRUE(flag("HasMigratedTo308"));
 }
 
 TEST_F(AppDelegateTest, LogsToItsFileFromTheMomentDebugModeIsSwitchedOn) {

@@ -145,6 +145,86 @@ TEST(Refresh, KeepsWhatIsChangedHereAndDeletedElsewhereWithItsRelationships) {
   }
 }
 
+// A use, a date, another place: nobody's work is lost with them.
+TEST(Refresh, OfWhatIsDeletedElsewhereCountsAndDatesReviveNothing) {
+  for (const bool isToldBeforeTheSave : {true, false}) {
+    SCOPED_TRACE(isToldBeforeTheSave);
+    SharedLibrary library;
+    const auto folder = library.here.insert<QLCategory>();
+    const auto used = library.snippet(u"used", u"use");
+    const auto trashed = library.snippet(u"trashed");
+    const auto user = library.here.insert<QLUser>();
+    ASSERT_TRUE(library.here.save());
+    const auto other = library.other();
+    for (const auto& each : {used, trashed}) other->deleteObject(*SharedLibrary::in(*other, *each));
+    other->deleteObject(*SharedLibrary::in(*other, *folder));
+    other->deleteObject(*SharedLibrary::in(*other, *user));
+    ASSERT_TRUE(other->save());
+    used->setUseCount(3);
+    used->setModifiedDate(Date{});
+    used->setCategory(folder.get());
+    trashed->setDeletionDate(Date{});
+    folder->setSort(7);
+    user->setSavedChars(9);
+    if (isToldBeforeTheSave) {
+      ASSERT_TRUE(library.refresh());
+    }
+    ASSERT_TRUE(library.here.save());
+    EXPECT_FALSE(library.here.hasChanges());
+    EXPECT_TRUE(used->isDeleted());
+    EXPECT_EQ(library.here.liveSnippet(u"use").value(), nullptr);
+    EXPECT_EQ(library.stored(), "");
+    EXPECT_EQ(Description::of(library.here), "");
+  }
+}
+
+// Its formats were never read here before it was changed.
+TEST(Refresh, ASnippetThatIsChangedHereComesBackWithItsFormats) {
+  SharedLibrary library;
+  const auto made = library.snippet(u"rich");
+  made->setText(bold(u"text"));
+  made->setUseCount(4);
+  ASSERT_TRUE(library.here.save());
+  const auto fresh = library.other("fresh");
+  const auto snippet = SharedLibrary::in(*fresh, *made);
+  snippet->setTitle(u"renamed");
+  library.here.deleteObject(*made);
+  ASSERT_TRUE(library.here.save());
+  ASSERT_TRUE(fresh->save());
+  const auto later = library.other();
+  const auto stored = SharedLibrary::in(*later, *snippet);
+  ASSERT_NE(stored, nullptr);
+  EXPECT_EQ(stored->text(), bold(u"text"));
+  EXPECT_EQ(stored->title(), u"renamed");
+  EXPECT_EQ(stored->useCount(), 4);
+}
+
+TEST(Refresh, APurgeLeavesWhatOthersHaveRestoredAndAnyTrashWhileTheClockIsFarAhead) {
+  SharedLibrary library;
+  const auto longAgo = std::chrono::system_clock::now() - std::chrono::days(40);
+  const auto restored = library.snippet(u"restored");
+  const auto due = library.snippet(u"due");
+  for (const auto& each : {restored, due}) each->setDeletionDate(longAgo);
+  ASSERT_TRUE(library.here.save());
+  const auto other =
+      openBackgroundContext(library.files.file, {.transactionAuthor = "other",
+                                                 .now = [] { return std::chrono::system_clock::now(); }})
+          .value();
+  SharedLibrary::in(*other, *restored)->restoreFromTrash();
+  ASSERT_TRUE(other->save());
+  const auto late =
+      openBackgroundContext(library.files.file,
+                            {.transactionAuthor = "late",
+                             .now = [] { return std::chrono::system_clock::now() + std::chrono::days(200); }})
+          .value();
+  EXPECT_TRUE(late->purgeTrash(late->now()).value().empty());
+  EXPECT_EQ(library.here.purgeTrash(longAgo + std::chrono::days(1)).value(), std::vector{due});
+  ASSERT_TRUE(library.refresh());
+  EXPECT_EQ(library.open.all<QLSnippet>(), std::vector{restored});
+  EXPECT_EQ(restored->deletionDate(), std::nullopt);
+  EXPECT_EQ(library.stored(), Description::of(library.here));
+}
+
 TEST(Refresh, TakesATextWholeOrNotAtAll) {
   SharedLibrary library;
   const auto untouched = library.snippet(u"a");

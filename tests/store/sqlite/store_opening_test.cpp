@@ -48,6 +48,9 @@ TEST(StoreOpening, BeginsAnEmptyLibraryForTheUserAloneAndFindsItAgain) {
     EXPECT_TRUE(store.value()->execute("INSERT INTO Snippet(title) VALUES ('kept')"));
     EXPECT_EQ(rows(*store.value(), "PRAGMA journal_mode", 1), "wal\n");
     EXPECT_EQ(rows(*store.value(), "PRAGMA synchronous", 1), "2\n");
+    EXPECT_EQ(rows(*store.value(), "SELECT key FROM Meta WHERE value = 1", 1),
+              "HasMigratedTo308\nHasMigratedToVersion23\nHasMigratedToVersion300g\n")
+        << "a new library needs none of the repairs";
     EXPECT_EQ(rows(*store.value(), "PRAGMA foreign_keys", 1), "1\n");
     for (const auto* suffix : {"", "-wal", "-shm"}) EXPECT_EQ(rights(test.file.string() + suffix), 0600U);
   }
@@ -98,6 +101,7 @@ TEST(StoreOpening, CopiesTheOldLibraryOnceWithWhatIsOnlyInItsLogAndMigratesIt) {
     EXPECT_EQ(rows(database, "PRAGMA user_version", 1), "3\n");
     EXPECT_EQ(rows(database, "PRAGMA integrity_check", 1), "ok\n");
     EXPECT_EQ(rows(database, "SELECT count(*) FROM HistoryTransaction", 1), "0\n");
+    EXPECT_EQ(rows(database, "SELECT key FROM Meta WHERE value = 1", 1), "HasMigratedTo308\n");
   }
   EXPECT_EQ(oldFiles(test.directory), before);
   EXPECT_THAT(test.log,
