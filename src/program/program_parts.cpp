@@ -189,6 +189,8 @@ void Program::Parts::setWindowMakers() {
         .menuShortcut = menuShortcut,
         .setMenuShortcut = setMenuShortcut,
         .showWelcome = [this] { navigation.setPresentsWelcomeView(true); },
+        .showBackups = [this] { showBackups(); },
+        .backupFolder = backups.folder().path(),
         .showAbout =
             [this] {
               if (!about) about = std::make_unique<AboutWindow>(desktop->workspace(), QUORLO_VERSION);
@@ -227,6 +229,7 @@ void Program::Parts::showBackups() {
   if (!backupsWindow) {
     backupsWindow = std::make_unique<BackupsWindow>(BackupsWindowServices{
         .backups = backups,
+        .settings = settings,
         .workspace = desktop->workspace(),
         .saveLibrary = [this]() -> Status {
           if (!windows.commitEditing()) return Error{toUtf8(localized(u"A snippet is being edited."))};

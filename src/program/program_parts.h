@@ -196,7 +196,7 @@ struct Program::Parts {
       {queue, backupThread, environment.dataDirectory(), [] { return std::chrono::system_clock::now(); }}};
   RollingBackups rollingBackups{
       {queue, backups, persistence.managedObjectContext(), [] { return std::chrono::system_clock::now(); },
-       [] { return true; }, [this](const Error& error) { tellBackupFailure(error); }}};
+       [this] { return settings.keepsBackups(); }, [this](const Error& error) { tellBackupFailure(error); }}};
   std::unique_ptr<BackupsWindow> backupsWindow;
   IgnoredPieceNotice ignoredPieces{defaults, notifications,
                                    [this](const std::string& identifier) { chooseWay(identifier); }};

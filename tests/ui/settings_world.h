@@ -55,6 +55,8 @@ struct SettingsWorld {
                             [this] { return menuShortcut; },
                             [this](std::optional<Shortcut> shortcut) { menuShortcut = shortcut; },
                             [] {},
+                            [] {},
+                            {},
                             [] {}};
 };
 

@@ -55,9 +55,10 @@ enum class Setting {
   showFormatInspector,
   expandWhileInputMethodIsActive,
   undoExpansionWithBackspace,
+  keepsBackups,
 };
 inline constexpr std::size_t kSettingCount =
-    static_cast<std::size_t>(Setting::undoExpansionWithBackspace) + 1;
+    static_cast<std::size_t>(Setting::keepsBackups) + 1;
 
 // What the values of a setting are, and with it how they are stored.
 enum class SettingKind {

@@ -166,6 +166,10 @@ class SettingsController {
 
   bool debugModeEnabled() const { return boolean(Setting::debugModeEnabled); }
   void setDebugModeEnabled(bool on) { write(Setting::debugModeEnabled, on); }
+  // Copies of the library are made without being asked for.
+  bool keepsBackups() const { return boolean(Setting::keepsBackups); }
+  void setKeepsBackups(bool on) { write(Setting::keepsBackups, on); }
+
   // When debug mode was last switched on.
   Date debugEnabledDate() const;
   void setDebugEnabledDate(Date moment) { write(Setting::debugEnabledDate, moment); }

@@ -149,6 +149,8 @@ std::array<SettingDescription, kSettingCount> makeTable() {
            "Abbreviations expand also while an input method (IBus, fcitx5) makes text of the keys."),
       flag("UndoExpansionWithBackspace", true, user,
            "Backspace right after an expansion gives the abbreviation back as it was typed."),
+      flag("KeepsBackups", true, user,
+           "Quorlo makes a backup of the library on each day on which something was changed."),
   };
 }
 

@@ -1,10 +1,12 @@
 #include "ui/backups/backups_window.h"
 
+#include "app/settings/settings_controller.h"
 #include "platform/workspace.h"
 #include "ui/mnemonics.h"
 #include "ui/qt_text.h"
 #include "ui/symbols.h"
 
+#include <QCheckBox>
 #include <QDateTime>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -59,6 +61,7 @@ BackupsWindow::BackupsWindow(BackupsWindowServices services)
       services_(std::move(services)),
       list_(new QTreeWidget),
       notice_(makeText({})),
+      keeps_(new QCheckBox(localizedText(u"Keep backups of the library"))),
       restore_(new QPushButton(localizedText(u"Restore…"))),
       backUp_(new QPushButton(localizedText(u"Back Up Now"))) {
   setWindowTitle(localizedText(u"Backups"));
@@ -68,6 +71,11 @@ BackupsWindow::BackupsWindow(BackupsWindowServices services)
   connect(list_, &QTreeWidget::itemDoubleClicked, this, [this] { askToRestore(); });
   connect(restore_, &QPushButton::clicked, this, [this] { askToRestore(); });
   connect(backUp_, &QPushButton::clicked, this, [this] { backUp(); });
+  connect(keeps_, &QCheckBox::clicked, this,
+          [this](bool on) { services_.settings.setKeepsBackups(on); });
+  const auto follow = [this] { keeps_->setChecked(services_.settings.keepsBackups()); };
+  settingsChanges_ = services_.settings.observe([follow](Setting) { follow(); });
+  follow();
   setIsBusy(false);
 }
 
@@ -110,6 +118,7 @@ void BackupsWindow::makeViews() {
       u"A backup is a copy of the whole library: snippets, folders, rules, statistics and the trash.")));
   column->addWidget(list_, 1);
   column->addWidget(notice_);
+  column->addWidget(keeps_);
   column->addWidget(makeText(
       localizedText(u"Quorlo makes one on each day on which something was changed, and keeps the last 10.")));
   column->addLayout(place);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "base/subscription.h"
 #include "store/backup/library_backups.h"
 
 #include <QDialog>
@@ -9,17 +10,20 @@
 #include <functional>
 #include <vector>
 
+class QCheckBox;
 class QLabel;
 class QPushButton;
 class QTreeWidget;
 
 namespace quorlo {
 
+class SettingsController;
 class Workspace;
 
 // What the window of backups uses; all of it outlives the window.
 struct BackupsWindowServices {
   LibraryBackups& backups;
+  SettingsController& settings;
   Workspace& workspace;
   // Saves what is edited and what has changed.
   std::function<Status()> saveLibrary;
@@ -52,9 +56,11 @@ class BackupsWindow final : public QDialog {
   std::vector<LibraryBackups::Listed> shown_;
   QTreeWidget* list_;
   QLabel* notice_;
+  QCheckBox* keeps_;
   QPushButton* restore_;
   QPushButton* backUp_;
   bool isBusy_ = false;
+  Subscription settingsChanges_;
 };
 
 }  // namespace quorlo

@@ -4,8 +4,13 @@
 #include "ui/settings/settings_pages.h"
 
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <functional>
+#include <initializer_list>
+#include <utility>
 
 namespace quorlo {
 namespace {
@@ -25,18 +30,18 @@ class GeneralPage : public SettingsPage {
               &SettingsController::setShowAppInMenuBar,
               u"Without it, the menu opens by its hot key, or when you start Quorlo once more.");
 
+    beginGroup(u"Backups");
+    addSwitch(u"Keep backups of the library", &SettingsController::keepsBackups,
+              &SettingsController::setKeepsBackups,
+              u"Quorlo makes one on each day on which something was changed, and keeps the last 10.");
+    auto* const folder = new QLineEdit(QString::fromStdString(services.backupFolder.string()));
+    folder->setReadOnly(true);
+    folder->setCursorPosition(0);
+    addField(u"Folder:", folder);
+    addButtons({{u"Show Backups…", services.showBackups}});
+
     beginGroup(u"Help");
-    auto* const buttons = new QWidget;
-    auto* const row = new QHBoxLayout(buttons);
-    row->setContentsMargins(0, 0, 0, 0);
-    for (const auto& [text, action] : {std::pair(u"Show the Welcome Window", services.showWelcome),
-                                       std::pair(u"About Quorlo", services.showAbout)}) {
-      auto* const button = new QPushButton(localizedText(text));
-      connect(button, &QPushButton::clicked, this, [act = action] { act(); });
-      row->addWidget(button);
-    }
-    row->addStretch();
-    addWidget(buttons);
+    addButtons({{u"Show the Welcome Window", services.showWelcome}, {u"About Quorlo", services.showAbout}});
   }
 
  protected:
@@ -47,6 +52,19 @@ class GeneralPage : public SettingsPage {
   }
 
  private:
+  void addButtons(std::initializer_list<std::pair<const char16_t*, std::function<void()>>> offered) {
+    auto* const buttons = new QWidget;
+    auto* const row = new QHBoxLayout(buttons);
+    row->setContentsMargins(0, 0, 0, 0);
+    for (const auto& [text, action] : offered) {
+      auto* const button = new QPushButton(localizedText(text));
+      connect(button, &QPushButton::clicked, this, [act = action] { act(); });
+      row->addWidget(button);
+    }
+    row->addStretch();
+    addWidget(buttons);
+  }
+
   void complain(const Error& error) {
     auto* const box =
         new QMessageBox(QMessageBox::Warning, localizedText(u"Launch at login could not be changed."),

@@ -2,6 +2,7 @@
 
 #include "platform/shortcut.h"
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -34,6 +35,8 @@ struct SettingsServices {
   std::function<std::optional<Shortcut>()> menuShortcut;
   std::function<void(std::optional<Shortcut>)> setMenuShortcut;
   std::function<void()> showWelcome;
+  std::function<void()> showBackups;
+  std::filesystem::path backupFolder;
   std::function<void()> showAbout;
 };
 
