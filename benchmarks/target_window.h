@@ -1,9 +1,10 @@
 #pragma once
 
+#include "virtual_desktop/pasting_window.h"
+
 #include <xcb/xcb.h>
 
 #include <chrono>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -18,7 +19,7 @@ class TargetWindow {
   // Throws std::runtime_error without a server. The window asks for the focus.
   TargetWindow(const std::string& display, xcb_keycode_t pasteKey);
 
-  xcb_window_t window() const { return window_; }
+  xcb_window_t window() const { return window_.window(); }
 
   void ownClipboard(std::string text);
 
@@ -37,13 +38,9 @@ class TargetWindow {
   bool serveUntil(Clock::time_point end, bool stopAtPaste);
   void handle(const xcb_generic_event_t& event);
   void answer(const xcb_selection_request_event_t& request);
-  xcb_atom_t atom(const char* name) const;
 
-  std::shared_ptr<xcb_connection_t> connection_;
+  PastingWindow window_;
   xcb_keycode_t pasteKey_;
-  xcb_window_t window_;
-  xcb_atom_t clipboard_;
-  xcb_atom_t utf8_;
   xcb_atom_t targets_;
   std::string owned_;
   std::string pasted_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "virtual_desktop/pasting_window.h"
+
 #include <xcb/xcb.h>
 
 #include <atomic>
@@ -32,7 +34,7 @@ class ChaosTarget {
   ChaosTarget(const ChaosTarget&) = delete;
   ChaosTarget& operator=(const ChaosTarget&) = delete;
 
-  xcb_window_t window() const { return window_; }
+  xcb_window_t window() const { return window_.window(); }
 
   // The text so far, ASCII alone: other characters are those of other programs.
   std::string text() const;
@@ -41,22 +43,17 @@ class ChaosTarget {
   void clear();
 
  private:
-  void createWindow();
   void serve();
   void handle(const xcb_generic_event_t& event);
   void keyPressed(const xcb_key_press_event_t& event);
   void pasted(const xcb_selection_notify_event_t& event);
   void readMap();
   void append(const std::string& text);
-  xcb_atom_t atom(const char* name) const;
 
-  std::shared_ptr<xcb_connection_t> connection_;
+  PastingWindow window_;
   std::shared_ptr<xkb_context> context_;
   std::shared_ptr<xkb_state> state_;
   std::uint8_t mapEvent_ = 0;
-  xcb_window_t window_ = XCB_WINDOW_NONE;
-  xcb_atom_t clipboard_ = XCB_ATOM_NONE;
-  xcb_atom_t utf8_ = XCB_ATOM_NONE;
 
   mutable std::mutex mutex_;
   std::string text_;
