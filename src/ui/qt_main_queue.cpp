@@ -1,54 +1,59 @@
 #include "ui/qt_main_queue.h"
 
-#include <QCoreApplication>
-#include <QObject>
-#include <QThread>
-#include <QTimer>
+#include "base/log.h"
+
+#include <QSocketNotifier>
+
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace quorlo {
 namespace {
 
 constexpr Seconds kLongestDelay = std::chrono::hours(24 * 365);
-constexpr std::chrono::milliseconds kLongestTimer = std::chrono::hours(24);  // it is then set again
+
+int openTimer() {
+  const int timer = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
+  if (timer >= 0) return timer;
+  logError("ERROR: #qMq1tFd - There is no timer for the main thread's tasks.");
+  std::abort();
+}
 
 }  // namespace
 
-QtMainQueue::QtMainQueue() : timer_(std::make_unique<QTimer>()), wakeUps_(std::make_unique<QObject>()) {
-  timer_->setSingleShot(true);
-  timer_->setTimerType(Qt::PreciseTimer);
-  QObject::connect(timer_.get(), &QTimer::timeout, wakeUps_.get(), [this] { runDue(); });
+QtMainQueue::QtMainQueue()
+    : timer_(openTimer()), wakeUps_(std::make_unique<QSocketNotifier>(timer_, QSocketNotifier::Read)) {
+  QObject::connect(wakeUps_.get(), &QSocketNotifier::activated, [this] { runDue(); });
 }
 
 QtMainQueue::~QtMainQueue() {
+  wakeUps_.reset();
   // What the tasks hold may queue more as it goes.
-  for (decltype(tasks_) dropped;; dropped.clear()) {
+  decltype(tasks_) dropped;
+  do {
+    dropped.clear();
     const std::lock_guard lock(mutex_);
     dropped.swap(tasks_);
-    if (dropped.empty()) return;
-  }
+  } while (!dropped.empty());
+  close(timer_);
 }
 
 void QtMainQueue::run(Task task) {
   add(now(), std::move(task));
-  if (QThread::currentThread() == wakeUps_->thread()) {
-    setTimer();
-  } else {
-    QMetaObject::invokeMethod(
-        wakeUps_.get(), [this] { runDue(); }, Qt::QueuedConnection);
-  }
 }
 
 void QtMainQueue::runAfter(Seconds delay, Task task) {
   const auto wait = delay > Seconds(0) ? std::min(delay, kLongestDelay) : Seconds(0);
   add(now() + std::chrono::ceil<Instant::duration>(wait), std::move(task));
-  setTimer();
 }
 
 void QtMainQueue::add(Instant due, Task task) {
   const std::lock_guard lock(mutex_);
   tasks_.emplace(std::pair(due, ++lastTask_), std::move(task));
+  setTimer();
 }
 
 void QtMainQueue::runDue() {
@@ -59,24 +64,25 @@ void QtMainQueue::runDue() {
     const auto& [due, number] = tasks_.begin()->first;
     if (due > present || number > last) break;
     auto task = std::move(tasks_.extract(tasks_.begin()).mapped());
-    lock.unlock();
     setTimer();  // for a loop inside the task
+    lock.unlock();
     task();
     task = nullptr;  // what it holds may queue tasks as it goes
     lock.lock();
   }
-  lock.unlock();
   setTimer();
 }
 
+// With the lock. Setting it anew takes an earlier expiry back.
 void QtMainQueue::setTimer() {
-  const std::lock_guard lock(mutex_);
-  if (tasks_.empty()) {
-    timer_->stop();
-    return;
+  itimerspec timer{};
+  if (!tasks_.empty()) {
+    const auto due = tasks_.begin()->first.first.time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(due);
+    timer.it_value.tv_sec = seconds.count();
+    timer.it_value.tv_nsec = std::chrono::nanoseconds(due - seconds).count();
   }
-  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(tasks_.begin()->first.first - now());
-  timer_->start(std::clamp(wait, std::chrono::milliseconds(0), kLongestTimer));
+  timerfd_settime(timer_, TFD_TIMER_ABSTIME, &timer, nullptr);
 }
 
 }  // namespace quorlo

@@ -8,8 +8,7 @@
 #include <mutex>
 #include <utility>
 
-class QObject;
-class QTimer;
+class QSocketNotifier;
 
 namespace quorlo {
 
@@ -31,11 +30,11 @@ class QtMainQueue final : public MainQueue {
   void runDue();
   void setTimer();
 
-  std::mutex mutex_;  // guards the tasks and lastTask_
+  std::mutex mutex_;  // guards the tasks, lastTask_ and the setting of the timer
   std::map<std::pair<Instant, std::uint64_t>, Task> tasks_;
   std::uint64_t lastTask_ = 0;
-  std::unique_ptr<QTimer> timer_;
-  std::unique_ptr<QObject> wakeUps_;  // receives the calls of other threads
+  int timer_;  // of the kernel: exact, and set from any thread; Qt's count whole milliseconds
+  std::unique_ptr<QSocketNotifier> wakeUps_;
 };
 
 }  // namespace quorlo
