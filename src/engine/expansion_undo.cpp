@@ -53,7 +53,7 @@ bool ExpansionUndo::takes(const KeyDownEvent& event) {
   auto offer = std::exchange(offer_, std::nullopt);
   if (!offer || event.origin != KeyDownEvent::Origin::keyboard || event.keyCode != key::kBackspace ||
       (event.flags & kHeld) != 0 || use_.queue.now() - offer->since > kOfferLife ||
-      !use_.frontWindow.isStill(offer->expansion.window) || !use_.typedKeys.lastPieceWasRead() ||
+      !use_.frontWindow.isStill(offer->expansion.window) || !use_.pieces.lastWasRead() ||
       !use_.poster.canType(offer->expansion.typed)) {
     return false;
   }

@@ -5,6 +5,7 @@
 #include "platform/front_window.h"
 #include "platform/key_codes.h"
 #include "platform/main_queue.h"
+#include "platform/pasted_pieces.h"
 #include "platform/typed_keys_hold.h"
 
 #include <cstddef>
@@ -51,6 +52,7 @@ class ExpansionUndo {
     EventPoster& poster;
     InsertionTarget& target;
     TypedKeysHold& typedKeys;
+    const PastedPieces& pieces;
     const FrontWindow& frontWindow;
     KeyCode deleteKeyCode;
   };

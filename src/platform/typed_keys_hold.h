@@ -34,9 +34,6 @@ class TypedKeysHold {
   // last. An adapter ends all holds by itself after 2 s, announced pauses apart, in which no key was posted
   // and the pasteboard not read, and as soon as a window of this program gets the focus.
   virtual std::unique_ptr<Hold> begin() = 0;
-
-  // Whether the target of the last paste has taken the piece itself. False as well when it had none.
-  virtual bool lastPieceWasRead() const = 0;
 };
 
 }  // namespace quorlo

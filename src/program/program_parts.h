@@ -162,10 +162,11 @@ struct Program::Parts {
                            settings, environment, interpreter, fillInWindow}};
   MacroPreparation preparation{interpreter, prompt};
   PasteController paste{{queue, desktop->pasteboard(), desktop->eventPoster(), desktop->insertionTarget(),
-                         desktop->keyboardLayout(), desktop->typedKeysHold(), desktop->frontWindow(),
-                         application, notifications, settings, sound, preparation}};
+                         desktop->keyboardLayout(), desktop->typedKeysHold(), desktop->pastedPieces(),
+                         desktop->frontWindow(), application, notifications, settings, sound, preparation}};
   ExpansionUndo undo{{queue, desktop->eventPoster(), desktop->insertionTarget(), desktop->typedKeysHold(),
-                      desktop->frontWindow(), PasteKeys(desktop->keyboardLayout()).deleteKeyCode}};
+                      desktop->pastedPieces(), desktop->frontWindow(),
+                      PasteKeys(desktop->keyboardLayout()).deleteKeyCode}};
   std::optional<AbbreviationsMonitor> monitor;  // these two when their turn in the start has come
   std::optional<SharedInstances> shared;
 

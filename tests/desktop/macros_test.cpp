@@ -34,6 +34,17 @@ TEST_F(DesktopMacrosTest, TwoKeysTheClipboardAnotherSnippetAndTheCursorWorkToget
   expectMacrosIn(featherpad);
 }
 
+TEST_F(DesktopMacrosTest, KeysAndTheCaretDoNotOvertakeThePiecesInAnEditorThatReadsLate) {
+  const auto holder = fillClipboard({"text:copied"});
+  startQuorlo(libraryOf({{"mm",
+                          "one%specialKey:value=tab:specialKey%two%specialKey:value=return:specialKey%"
+                          "three (%cursor%) %clipboard%"}}),
+              {{"PasteBetweenSnippetPartsDelay", "0.05"}});
+  const auto editor = openRichEditor(RichEditor::Kind::kLate);
+  type("mm !");
+  EXPECT_EQ(editor->textOnceItIs("one\ttwo\nthree (!) copied "), "one\ttwo\nthree (!) copied ");
+}
+
 // QUORLO_CARET_KEYS asks for another number of them.
 TEST_F(DesktopMacrosTest, KeysTypedWhileTheCaretWalksFarArriveWhereItEnds) {
   const char* const asked = std::getenv("QUORLO_CARET_KEYS");

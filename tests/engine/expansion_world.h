@@ -96,8 +96,8 @@ struct ExpansionWorld : testing::Test {
   SoundManager sound{settings, environment, player, background};
   AccessibilityManager accessibility{desktop, settings, desktop, alerts, desktop.queue, QuotationMarks{}};
   PasteController paste{{desktop.queue, desktop.pasteboard, desktop, desktop, desktop, desktop, desktop,
-                         ownApplication, notifications, settings, sound, preparation}};
-  ExpansionUndo undo{{desktop.queue, desktop, desktop, desktop, desktop, key::kBackspace}};
+                         desktop, ownApplication, notifications, settings, sound, preparation}};
+  ExpansionUndo undo{{desktop.queue, desktop, desktop, desktop, desktop, desktop, key::kBackspace}};
   AbbreviationsMonitor monitor{{desktop.queue, desktop, desktop, desktop, desktop, settings, accessibility,
                                 persistence, context, desktop, paste, undo}};
 };

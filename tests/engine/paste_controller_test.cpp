@@ -110,6 +110,26 @@ TEST_F(PasteTest, TheCaretGoesBackToTheCursorsPlaceAcrossPieces) {
   EXPECT_EQ(desktop.posts.back(), FakeDesktop::kPaste);
 }
 
+TEST_F(PasteTest, WhatFollowsAPieceWaitsUntilASlowTargetHasReadIt) {
+  add(u"c", u"a%clipboard%" + pressing(u"tab") + u"b%cursor%c%clipboard%");
+  settings.setRemoveTriggerKey(true);
+  settings.setPasteBetweenSnippetPartsDelay(Seconds(0.05));
+  desktop.delayReading(Seconds(0.8));
+  desktop.typeAndWait(u"c ");
+  EXPECT_EQ(desktop.text(), u"amine\tbcmine");
+  EXPECT_EQ(desktop.front().caret, std::u16string_view(u"amine\tb").size());
+}
+
+TEST_F(PasteTest, ATargetThatReadsNothingIsAwaitedForASecond) {
+  add(u"c", u"a" + pressing(u"tab"));
+  desktop.delayReading(Seconds(1000));
+  desktop.type(u"c ");
+  desktop.queue.advance(Seconds(0.05 + 0.2 + 0.9));
+  EXPECT_EQ(desktop.text(), u"");
+  desktop.queue.advance(Seconds(0.2));
+  EXPECT_EQ(desktop.text(), u"\t");
+}
+
 TEST_F(PasteTest, EveryKindOfMacroWorksTogether) {
   add(u"sig", u"Ada");
   add(u"m", u"Dear %textfield:name=who:default=Sir:textfield%, %snippet:abbreviation=sig:snippet%" +

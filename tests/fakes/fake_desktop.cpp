@@ -122,7 +122,30 @@ void FakeDesktop::deliver(const KeyDownEvent& event) {
 }
 
 void FakeDesktop::receive(const KeyDownEvent& event) {
+  const bool pastes = event.keyCode == key::kV && (event.flags & modifier::kCommand) != 0;
+  if (pastes && readingDelay_ > Seconds(0)) return receiveLater(event);
   if (active_ != nullptr) active_->receive(event.keyCode, event.flags, event.characters, pasteboard);
+}
+
+void FakeDesktop::receiveLater(const KeyDownEvent& event) {
+  ++unreadPieces_;
+  queue.runAfter(readingDelay_, [this, event, target = active_, piece = pasteboard] {
+    if (target != nullptr) target->receive(event.keyCode, event.flags, event.characters, piece);
+    if (--unreadPieces_ == 0) runWhenRead();
+  });
+}
+
+void FakeDesktop::whenRead(Seconds patience, std::function<void()> next) {
+  if (unreadPieces_ == 0) return next();
+  whenRead_.push_back(std::move(next));
+  queue.runAfter(patience, [this, wait = readWaits_] {
+    if (wait == readWaits_) runWhenRead();
+  });
+}
+
+void FakeDesktop::runWhenRead() {
+  ++readWaits_;
+  for (const auto& next : std::exchange(whenRead_, {})) next();
 }
 
 void FakeDesktop::clickMouse() {

@@ -10,6 +10,7 @@
 #include "platform/insertion/insertion_target.h"
 #include "platform/keyboard_layout.h"
 #include "platform/mouse_monitor.h"
+#include "platform/pasted_pieces.h"
 #include "platform/typed_keys_hold.h"
 #include "platform/typing_context.h"
 #include "platform/workspace.h"
@@ -49,6 +50,7 @@ class FakeDesktop : public EventTap,
                     public EventPoster,
                     public InsertionTarget,
                     public TypedKeysHold,
+                    public PastedPieces,
                     public MouseMonitor,
                     public KeyboardLayout,
                     public AccessibilityTrust,
@@ -93,7 +95,10 @@ class FakeDesktop : public EventTap,
   bool isTapEnabled() const { return port_ != nullptr && port_->enabled; }
   bool isWatchingMouse() const { return static_cast<bool>(mouseHandler_); }
   bool holdsKeys() const { return holds_ > 0; }
+  // Another process reads for the applications.
   void leavePiecesUnread() { piecesStayUnread_ = true; }
+  // Applications take so long from the paste chord to the read; other keys have their effect at once.
+  void delayReading(Seconds delay) { readingDelay_ = delay; }
   void removeKeyOf(char16_t character) { keysRemoved_ += character; }
   // Ends all holds, as an adapter does when nothing goes on for too long.
   void breakHold();
@@ -123,7 +128,8 @@ class FakeDesktop : public EventTap,
   }
   Toolkit toolkit() const override { return active_ != nullptr ? active_->toolkit : Toolkit::unknown; }
   std::unique_ptr<Hold> begin() override;
-  bool lastPieceWasRead() const override { return !piecesStayUnread_; }
+  bool lastWasRead() const override { return !piecesStayUnread_ && unreadPieces_ == 0; }
+  void whenRead(Seconds patience, std::function<void()> next) override;
   Subscription observeLeftMouseDown(std::function<void()> handler) override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
@@ -170,6 +176,8 @@ class FakeDesktop : public EventTap,
   void press(const KeyDownEvent& posted, PostLocation location);
   void deliver(const KeyDownEvent& event);
   void receive(const KeyDownEvent& event);
+  void receiveLater(const KeyDownEvent& event);
+  void runWhenRead();
   void deliverHeldKeys();
   void noteProgress(Seconds pause = Seconds(0));
   void watchHold();
@@ -187,6 +195,10 @@ class FakeDesktop : public EventTap,
   std::optional<KeyDownEvent> trigger_;  // swallowed and not yet kept
   bool trusted_ = true;
   bool piecesStayUnread_ = false;
+  Seconds readingDelay_{0};
+  int unreadPieces_ = 0;
+  std::vector<std::function<void()>> whenRead_;
+  int readWaits_ = 0;  // those that have ended
   std::u16string keysRemoved_;
   Observers<> obstacleObservers_;
   std::optional<TypingObstacle> obstacle_;

@@ -196,6 +196,23 @@ TEST_F(PasteTrackerTest, AProgramThatDoesNotReadIsAwaitedBrieflyUntilItDoes) {
   EXPECT_EQ(tracker.closeFinished(now), now + ReaderHabits::kPatience);
 }
 
+TEST_F(PasteTrackerTest, APasteThatIsNoLongerAwaitedIsServedAndKeepsTheNextOneBackNoMore) {
+  paste("one");
+  tracker.stopAwaiting(tracker.lastPaste());
+  EXPECT_FALSE(tracker.hasUnreadPaste() || tracker.isBusy(kEditor, now));
+  EXPECT_TRUE(tracker.hasPasteUnderWay()) << "others are not told of new contents yet";
+  EXPECT_TRUE(tracker.latePastes().empty());
+  paste("two");
+  EXPECT_TRUE(tracker.hasUnreadPaste());
+  EXPECT_EQ(read("UTF8_STRING"), "one");
+  EXPECT_EQ(read("UTF8_STRING"), "two");
+  tracker.closeFinished(now += PasteTracker::kLinger);
+  paste("large");
+  tracker.progressed(tracker.readingFor(kEditor, false, "image/png", now)->paste, now += 10ms);
+  tracker.stopAwaiting(tracker.lastPaste());
+  EXPECT_TRUE(tracker.hasUnreadPaste()) << "it is being read";
+}
+
 TEST_F(PasteTrackerTest, ASlowTransferThatMovesOnIsWaitedFor) {
   paste("large");
   const auto reading = tracker.readingFor(kEditor, false, "image/png", now);

@@ -120,6 +120,8 @@ const char* argumentOf(RichEditor::Kind kind) {
       return "--completing";
     case RichEditor::Kind::kRelaying:
       return "--relaying";
+    case RichEditor::Kind::kLate:
+      return "--late";
     case RichEditor::Kind::kEditor:
       break;
   }

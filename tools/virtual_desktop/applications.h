@@ -75,10 +75,10 @@ class Featherpad : public FileEditor {
 
 // Our own rich-text editor (tests/desktop/apps); with kChat, Return sends and empties the field; with
 // kCompleting, what is typed opens a popup that grabs the keyboard. As kRelaying, another process reads the
-// clipboard for it.
+// clipboard for it. As kLate, it reads the clipboard a while after the paste chord, and obeys other keys meanwhile.
 class RichEditor : public Application {
  public:
-  enum class Kind { kEditor, kChat, kCompleting, kRelaying };
+  enum class Kind { kEditor, kChat, kCompleting, kRelaying, kLate };
 
   // The program's path; every editor of a desktop has a name of its own.
   RichEditor(VirtualDesktop& desktop, const std::string& program, Kind kind = Kind::kEditor,

@@ -14,6 +14,7 @@
 #include "platform/event_poster.h"
 #include "platform/insertion/insertion_target.h"
 #include "platform/insertion/key_counts.h"
+#include "platform/pasted_pieces.h"
 #include "platform/typed_keys_hold.h"
 #include "platform/user_notifications.h"
 #include "store/records/ql_snippet.h"
@@ -31,6 +32,7 @@ namespace quorlo {
 namespace {
 
 constexpr Seconds kStartDelay{0.05};
+constexpr Seconds kLongestRead{1};  // beyond the pause after a piece
 constexpr Seconds kLongestCopy{5};  // a picture that a clipboard macro pastes
 constexpr Seconds kRestoreDelayWithoutPartsDelay{0.2};
 constexpr Seconds kLongestRestoreDelay{1.0};
@@ -129,14 +131,16 @@ void Insertion::insert(PreparedSnippet prepared) {
 }
 
 void Insertion::putNextPiece() {
-  pasteboard_.whenReplaceable(life_.guard([this] {
-    // The keys of a snippet may open the window that its next piece is meant for.
-    if (std::exchange(keyMayMoveFocus_, false)) target_ = use_.frontWindow.current();
-    const bool mayGoOn = pieceIndex_ == 0 ? mayBegin() : reachesTarget();
-    if (!mayGoOn) return callOff();
-    putPiece();
-    deleteAbbreviationAndPaste();
-  }));
+  whenRead([this] {
+    pasteboard_.whenReplaceable(life_.guard([this] {
+      // The keys of a snippet may open the window that its next piece is meant for.
+      if (std::exchange(keyMayMoveFocus_, false)) target_ = use_.frontWindow.current();
+      const bool mayGoOn = pieceIndex_ == 0 ? mayBegin() : reachesTarget();
+      if (!mayGoOn) return callOff();
+      putPiece();
+      deleteAbbreviationAndPaste();
+    }));
+  });
 }
 
 bool Insertion::mayBegin() {
@@ -219,12 +223,14 @@ void Insertion::pasteOrType(std::u16string_view text) {
 
 void Insertion::typeNextSpecialKey() {
   if (specialKeys_.empty()) return pasteNextPartOrFinish();
-  if (!reachesTarget()) return callOff();
-  const auto key = std::move(specialKeys_.front());
-  specialKeys_.pop_front();
-  if (isClipboardKey(key)) return pasteClipboard(key.type == kClipboardTextKey);
-  pressSpecialKey(key);
-  pasteNextPartOrFinish();
+  whenRead([this] {
+    if (!reachesTarget()) return callOff();
+    const auto key = std::move(specialKeys_.front());
+    specialKeys_.pop_front();
+    if (isClipboardKey(key)) return pasteClipboard(key.type == kClipboardTextKey);
+    pressSpecialKey(key);
+    pasteNextPartOrFinish();
+  });
 }
 
 void Insertion::pressSpecialKey(const KeyStep& key) {
@@ -266,7 +272,14 @@ void Insertion::pasteNextPartOrFinish() {
     return after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::putNextPiece);
   }
   if (isPlainPaste_ && standsBeforeCaret_) standsBeforeCaret_(snippetText.string());
-  if (!moveCaretToCursor()) return restoreAndFinish();
+  if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1) return restoreAndFinish();
+  whenRead([this] { moveCaretToCursor(); });
+}
+
+void Insertion::moveCaretToCursor() {
+  if (!reachesTarget()) return restoreAndFinish();
+  use_.poster.postKey(keys_.leftArrowKeyCode, 0, PostLocation::annotatedSession,
+                      static_cast<int>(numberOfKeyTypesToGetToCursorPosition));
   const auto pause = use_.target.profile().pauseAfterCaretMoves;
   if (pause <= Seconds(0)) return restoreAndFinish();
   after(pause, &Insertion::restoreAndFinish);
@@ -279,13 +292,6 @@ void Insertion::restoreAndFinish() {
   }
   giveBackPasteboard();
   finishPasting();
-}
-
-bool Insertion::moveCaretToCursor() {
-  if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1 || !reachesTarget()) return false;
-  use_.poster.postKey(keys_.leftArrowKeyCode, 0, PostLocation::annotatedSession,
-                      static_cast<int>(numberOfKeyTypesToGetToCursorPosition));
-  return true;
 }
 
 std::function<Toolkit()> Insertion::toolkit() const {
@@ -319,6 +325,10 @@ void Insertion::end() {
 void Insertion::after(Seconds delay, void (Insertion::*step)()) {
   hold_->expectPause(delay);
   use_.queue.runAfter(delay, life_.guard([this, step] { (this->*step)(); }));
+}
+
+void Insertion::whenRead(std::function<void()> next) {
+  use_.pieces.whenRead(kLongestRead, life_.guard(std::move(next)));
 }
 
 }  // namespace quorlo

@@ -73,7 +73,7 @@ class Insertion {
   void pressSpecialKey(const KeyStep& key);
   void pasteClipboard(bool textOnly);
   void pasteNextPartOrFinish();
-  bool moveCaretToCursor();
+  void moveCaretToCursor();
   void restoreAndFinish();
   void giveBackPasteboard();
   std::function<Toolkit()> toolkit() const;
@@ -81,6 +81,8 @@ class Insertion {
   void notifyAutoPasteOff();
   void end();
   void after(Seconds delay, void (Insertion::*step)());
+  // What is posted now must not overtake the piece pasted last, in a target that is slow to read it.
+  void whenRead(std::function<void()> next);
 
   // The first member: keys are delivered once all of the others are gone, and may begin the next insertion.
   std::unique_ptr<TypedKeysHold::Hold> hold_;

@@ -11,6 +11,7 @@ class KeyboardLayout;
 class MainQueue;
 class OwnApplication;
 class Pasteboard;
+class PastedPieces;
 class SettingsController;
 class SnippetPreparation;
 class SoundManager;
@@ -25,6 +26,7 @@ struct PasteServices {
   InsertionTarget& target;
   KeyboardLayout& layout;
   TypedKeysHold& typedKeys;
+  PastedPieces& pieces;
   const FrontWindow& frontWindow;
   OwnApplication& application;
   UserNotifications& notifications;

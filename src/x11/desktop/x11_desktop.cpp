@@ -17,6 +17,7 @@
 #include "x11/keyboard/x11_keyboard_layout.h"
 #include "x11/keyboard/x11_typed_keys_hold.h"
 #include "x11/selection/x11_pasteboard.h"
+#include "x11/selection/x11_pasted_pieces.h"
 
 #include <algorithm>
 #include <atomic>
@@ -89,6 +90,7 @@ struct X11Desktop::Parts {
   std::unique_ptr<X11EventTap> tap;
   std::unique_ptr<X11EventPoster> poster;
   std::unique_ptr<X11TypedKeysHold> hold;
+  std::unique_ptr<X11PastedPieces> pieces;
   Subscription activations;
 };
 
@@ -152,6 +154,7 @@ Result<std::unique_ptr<X11Desktop>> X11Desktop::connect(const Options& options, 
                                                 p.pasteboard->pasteWillBePosted(target, selection);
                                               });
   p.hold = std::make_unique<X11TypedKeysHold>(*p.keyboard, queue, p.pasteboard->pasteTracker());
+  p.pieces = std::make_unique<X11PastedPieces>(p.pasteboard->pasteTracker(), queue);
   p.activations = p.workspace->observeActiveWindow([&queue, &p, weak = std::weak_ptr(p.loss)] {
     queue.run([&p, weak] {
       if (!weak.expired() && p.workspace->activeWindow().isOwn) p.hold->ownWindowBecameActive();
@@ -177,6 +180,9 @@ InsertionTarget& X11Desktop::insertionTarget() {
 }
 TypedKeysHold& X11Desktop::typedKeysHold() {
   return *parts_->hold;
+}
+PastedPieces& X11Desktop::pastedPieces() {
+  return *parts_->pieces;
 }
 MouseMonitor& X11Desktop::mouseMonitor() {
   return *parts_->mouse;

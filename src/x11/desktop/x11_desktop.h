@@ -20,6 +20,7 @@ class InsertionTarget;
 class KeyboardLayout;
 class MainQueue;
 class MouseMonitor;
+class PastedPieces;
 class Pasteboard;
 class TargetFocus;
 class TypedKeysHold;
@@ -52,6 +53,7 @@ class X11Desktop {
   EventPoster& eventPoster();
   InsertionTarget& insertionTarget();
   TypedKeysHold& typedKeysHold();
+  PastedPieces& pastedPieces();
   MouseMonitor& mouseMonitor();
   KeyboardLayout& keyboardLayout();
   HotKeyCenter& hotKeyCenter();

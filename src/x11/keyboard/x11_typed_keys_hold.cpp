@@ -70,10 +70,6 @@ std::unique_ptr<TypedKeysHold::Hold> X11TypedKeysHold::begin() {
   return std::make_unique<HeldKeys>(state_);
 }
 
-bool X11TypedKeysHold::lastPieceWasRead() const {
-  return state_->pastes.lastPasteWasRead();
-}
-
 void X11TypedKeysHold::ownWindowBecameActive() {
   if (state_->holding) state_->end();
 }

@@ -17,7 +17,6 @@ class X11TypedKeysHold : public TypedKeysHold {
   ~X11TypedKeysHold() override;
 
   std::unique_ptr<Hold> begin() override;
-  bool lastPieceWasRead() const override;
 
   // What is typed belongs to it at once.
   void ownWindowBecameActive();

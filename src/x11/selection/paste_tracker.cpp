@@ -8,8 +8,7 @@ namespace quorlo {
 
 PasteTracker::Instant PasteTracker::Paste::calmsAt() const {
   if (delivered) return lastActivity + kQuiet;
-  const bool hasBegun = lastActivity != announced;
-  return lastActivity + (hasBegun ? ReaderHabits::kPatience : patience);
+  return lastActivity + (isBegun() ? ReaderHabits::kPatience : patience);
 }
 
 PasteTracker::Instant PasteTracker::Paste::closesAt() const {
@@ -25,6 +24,21 @@ bool PasteTracker::hasUnreadPaste() const {
 bool PasteTracker::lastPasteWasRead() const {
   const std::lock_guard lock(mutex_);
   return lastPaste_ != 0 && lastDelivered_ == lastPaste_;
+}
+
+PasteTracker::PasteId PasteTracker::lastPaste() const {
+  const std::lock_guard lock(mutex_);
+  return lastPaste_;
+}
+
+void PasteTracker::stopAwaiting(PasteId last) {
+  {
+    const std::lock_guard lock(mutex_);
+    for (auto& paste : pastes_) {
+      if (paste.id <= last && !paste.isBegun()) paste.isGivenUp = true;
+    }
+  }
+  observers_.notify();
 }
 
 PasteTracker::Instant PasteTracker::lastProgress() const {
@@ -96,7 +110,7 @@ PasteTracker::Pastes::iterator PasteTracker::pasteReadBy(const ClientIdentity& r
 // was another program's read after all.
 std::optional<PasteTracker::Reading> PasteTracker::readingForTarget(const ClientIdentity& reader,
                                                                     bool fromPrimary, Instant now) {
-  const auto paste = std::ranges::find_if(pastes_, &Paste::isAwaited);
+  const auto paste = std::ranges::find_if(pastes_, &Paste::isInTime);
   if (paste == pastes_.end() || now < paste->announced + kEarliestRead) {
     habits_.readUnasked(reader, now);
     return std::nullopt;
@@ -147,7 +161,8 @@ bool PasteTracker::hasPasteUnderWay() const {
 bool PasteTracker::isBusy(const ClientIdentity& target, Instant now) const {
   const std::lock_guard lock(mutex_);
   return std::ranges::any_of(pastes_, [&](const Paste& paste) {
-    return !paste.isLate && paste.target.client.isSameProgramAs(target) && paste.calmsAt() > now;
+    const bool keepsBack = paste.delivered || paste.isAwaited();
+    return keepsBack && paste.target.client.isSameProgramAs(target) && paste.calmsAt() > now;
   });
 }
 
@@ -171,7 +186,7 @@ std::optional<PasteTracker::Instant> PasteTracker::closeFinished(Instant now) {
     const std::lock_guard lock(mutex_);
     std::erase_if(pastes_, [&](const Paste& paste) { return paste.closesAt() <= now; });
     for (auto& paste : pastes_) {
-      if (paste.isAwaited() && paste.calmsAt() <= now) {
+      if (paste.isInTime() && paste.calmsAt() <= now) {
         paste.isLate = someBecameLate = true;
         habits_.leftUnread(paste.target.client);
       }

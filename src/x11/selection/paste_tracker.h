@@ -60,6 +60,10 @@ class PasteTracker {
   bool hasUnreadPaste() const;
   // The target of the newest chord has been handed its piece. False when there was no chord yet.
   bool lastPasteWasRead() const;
+  PasteId lastPaste() const;  // 0 when there was no chord yet
+  // The keys and the paste that follow will not be kept back any longer for this paste and those before it,
+  // except for one that is being read. Each is served as before.
+  void stopAwaiting(PasteId last);
   // When a target last took contents or a part of them; the epoch if never.
   Instant lastProgress() const;
   // Called on the pasteboard's thread after each change of the two above; hand over to a thread of your
@@ -122,7 +126,10 @@ class PasteTracker {
     std::set<std::string, std::less<>> asked;  // content targets requested
     std::optional<Instant> delivered;          // for the first time
     bool isLate = false;
-    bool isAwaited() const { return !delivered && !isLate; }
+    bool isGivenUp = false;  // not awaited, although it may still be in time
+    bool isInTime() const { return !delivered && !isLate; }
+    bool isAwaited() const { return isInTime() && !isGivenUp; }
+    bool isBegun() const { return lastActivity != announced; }
     Instant calmsAt() const;   // the next chord may be posted
     Instant closesAt() const;  // the target is treated as all others
   };

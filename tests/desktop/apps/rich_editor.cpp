@@ -1,9 +1,11 @@
-// test-rich-editor DIRECTORY [--chat] [--completing] [--relaying]
+// test-rich-editor DIRECTORY [--chat] [--completing] [--relaying] [--late]
 //
 // A rich-text editor that writes what it holds to DIRECTORY/plain.txt and rich.html after every change. With
 // --chat, Return sends: the text is appended as a line to DIRECTORY/sent.txt and the field emptied.
 // With --completing, a popup that grabs the keyboard offers completions of what was typed.
 // With --relaying, another process reads the clipboard for the editor, as in compatibility layers.
+// With --late, it reads the clipboard 0.3 s after the paste chord and obeys other keys meanwhile, as editors
+// do that ask for the clipboard and wait for the answer in their event loop.
 #include <QApplication>
 #include <QCompleter>
 #include <QDir>
@@ -12,13 +14,18 @@
 #include <QProcess>
 #include <QSaveFile>
 #include <QTextEdit>
+#include <QTimer>
+
+#include <chrono>
 
 namespace {
 
+constexpr std::chrono::milliseconds kLate{300};
+
 class Editor : public QTextEdit {
  public:
-  Editor(const QString& directory, bool chat, bool completing, bool relaying)
-      : directory_(directory), chat_(chat), relaying_(relaying) {
+  Editor(const QString& directory, bool chat, bool completing, bool relaying, bool late)
+      : directory_(directory), chat_(chat), relaying_(relaying), late_(late) {
     setWindowTitle("Rich editor");
     setFontPointSize(20);
     connect(this, &QTextEdit::textChanged, this, [this] { write(); });
@@ -34,6 +41,8 @@ class Editor : public QTextEdit {
   void keyPressEvent(QKeyEvent* event) override {
     if (chat_ && event->key() == Qt::Key_Return) return send();
     if (relaying_ && event->matches(QKeySequence::Paste)) return pasteFromRelay();
+    if (late_ && event->matches(QKeySequence::Paste))
+      return QTimer::singleShot(kLate, this, [this] { paste(); });
     QTextEdit::keyPressEvent(event);
   }
 
@@ -67,6 +76,7 @@ class Editor : public QTextEdit {
   QDir directory_;
   bool chat_;
   bool relaying_;
+  bool late_;
   QCompleter completer_{QStringList{"one", "two"}};
 };
 
@@ -75,9 +85,10 @@ class Editor : public QTextEdit {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList words = QCoreApplication::arguments();
-  if (words.size() < 2) qFatal("usage: test-rich-editor DIRECTORY [--chat] [--completing] [--relaying]");
+  if (words.size() < 2)
+    qFatal("usage: test-rich-editor DIRECTORY [--chat] [--completing] [--relaying] [--late]");
   Editor editor(words[1], words.contains("--chat"), words.contains("--completing"),
-                words.contains("--relaying"));
+                words.contains("--relaying"), words.contains("--late"));
   editor.resize(600, 300);
   editor.show();
   return QApplication::exec();
