@@ -56,7 +56,8 @@ void AbbreviationsMonitor::updateEventTap() {
     }
     return;
   }
-  abbreviationMouseEventMonitor = use_.mouse.observeLeftMouseDown([this] {
+  abbreviationMouseEventMonitor = use_.mouse.observeMouseDown([this](MouseButton button) {
+    if (button != MouseButton::left) return use_.undo.withdraw();
     logDebug("leftMouseDown");
     forgetTyping();
   });

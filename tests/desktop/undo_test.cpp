@@ -40,6 +40,19 @@ TEST_F(DesktopUndoTest, LinesAndStylesAreErasedTooAndTheClipboardIsNotTouched) {
   EXPECT_EQ(editor->textOnceItIs("x hia"), "x hia");
 }
 
+TEST_F(DesktopUndoTest, AClickLeavesTheBackspaceToTheEditor) {
+  startQuorlo(
+      {{"QLDebugModeEnabled", "true"}, {"QLDebugEnabledDate", R"({"date":"2100-01-01T00:00:00.000Z"})"}});
+  const auto editor = openRichEditor();
+  type("brb ");
+  ASSERT_EQ(editor->textOnceItIs("be right back "), "be right back ");
+  editor->click();
+  ASSERT_TRUE(waitUntil([&] { return quorlo().log().find("leftMouseDown") != std::string::npos; }));
+  keyboard().tap("BackSpace");
+  type(".");
+  EXPECT_EQ(editor->textOnceItIs("be right back."), "be right back.");
+}
+
 TEST_F(DesktopUndoTest, TheAbbreviationIsTypedAsTheLayoutHasItWhateverIsLocked) {
   desktop().setLayout("de");
   startQuorlo(libraryOf({{"gr@Ü!", "Grüße"}, {"HI", "Hello"}}));

@@ -59,6 +59,7 @@ TEST_F(ExpansionUndoTest, AnythingElseBeforeTheBackspaceEndsTheOffer) {
       [&] { desktop.press(key::kLeftArrow, 0, {kLeftArrowCharacter}); },
       [&] { desktop.press(key::kBackspace, modifier::kCommand, u"\x7f"); },
       [&] { desktop.clickMouse(); },
+      [&] { desktop.clickMouse(MouseButton::other); },
       [&] { desktop.timeOutTap(); },
       [&] { desktop.queue.advance(ExpansionUndo::kOfferLife + Seconds(1)); },
       [&] { desktop.launch("org.example.Other"); },
@@ -76,6 +77,16 @@ TEST_F(ExpansionUndoTest, AnythingElseBeforeTheBackspaceEndsTheOffer) {
     editor.caret = editor.text.size();
     desktop.typeAndWait(u" ");
   }
+}
+
+TEST_F(ExpansionUndoTest, AClickBeforeThePauseAfterThePieceIsOverEndsTheOfferToo) {
+  add(u"sig", u"S");
+  desktop.type(u"sig ");
+  desktop.queue.advance(Seconds(0.1));
+  desktop.clickMouse();
+  desktop.queue.settle();
+  desktop.typeAndWait(u"\b");
+  EXPECT_EQ(desktop.text(), u"S");
 }
 
 TEST_F(ExpansionUndoTest, WhereTheErasingCouldHitOtherTextBackspaceIsJustABackspace) {

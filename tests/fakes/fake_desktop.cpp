@@ -148,8 +148,8 @@ void FakeDesktop::runWhenRead() {
   for (const auto& next : std::exchange(whenRead_, {})) next();
 }
 
-void FakeDesktop::clickMouse() {
-  if (mouseHandler_) mouseHandler_();
+void FakeDesktop::clickMouse(MouseButton button) {
+  if (mouseHandler_) mouseHandler_(button);
 }
 
 void FakeDesktop::timeOutTap() {
@@ -257,7 +257,7 @@ void FakeDesktop::deliverHeldKeys() {
   }
 }
 
-Subscription FakeDesktop::observeLeftMouseDown(std::function<void()> handler) {
+Subscription FakeDesktop::observeMouseDown(std::function<void(MouseButton)> handler) {
   mouseHandler_ = std::move(handler);
   return Subscription([this] { mouseHandler_ = nullptr; });
 }

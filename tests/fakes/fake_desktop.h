@@ -76,7 +76,7 @@ class FakeDesktop : public EventTap,
   // Types each character; "\b" is Backspace, "\n" and "\r" Return, "\t" Tab, "\x1b" Escape.
   void type(std::u16string_view characters);
   void press(KeyCode code, ModifierFlags flags = 0, std::u16string characters = {});
-  void clickMouse();
+  void clickMouse(MouseButton button = MouseButton::left);
   // Types and lets time pass until everything that follows is done.
   void typeAndWait(std::u16string_view characters) {
     type(characters);
@@ -130,7 +130,7 @@ class FakeDesktop : public EventTap,
   std::unique_ptr<Hold> begin() override;
   bool lastWasRead() const override { return !piecesStayUnread_ && unreadPieces_ == 0; }
   void whenRead(Seconds patience, std::function<void()> next) override;
-  Subscription observeLeftMouseDown(std::function<void()> handler) override;
+  Subscription observeMouseDown(std::function<void(MouseButton)> handler) override;
   std::optional<KeyCode> keyCodeForNamedKey(NamedKey name) const override;
   std::u16string labelOfKey(KeyCode code) const override { return code == key::kV ? u"V" : u""; }
   // The native numbers of the fake are the program's own.
@@ -186,7 +186,7 @@ class FakeDesktop : public EventTap,
   FakeApplication* active_ = nullptr;
   RunningApplications running_;
   TapPort* port_ = nullptr;
-  std::function<void()> mouseHandler_;
+  std::function<void(MouseButton)> mouseHandler_;
   std::deque<KeyDownEvent> held_;
   int holds_ = 0;
   int holdGeneration_ = 0;  // holds of an earlier one have been ended

@@ -145,11 +145,14 @@ TEST(X11DesktopTest, ClicksAreReportedWhileAnybodyListensEvenUnderAGrab) {
   PumpedQueue queue;
   const auto x11 = connectTo(desktop.display(), queue);
   int clicks = 0;
-  auto subscription = x11->mouseMonitor().observeLeftMouseDown([&] { ++clicks; });
+  int others = 0;
+  auto subscription = x11->mouseMonitor().observeMouseDown(
+      [&](MouseButton button) { ++(button == MouseButton::left ? clicks : others); });
   x11->workspace().runningApplications();
   OwnWindow window(desktop.display());
-  desktop.pointer().click(30, 30);
+  for (const int button : {5, 3, 2, 1}) desktop.pointer().click(30, 30, button);
   ASSERT_TRUE(queue.pumpUntil([&] { return clicks == 1; }));
+  EXPECT_EQ(others, 2) << "the wheel is no button";
   window.grabPointer();
   desktop.pointer().click(600, 500);
   EXPECT_TRUE(queue.pumpUntil([&] { return clicks == 2; }));

@@ -213,6 +213,8 @@ void Insertion::deleteAbbreviationAndPaste() {
 
 void Insertion::postPaste() {
   if (!std::exchange(ignorePaste, false)) pasteOrType(pieceText_);
+  // Before the pause: a click in it moves the caret away from the text.
+  if (isPlainPaste_ && standsBeforeCaret_) standsBeforeCaret_(snippetText.string());
   after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::typeNextSpecialKey);
 }
 
@@ -271,7 +273,6 @@ void Insertion::pasteNextPartOrFinish() {
   if (!seperatedSnippetText.empty()) {
     return after(use_.settings.pasteBetweenSnippetPartsDelay(), &Insertion::putNextPiece);
   }
-  if (isPlainPaste_ && standsBeforeCaret_) standsBeforeCaret_(snippetText.string());
   if (!cursorRange || numberOfKeyTypesToGetToCursorPosition < 1) return restoreAndFinish();
   whenRead([this] { moveCaretToCursor(); });
 }

@@ -92,7 +92,8 @@ class SnippetMenuWindow::Window : public QWidget {
     field_->setFocus();
     wasActive_ = false;
     sinceOpening_.start();
-    clicks_ = mouse_.observeLeftMouseDown([this, place] {
+    clicks_ = mouse_.observeMouseDown([this, place](MouseButton button) {
+      if (button != MouseButton::left) return;
       const auto pointer = QCursor::pos();
       if (geometry().contains(pointer) || isOnSubmenu(pointer)) return;
       if (place == MenuPlace::statusItem && !sinceOpening_.hasExpired(kSameClick.count())) return;

@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::uint32_t kLeftButton = 1;
 
+// Of the core protocol: up, down, left and right.
+bool isWheel(std::uint32_t button) {
+  return button >= 4 && button <= 7;
+}
+
 }  // namespace
 
 Result<std::unique_ptr<X11MouseMonitor>> X11MouseMonitor::connect(Options options, MainQueue& queue) {
@@ -37,7 +42,7 @@ X11MouseMonitor::~X11MouseMonitor() {
   loop_.stop();
 }
 
-Subscription X11MouseMonitor::observeLeftMouseDown(std::function<void()> handler) {
+Subscription X11MouseMonitor::observeMouseDown(std::function<void(MouseButton)> handler) {
   if (handlers_->count++ == 0) watch(true);
   auto inner = std::make_shared<Subscription>(handlers_->list.add(std::move(handler)));
   return Subscription([this, inner, alive = std::weak_ptr<Handlers>(handlers_)] {
@@ -62,9 +67,10 @@ void X11MouseMonitor::handleEvent(const xcb_generic_event_t& event) {
   const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
   if (generic.extension != inputOpcode_ || generic.event_type != XCB_INPUT_RAW_BUTTON_PRESS) return;
   const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
-  if (press.detail != kLeftButton) return;
-  queue_.run([alive = std::weak_ptr<Handlers>(handlers_)] {
-    if (const auto handlers = alive.lock()) handlers->list.notify();
+  if (isWheel(press.detail)) return;
+  const auto button = press.detail == kLeftButton ? MouseButton::left : MouseButton::other;
+  queue_.run([button, alive = std::weak_ptr<Handlers>(handlers_)] {
+    if (const auto handlers = alive.lock()) handlers->list.notify(button);
   });
 }
 

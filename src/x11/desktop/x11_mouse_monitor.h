@@ -26,7 +26,7 @@ class X11MouseMonitor : public MouseMonitor {
   static Result<std::unique_ptr<X11MouseMonitor>> connect(Options options, MainQueue& queue);
   ~X11MouseMonitor() override;
 
-  Subscription observeLeftMouseDown(std::function<void()> handler) override;
+  Subscription observeMouseDown(std::function<void(MouseButton)> handler) override;
 
  private:
   X11MouseMonitor(std::unique_ptr<XConnection> x, Options options, MainQueue& queue);
@@ -40,7 +40,7 @@ class X11MouseMonitor : public MouseMonitor {
 
   // Main thread.
   struct Handlers {
-    Observers<> list;
+    Observers<MouseButton> list;
     int count = 0;
   };
   std::shared_ptr<Handlers> handlers_ = std::make_shared<Handlers>();
