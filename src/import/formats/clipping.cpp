@@ -111,8 +111,7 @@ Result<ImportData> readForms(const PropertyList& forms, const PropertyListPath& 
   };
   if (text.value() && !text.value()->empty()) {
     if (!isWellFormed(*text.value()) || text.value()->find(u'\uFFFD') != std::u16string::npos) {
-      addNotice(localized(
-          u"The text of the clipping is damaged; some characters cannot be read."));
+      addNotice(localized(u"The text of the clipping is damaged; some characters cannot be read."));
     }
     auto literal = literalMacroText(*text.value());
     snippet.text = AttributedString(std::move(literal.text));

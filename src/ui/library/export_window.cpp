@@ -84,10 +84,9 @@ QWidget* ExportWindow::makeFormatPart() {
   auto* const part = new QGroupBox(localizedText(u"Form"));
   auto* const column = new QVBoxLayout(part);
   column->addWidget(document_);
-  column->addWidget(makeHint(
-      *document_,
-      u"Keeps folders, formats and pictures, but not use counts, dates and the trash. "
-      u"Quorlo imports it again."));
+  column->addWidget(makeHint(*document_,
+                             u"Keeps folders, formats and pictures, but not use counts, dates and the trash. "
+                             u"Quorlo imports it again."));
   column->addWidget(table_);
   column->addWidget(makeHint(*table_,
                              u"Titles, abbreviations and plain texts, for spreadsheets and other programs. "
