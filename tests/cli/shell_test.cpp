@@ -33,8 +33,8 @@ ShellTest::Outcome ShellTest::run(const std::string& script) const {
     redirect(STDOUT_FILENO, out, O_WRONLY | O_CREAT | O_TRUNC);
     redirect(STDERR_FILENO, err, O_WRONLY | O_CREAT | O_TRUNC);
     if (::chdir(home_.path().c_str()) != 0) std::_Exit(125);
-    const auto homeVariable = "HOME=" + home_.path().string();
-    const auto path = std::string("PATH=") + QUORLO_PROGRAM_DIRECTORY + ":/usr/bin:/bin";
+    const auto homeVariable = std::string("HOME=").append(home_.path().native());
+    const std::string path = "PATH=" QUORLO_PROGRAM_DIRECTORY ":/usr/bin:/bin";
     ::execl("/usr/bin/env", "env", "-i", homeVariable.c_str(), path.c_str(), "LANG=de_DE.UTF-8", "bash", "-c",
             script.c_str(), nullptr);
     std::_Exit(125);

@@ -57,14 +57,12 @@ std::u16string questionOf(CsvDoubt doubt) {
     case CsvDoubt::none:
       return {};
     case CsvDoubt::header:
-      return localized(
-          u"Does the first row have the names of the columns, or is it a snippet? Choose above.");
+      return localized(u"Does the first row have the names of the columns, or is it a snippet?");
     case CsvDoubt::uneven:
-      return localized(
-          u"The rows have different numbers of fields. Choose the separator and the columns above.");
+      return localized(u"The rows have different numbers of fields. Choose the separator and the columns.");
     case CsvDoubt::columns:
     case CsvDoubt::tooMany:
-      return localized(u"Not all columns are known by their names. Choose above which is which.");
+      return localized(u"Not all columns are known by their names. Choose which is which.");
   }
   return {};
 }
@@ -259,13 +257,8 @@ CsvColumns QLCSVOptionsViewController::selectedColumns() const {
 
 std::u16string QLCSVOptionsViewController::notice() const {
   if (!text_) return {};
-  std::vector<std::u16string> notices;
-  if (auto question = questionOf(preview_.guess.doubt); isAsking() && !question.empty()) {
-    notices.push_back(std::move(question));
-  }
-  auto found = csvNotices(importedCSVURLs_.front(), text_->encoding, selectedColumns(),
-                          findings_.value_or(CsvFindings()));
-  std::ranges::move(found, std::back_inserter(notices));
+  auto notices = csvNotices(importedCSVURLs_.front(), text_->encoding, selectedColumns(),
+                            findings_.value_or(CsvFindings()));
   if (preview_.headers.size() < preview_.columnCount) {
     notices.push_back(localizedFormat(u"The table has %d columns; the first thousand are shown.",
                                       static_cast<std::int64_t>(preview_.columnCount)));
@@ -276,11 +269,11 @@ std::u16string QLCSVOptionsViewController::notice() const {
 }
 
 // Until the user has chosen a column or said whether there is a header.
-bool QLCSVOptionsViewController::isAsking() const {
+std::u16string QLCSVOptionsViewController::question() const {
   const bool isAnswered = hasHeaderIsChosen_ || std::ranges::any_of(chosenColumns_, [](const auto& each) {
                             return each.has_value();
                           });
-  return previewIsCurrent_ && !isAnswered;
+  return previewIsCurrent_ && !isAnswered ? questionOf(preview_.guess.doubt) : std::u16string();
 }
 
 bool QLCSVOptionsViewController::canConfirm() const {

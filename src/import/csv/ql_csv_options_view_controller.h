@@ -87,6 +87,7 @@ class QLCSVOptionsViewController {
   const std::vector<std::vector<std::u16string>>& previewRows() const { return preview_.rows; }
   std::optional<std::size_t> rowCount() const;
   CsvColumns selectedColumns() const;
+  std::u16string question() const;                        // what the user should choose; empty for nothing
   std::u16string notice() const;                          // sentences; empty for none
   const std::u16string& error() const { return error_; }  // of the last thing that was tried, or empty
 
@@ -113,7 +114,6 @@ class QLCSVOptionsViewController {
   void failToParse(const Error& reason);
   void fail(const Error& error);
   CsvMapping mapping() const;
-  bool isAsking() const;
 
   Dependencies its_;
   std::vector<std::filesystem::path> importedCSVURLs_;

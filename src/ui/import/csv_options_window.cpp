@@ -76,6 +76,7 @@ CsvOptionsWindow::CsvOptionsWindow(QLCSVOptionsViewController& controller,
       titlePopUpButton_(new QComboBox),
       abbreviationPopUpButton_(new QComboBox),
       textPopUpButton_(new QComboBox),
+      question_(new QLabel),
       table_(new QTableView),
       rows_(new QLabel),
       notice_(new QLabel),
@@ -104,6 +105,7 @@ CsvOptionsWindow::CsvOptionsWindow(QLCSVOptionsViewController& controller,
   auto* const column = new QVBoxLayout(this);
   for (auto* const part : {makeReadingPart(), makeColumnsPart(), makePreview(), makeImportPart()}) {
     column->addWidget(part, part->isAncestorOf(table_) ? 1 : 0);
+    if (part->isAncestorOf(hasHeaderCheckbox_)) column->addWidget(question_);
   }
   column->addLayout(bottom);
   assignMnemonics(*this);
@@ -136,6 +138,10 @@ QWidget* CsvOptionsWindow::makeColumnsPart() {
   auto* const part = new QWidget;
   auto* const grid = new QGridLayout(part);
   grid->setContentsMargins(0, 0, 0, 0);
+  auto bold = font();
+  bold.setBold(true);
+  question_->setFont(bold);
+  question_->setWordWrap(true);
   const auto add = [&](std::u16string_view name, QComboBox* box,
                        void (QLCSVOptionsViewController::*select)(std::size_t)) {
     const int place = grid->columnCount();
@@ -255,6 +261,9 @@ void CsvOptionsWindow::showRows() {
   } else {
     rows_->setText(*count == 1 ? localizedText(u"1 row") : localizedText(u"%1 rows").arg(shown));
   }
+  const auto question = toQString(controller_.question());
+  question_->setText(question);
+  question_->setVisible(!question.isEmpty());
   const auto& message = controller_.error().empty() ? controller_.notice() : controller_.error();
   notice_->setText(toQString(message));
   notice_->setVisible(!message.empty());

@@ -59,6 +59,7 @@ class CsvOptionsWindow final : public QDialog {
   QComboBox* titlePopUpButton_;
   QComboBox* abbreviationPopUpButton_;
   QComboBox* textPopUpButton_;
+  QLabel* question_;
   QTableView* table_;
   QLabel* rows_;
   QLabel* notice_;
