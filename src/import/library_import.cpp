@@ -1,8 +1,10 @@
 #include "import/library_import.h"
 
 #include "base/localized.h"
+#include "base/log.h"
 #include "import/file_bytes.h"
 #include "import/file_import.h"
+#include "import/last_import.h"
 #include "import/work_progress.h"
 #include "platform/background_queue.h"
 #include "platform/main_queue.h"
@@ -74,8 +76,9 @@ LibraryImport::~LibraryImport() {
 void LibraryImport::importData(std::shared_ptr<const ImportData> data, ImportOptions options,
                                Completion<ImportReport> completion) {
   start<ImportReport>(
-      [data = std::move(data), options = std::move(options)](auto& context, auto& progress) {
-        return importSnippets(*data, options, context, progress);
+      [remembered = remembering(), data = std::move(data), options = std::move(options)](auto& context,
+                                                                                         auto& progress) {
+        return remembered(importSnippets(*data, options, context, progress));
       },
       std::move(completion));
 }
@@ -83,16 +86,32 @@ void LibraryImport::importData(std::shared_ptr<const ImportData> data, ImportOpt
 void LibraryImport::importFiles(std::vector<std::filesystem::path> files, ImportOptions options,
                                 Completion<ImportReport> completion) {
   start<ImportReport>(
-      [files = std::move(files), options = std::move(options)](auto& context, auto& progress) {
-        return quorlo::importFiles(files, std::nullopt, options, context, progress);
+      [remembered = remembering(), files = std::move(files), options = std::move(options)](auto& context,
+                                                                                           auto& progress) {
+        return remembered(quorlo::importFiles(files, std::nullopt, options, context, progress));
       },
       std::move(completion));
 }
 
 void LibraryImport::undo(std::shared_ptr<const ImportReport> report, Completion<UndoneImport> completion) {
-  start<UndoneImport>([report = std::move(report)](
-                          auto& context, auto& progress) { return undoImport(*report, context, progress); },
-                      std::move(completion));
+  start<UndoneImport>(
+      [report = std::move(report), folder = its_.storeFile.parent_path()](auto& context, auto& progress) {
+        auto undone = undoImport(*report, context, progress);
+        if (undone) forgetImport(folder);
+        return undone;
+      },
+      std::move(completion));
+}
+
+// For the command line, which can undo it as well.
+std::function<Result<ImportReport>(Result<ImportReport>)> LibraryImport::remembering() const {
+  return [folder = its_.storeFile.parent_path()](Result<ImportReport> report) {
+    if (!report) return report;
+    if (const auto status = rememberImport(report.value(), folder); !status) {
+      logWarning("WARNING: #imp3Rmb - " + status.error().message);
+    }
+    return report;
+  };
 }
 
 const WorkProgress& LibraryImport::progress() const {

@@ -65,6 +65,7 @@ class LibraryImport {
   template <class Outcome>
   using Operation = std::function<Result<Outcome>(ManagedObjectContext& context, WorkProgress& progress)>;
 
+  std::function<Result<ImportReport>(Result<ImportReport>)> remembering() const;
   template <class Outcome>
   void start(Operation<Outcome> operation, Completion<Outcome> completion);
   template <class Outcome>

@@ -1,11 +1,11 @@
 #include "import/snippet_importer.h"
 
-#include "base/localized.h"
 #include "import/file_bytes.h"
 #include "import/import_transaction.h"
 #include "import/work_progress.h"
 #include "store/context/managed_object_context.h"
 #include "store/library_editing.h"
+#include "store/localized_format.h"
 #include "store/records/folder_types.h"
 #include "store/records/ql_app.h"
 #include "store/records/ql_category.h"
@@ -13,6 +13,7 @@
 #include "text/utf.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -95,6 +96,17 @@ class Undo {
 };
 
 }  // namespace
+
+std::u16string summary(const UndoneImport& undone) {
+  auto text = localizedCount(static_cast<std::int64_t>(undone.removedSnippets), u"1 snippet was removed.",
+                             u"%d snippets were removed.");
+  if (undone.keptSnippets > 0) {
+    text += u' ' + localizedCount(static_cast<std::int64_t>(undone.keptSnippets),
+                                  u"1 snippet has been changed or used since and stays.",
+                                  u"%d snippets have been changed or used since and stay.");
+  }
+  return text;
+}
 
 Result<ImportReport> importSnippets(const ImportData& data, const ImportOptions& options,
                                     ManagedObjectContext& context, WorkProgress& progress) {

@@ -6,6 +6,7 @@
 #include "import/import_report.h"
 
 #include <cstddef>
+#include <string>
 
 namespace quorlo {
 
@@ -22,6 +23,8 @@ struct UndoneImport {
   std::size_t keptSnippets = 0;  // used or changed since, or in the trash
   std::size_t removedFolders = 0;
 };
+// In words for the user.
+std::u16string summary(const UndoneImport& undone);
 
 // Takes what the import has added out of the library again, the folders that are empty then included, moves
 // what it has taken out of the trash back there, and

@@ -13,16 +13,17 @@ QLSnippetMacroInterpreter::QLSnippetMacroInterpreter(const Environment& environm
 QLSnippetMacroInterpreter::~QLSnippetMacroInterpreter() = default;
 
 AttributedString QLSnippetMacroInterpreter::resolveSnippetMacros(AttributedString text,
-                                                                 const std::u16string& abbreviation) const {
+                                                                 const std::u16string& abbreviation,
+                                                                 LeftOutSnippets* leftOut) const {
   std::set<std::u16string> used;
   if (!abbreviation.empty()) used.insert(abbreviation);
-  return resolveSnippetMacros(std::move(text), used, kNestedSnippetDepth);
+  return resolveSnippetMacros(std::move(text), used, kNestedSnippetDepth, leftOut);
 }
 
 AttributedString QLSnippetMacroInterpreter::resolveSnippetMacros(AttributedString text,
                                                                  const std::set<std::u16string>& used,
-                                                                 int depth) const {
-  return quorlo::resolveSnippetMacros(std::move(text), used, depth, lookup_);
+                                                                 int depth, LeftOutSnippets* leftOut) const {
+  return quorlo::resolveSnippetMacros(std::move(text), used, depth, lookup_, leftOut);
 }
 
 EvaluatedText QLSnippetMacroInterpreter::evaluate(const AttributedString& text,

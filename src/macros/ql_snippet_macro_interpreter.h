@@ -29,9 +29,10 @@ class QLSnippetMacroInterpreter {
   static QLSnippetMacroInterpreter& shared();
 
   // `abbreviation` is that of the snippet the text came from; may be empty.
-  AttributedString resolveSnippetMacros(AttributedString text, const std::u16string& abbreviation) const;
+  AttributedString resolveSnippetMacros(AttributedString text, const std::u16string& abbreviation,
+                                        LeftOutSnippets* leftOut = nullptr) const;
   AttributedString resolveSnippetMacros(AttributedString text, const std::set<std::u16string>& used,
-                                        int depth) const;
+                                        int depth, LeftOutSnippets* leftOut = nullptr) const;
 
   // With the current moment as the date. Without a clipboard, clipboard macros become keys.
   EvaluatedText evaluate(const AttributedString& text, std::span<const MacroType> types,

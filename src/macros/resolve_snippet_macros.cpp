@@ -48,6 +48,7 @@ class SnippetPasses {
   // False when nothing was left to do.
   bool pass();
   AttributedString finish() { return withoutPaths(std::move(text_)); }
+  LeftOutSnippets leftOut() const;
 
  private:
   std::optional<AttributedString> replacement(TextRange range, std::size_t room);
@@ -58,6 +59,7 @@ class SnippetPasses {
   AttributedString text_;
   std::vector<Abbreviations> paths_;  // those of runs without a mark first
   const SnippetLookup& lookup_;
+  LeftOutSnippets leftOut_;
   bool isCut_ = false;  // the text has grown as long as it may
   std::map<std::u16string, std::optional<AttributedString>> snippets_;
   std::map<std::pair<std::u16string, Abbreviations>, AttributedString> marked_;
@@ -93,13 +95,19 @@ std::optional<AttributedString> SnippetPasses::replacement(TextRange range, std:
   if (!abbreviation) return std::nullopt;
 
   const auto& found = snippet(*abbreviation);
-  if (!found) return AttributedString();
+  using enum LeftOutSnippet::Reason;
+  if (!found) {
+    leftOut_.insert({*abbreviation, missing});
+    return AttributedString();
+  }
   const auto inside = pathOf(range);
   if (inside.contains(*abbreviation)) {
+    leftOut_.insert({*abbreviation, wouldContainItself});
     logWarning("WARNING: #4uNCEF - Discovered loop snippet reference - abort");
     return AttributedString();
   }
   if (isCut_ || found->size() > room) {
+    leftOut_.insert({*abbreviation, textIsTooLong});
     if (!std::exchange(isCut_, true)) {
       logWarning("WARNING: #nst7Lim - Nested snippets are too long together, left out from: " +
                  userText(toUtf8(*abbreviation)));
@@ -107,6 +115,18 @@ std::optional<AttributedString> SnippetPasses::replacement(TextRange range, std:
     return AttributedString();
   }
   return marked(*abbreviation, inside);
+}
+
+LeftOutSnippets SnippetPasses::leftOut() const {
+  auto leftOut = leftOut_;
+  for (const auto& [range, type] : findMacros(text_.string())) {
+    if (type != MacroType::snippet) continue;
+    const auto macro = std::u16string_view(text_.string()).substr(range.location, range.length);
+    if (auto abbreviation = valueForArgument(u"abbreviation", macro)) {
+      leftOut.insert({std::move(*abbreviation), LeftOutSnippet::Reason::isTooDeep});
+    }
+  }
+  return leftOut;
 }
 
 // A snippet is asked for once, however often it is named.
@@ -145,10 +165,11 @@ const AttributedString& SnippetPasses::marked(const std::u16string& abbreviation
 }  // namespace
 
 AttributedString resolveSnippetMacros(AttributedString text, const std::set<std::u16string>& used, int depth,
-                                      const SnippetLookup& lookup) {
+                                      const SnippetLookup& lookup, LeftOutSnippets* leftOut) {
   SnippetPasses passes(std::move(text), used, lookup);
   while (passes.pass() && depth-- > 0) {
   }
+  if (leftOut != nullptr) leftOut->merge(passes.leftOut());
   return passes.finish();
 }
 

@@ -2,6 +2,8 @@
 
 #include "text/attributed_string.h"
 
+#include <compare>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <set>
@@ -16,6 +18,17 @@ using SnippetLookup = std::function<std::optional<AttributedString>(const std::u
 // How many passes follow the first: snippets are nested through three levels.
 inline constexpr int kNestedSnippetDepth = 2;
 
+// A snippet that a macro names and that the text is without.
+struct LeftOutSnippet {
+  enum class Reason { missing, wouldContainItself, textIsTooLong, isTooDeep };
+
+  std::u16string abbreviation;
+  Reason reason;
+
+  auto operator<=>(const LeftOutSnippet&) const = default;
+};
+using LeftOutSnippets = std::set<LeftOutSnippet>;
+
 // Replaces the snippet macros of a text by the snippets they name, pass by pass over the whole text.
 // `used` holds the abbreviations that the text itself came from.
 //
@@ -23,9 +36,9 @@ inline constexpr int kNestedSnippetDepth = 2;
 // side; a macro that would break this is removed with a warning; one that names no snippet is
 // removed without.
 // Macros that appear after the last pass stay. What would make the text longer than
-// kLongestResolvedText is left out with a warning.
+// kLongestResolvedText is left out with a warning. Each is added to `leftOut`, which may be null.
 AttributedString resolveSnippetMacros(AttributedString text, const std::set<std::u16string>& used, int depth,
-                                      const SnippetLookup& lookup);
+                                      const SnippetLookup& lookup, LeftOutSnippets* leftOut = nullptr);
 
 inline constexpr std::size_t kLongestResolvedText = std::size_t{1} << 24;  // UTF-16 units
 

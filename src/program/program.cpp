@@ -1,6 +1,7 @@
 #include "program/program.h"
 
 #include "base/core_dumps.h"
+#include "base/counted.h"
 #include "base/log.h"
 #include "macros/find_macros.h"
 #include "program/crash_report.h"
@@ -33,7 +34,8 @@ Status addLibrary(PersistenceController& persistence, const std::filesystem::pat
   if (!report) return report.error();
   persistence.save();
   logWarnings(report.value());
-  logInfo(fmt::format("Added {} snippets from {}.", report.value().addedSnippets.size(), file.string()));
+  logInfo(fmt::format("Added {} from {}.",
+                      counted(report.value().addedSnippets.size(), "snippet", "snippets"), file.string()));
   return {};
 }
 

@@ -1,6 +1,7 @@
 #include "program/program_parts.h"
 
 #include "app/shell/quorlo_app.h"
+#include "base/counted.h"
 #include "base/log.h"
 #include "program/crash_report.h"
 #include "program/doctor/typing_obstacle_text.h"
@@ -308,9 +309,9 @@ std::string Program::Parts::status() const {
   std::string missing;
   for (const auto& [what, remedy] : obstaclesNow())
     missing += "  " + toUtf8(what) + " " + toUtf8(remedy) + "\n";
-  return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{}{} snippets in {}.\n",
-                     QUORLO_VERSION, desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off",
-                     missing, snippets ? snippets.value() : 0, storeFile.string());
+  return fmt::format("Quorlo {} runs on display {}.\nAbbreviations are {}.\n{}{} in {}.\n", QUORLO_VERSION,
+                     desktop->displayName(), settings.abbreviationsEnabled() ? "on" : "off", missing,
+                     counted(snippets ? snippets.value() : 0, "snippet", "snippets"), storeFile.string());
 }
 
 }  // namespace quorlo

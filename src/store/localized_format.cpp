@@ -35,4 +35,8 @@ std::u16string localizedFormat(std::u16string_view baseText, std::int64_t number
   return localizedFormat(baseText, toUtf16(std::to_string(number)));
 }
 
+std::u16string localizedCount(std::int64_t number, std::u16string_view one, std::u16string_view many) {
+  return number == 1 ? localized(one) : localizedFormat(many, number);
+}
+
 }  // namespace quorlo

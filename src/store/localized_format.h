@@ -14,4 +14,8 @@ std::u16string localizedFormat(std::u16string_view baseText, std::u16string_view
                                std::u16string_view second);
 std::u16string localizedFormat(std::u16string_view baseText, std::int64_t number);
 
+// One of two texts, as the number asks for: `one` is whole ("1 image"), `many` has a "%d" ("%d images") and
+// holds for 0, too, which is the rule of English and German.
+std::u16string localizedCount(std::int64_t number, std::u16string_view one, std::u16string_view many);
+
 }  // namespace quorlo

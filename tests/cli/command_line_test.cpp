@@ -27,6 +27,7 @@ TEST(CommandLineTest, TellsCommandsFromFiles) {
   EXPECT_EQ(std::get<ProgramRequest>(parse({"menu"})).command, "menu");
   EXPECT_TRUE(std::get<ProgramRequest>(parse({"status", "--json"})).json);
   EXPECT_TRUE(std::get<CommandRequest>(parse({"list", "--json"})).json);
+  EXPECT_TRUE(std::get<CommandRequest>(parse({"--json", "list", "--folder", "--trash"})).json);
   const auto opening = std::get<StartRequest>(parse({"mine.json", "menu.json"}));
   EXPECT_EQ(opening.files, (std::vector<std::filesystem::path>{"mine.json", "menu.json"}));
 }
@@ -39,6 +40,15 @@ TEST(CommandLineTest, WhatCannotBeMeantIsRefusedAndHelpIsNoFault) {
   EXPECT_EQ(status({"--nonsense"}), ExitStatus::wrongUsage);
   EXPECT_EQ(status({"menu", "quit"}), ExitStatus::wrongUsage);
   EXPECT_EQ(status({"lst"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"--json"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"--json", "quit"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"list", "--json=yes"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"settings"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"show"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"list", "--folder"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"list", "--folder=a", "--trash"}), ExitStatus::wrongUsage);
+  EXPECT_EQ(status({"export", "--bogus", "--help"}), ExitStatus::done);
+  EXPECT_EQ(status({"-V"}), ExitStatus::done);
   EXPECT_EQ(status({"--help"}), ExitStatus::done);
   EXPECT_EQ(status({"--version"}), ExitStatus::done);
 }

@@ -89,6 +89,16 @@ TEST_F(ExpandTest, SnippetsOfTheLibraryAreNestedAndNothingCountsAsUsed) {
   EXPECT_EQ(expand("%snippet:abbreviation=sig:snippet%!", "- -a Place=Rome").out, "Ada of Rome!");
   EXPECT_EQ(expand("%snippet:abbreviation=missing:snippet%!\r\nand").out, "!\nand");
   EXPECT_EQ(json::parse(out("quorlo show sig --json"))["useCount"], 0);
+  const auto strict = expand("%snippet:abbreviation=missing:snippet%!", "--strict");
+  EXPECT_EQ(strict.status, 1);
+  EXPECT_EQ(strict.out, "");
+  EXPECT_THAT(strict.err, HasSubstr("No snippet has the abbreviation \"missing\""));
+  out("head -c 9000000 /dev/zero | tr '\\0' x | quorlo add -a long -t -");
+  const auto twice =
+      expand("%snippet:abbreviation=long:snippet%%snippet:abbreviation=long:snippet%", "--strict");
+  EXPECT_EQ(twice.status, 1);
+  EXPECT_EQ(twice.out, "");
+  EXPECT_THAT(twice.err, HasSubstr("too long; the snippet \"long\" is left out"));
   EXPECT_THAT(complaint("quorlo expand nothing"), HasSubstr("There is no snippet \"nothing\""));
 
   file(".local/share/org.quorlo.Quorlo/private.sqlite", "no library");

@@ -46,7 +46,7 @@ TEST_F(FileCommandsTest, WhatAnImportCannotKeepIsSaidAndADryRunChangesNothing) {
   const auto imported = run("quorlo import table.csv");
   EXPECT_THAT(imported.out, HasSubstr("2 snippets were added"));
   EXPECT_THAT(imported.err, AllOf(HasSubstr("Regards"), HasSubstr("sig")));
-  const auto again = json::parse(out("quorlo import table.csv --skip-duplicates --json"));
+  const auto again = json::parse(out("quorlo import table.csv --json"));
   EXPECT_EQ(again["added"], 0);
   EXPECT_EQ(again["duplicates"], 2);
 }
@@ -72,6 +72,29 @@ TEST_F(FileCommandsTest, ATableLosesNothingInSilence) {
   EXPECT_EQ(snippets(), "addr\t12 High Street\t\nname\tAda Lovelace\t\n");
   out("rm -rf .local; quorlo import library.json; quorlo edit addr -t Elsewhere");
   EXPECT_EQ(snippets(), "addr\tElsewhere\t\nname\tAda Lovelace\t\n") << "titles follow their texts";
+}
+
+TEST_F(FileCommandsTest, AnImportIsTakenBackByAnotherProcessButForWhatWasTouched) {
+  file("table.csv", "abbreviation,text\nsig,Regards\nbye,Goodbye\n");
+  EXPECT_THAT(complaint("quorlo import --undo"), HasSubstr("no import"));
+  out("quorlo import table.csv --folder Old");
+  EXPECT_EQ(out("quorlo import table.csv --folder Old"), "Nothing was added. 2 duplicates were skipped.\n");
+  EXPECT_THAT(out("quorlo import table.csv --keep-duplicates -n"), HasSubstr("2 snippets would be added"));
+  out("quorlo edit sig --title Mine");
+  EXPECT_EQ(out("quorlo import --undo"),
+            "1 snippet was removed. 1 snippet has been changed or used since and stays.\n");
+  EXPECT_EQ(snippets(), "sig\tMine\tOld\n");
+  EXPECT_THAT(complaint("quorlo import --undo"), HasSubstr("no import"));
+}
+
+TEST_F(FileCommandsTest, APipeIsImportedByItsContentOrItsFormat) {
+  out("quorlo add -a sig -t Regards; quorlo export > library.json; rm -rf .local");
+  out("cat library.json | quorlo import -");
+  EXPECT_EQ(snippets(), "sig\tRegards\t\n");
+  out("printf 'abbreviation;text\\nbye;[Goodbye]\\n' | quorlo import -");
+  out("printf 'text\\n[1, 2]\\n' | quorlo import - --format csv");
+  EXPECT_EQ(snippets(), "bye\t[Goodbye]\t\nsig\tRegards\t\n\t[1, 2]\t\n");
+  EXPECT_EQ(run("printf 'a;b' | quorlo import - --format json").status, 1);
 }
 
 TEST_F(FileCommandsTest, FilesAndColumnsThatCannotBeReadAreRefusedWithoutALibraryBegun) {
@@ -114,6 +137,7 @@ TEST_F(FileCommandsTest, AnExportMovesTheLibraryToAnotherHome) {
   out("quorlo export --folder Letters --format csv > letters.csv; rm -rf .local; quorlo import letters.csv");
   EXPECT_EQ(out("quorlo show sig --text"), "Regards\nAda\n");
   EXPECT_EQ(json::parse(out("quorlo export one.json -s sig --json"))["snippets"], 1);
+  EXPECT_EQ(out("quorlo export one.json -s sig"), "Exported 1 snippet to one.json\n");
   EXPECT_THAT(complaint("quorlo export library.txt", 2), HasSubstr("--format"));
   EXPECT_THAT(complaint("quorlo export --json", 2), HasSubstr("name a file"));
   EXPECT_THAT(complaint("quorlo export /dev/full --format csv"), HasSubstr("/dev/full"));

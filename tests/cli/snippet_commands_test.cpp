@@ -181,5 +181,13 @@ TEST_F(SnippetCommandsTest, ManyAtOnceBeginOneLibraryAndLoseNothing) {
   EXPECT_EQ(document("quorlo stats --json")["snippets"], 12);
 }
 
+TEST_F(SnippetCommandsTest, WordsMeanWhatTheySay) {
+  out("quorlo add -a sig -t one --title=; quorlo add -a '[sig]' -t two; quorlo add --abbreviation=-x --text='-a b'");
+  EXPECT_EQ(out("quorlo edit sig --abbreviation= --text=zzz --folder= | cut -d' ' -f3-"), " zzz\n");
+  EXPECT_EQ(out("quorlo remove '[sig]' -- -x | cut -d' ' -f1-4"), "Moved to the trash\nMoved to the trash\n");
+  EXPECT_EQ(out("quorlo list | cut -f1-3"), "\tzzz\t\n");
+  EXPECT_EQ(out("quorlo restore '[sig]' | cut -d' ' -f4-"), "[sig]  two\n");
+}
+
 }  // namespace
 }  // namespace quorlo

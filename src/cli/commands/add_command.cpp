@@ -40,7 +40,7 @@ void addAddCommand(CommandParser& parser) {
       parser.add("add", "Add a snippet", [fields](CommandSession& session) { return add(session, *fields); });
   addFields(command, *fields);
   command.setFooter(
-      "The text may hold macros as docs/formats.md describes them. What is read from a file or standard input "
+      "The text may hold macros; \"quorlo help macros\" explains them. What is read from a file or standard input "
       "loses one line feed at its end.\n\n"
       "  quorlo add --abbreviation brb --text 'be right back'\n"
       "  fortune | quorlo add --title 'Saying' --folder Fun --text -");

@@ -21,6 +21,7 @@ void addRepairCommand(CommandParser& parser);
 void addSettingsCommands(CommandParser& parser);
 void addProgramCommands(CommandParser& parser);
 void addCompletionCommands(CommandParser& parser);
+void addHelpCommand(CommandParser& parser);
 void addManCommand(CommandParser& parser);
 
 }  // namespace quorlo

@@ -23,6 +23,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr std::size_t kQuotedColumns = 60;
+
 struct ExpandOptions {
   std::optional<std::string> snippet;
   std::vector<std::string> answers;
@@ -82,6 +84,22 @@ Status readSource(CommandSession& session, Library& library, const ExpandOptions
   return {};
 }
 
+std::string inWords(const LeftOutSnippet& leftOut) {
+  const auto abbreviation =
+      "\"" + cutToWidth(printable(toUtf8(leftOut.abbreviation), LineBreaks::shown), kQuotedColumns) + "\"";
+  switch (leftOut.reason) {
+    case LeftOutSnippet::Reason::missing:
+      return "No snippet has the abbreviation " + abbreviation + "; nothing stands in its place.";
+    case LeftOutSnippet::Reason::wouldContainItself:
+      return "The snippet " + abbreviation + " is left out where it would stand within itself.";
+    case LeftOutSnippet::Reason::textIsTooLong:
+      return "The text has become too long; the snippet " + abbreviation + " is left out.";
+    case LeftOutSnippet::Reason::isTooDeep:
+      break;
+  }
+  return "The snippet " + abbreviation + " is nested too deep; its macro stays in the text.";
+}
+
 // What is not in the output as the snippet means it.
 std::vector<std::string> openQuestions(const Expansion& expansion) {
   std::vector<std::string> open;
@@ -93,6 +111,7 @@ std::vector<std::string> openQuestions(const Expansion& expansion) {
   if (expansion.wantsClipboard()) {
     open.emplace_back("The clipboard is left out; give its contents with --clipboard TEXT.");
   }
+  for (const auto& each : expansion.leftOut) open.push_back(inWords(each));
   return open;
 }
 
@@ -180,7 +199,8 @@ void addExpandCommand(CommandParser& parser) {
                    "NAME=VALUE");
   command.addText("--clipboard", options->clipboard, "What the clipboard holds; the desktop's is not read");
   command.addFlag("--html", options->html, "Print the text as HTML, with its styles and pictures");
-  command.addFlag("--strict", options->strict, "Print nothing and fail where something is left open");
+  command.addFlag("--strict", options->strict,
+                  "Print nothing and fail where something is left open or left out");
   command.setFooter(
       "No window opens, and the snippet does not count as used. Fields without an answer take their defaults, "
       "and standard error names them; a field without a name is called by its place, \"#1\" and so on. Dates "

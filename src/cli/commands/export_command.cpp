@@ -1,3 +1,4 @@
+#include "base/counted.h"
 #include "cli/command_session.h"
 #include "cli/commands/commands.h"
 #include "cli/definition/command_definition.h"
@@ -68,7 +69,8 @@ void print(CommandSession& session, const ExportArguments& arguments, const Expo
     session.note(snippet.empty() ? toUtf8(message) : toUtf8(snippet) + ": " + toUtf8(message));
   }
   if (arguments.isToOutput()) return;
-  session.out().write(fmt::format("Exported {} snippets to {}\n", report.snippets, arguments.file()));
+  session.out().write(
+      fmt::format("Exported {} to {}\n", counted(report.snippets, "snippet", "snippets"), arguments.file()));
 }
 
 Result<ExitStatus> exportAndReport(CommandSession& session, const ExportArguments& arguments) {

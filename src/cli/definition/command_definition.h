@@ -53,8 +53,10 @@ class CommandDefinition {
   const std::string& footer() const { return footer_; }
   const std::string& section() const { return section_; }
   bool isHidden() const { return section_.empty(); }
+  // False for the program itself.
+  bool hasParent() const { return parent_ != nullptr; }
   // It only holds others together.
-  bool needsCommand() const { return parent_ != nullptr && !commands_.empty(); }
+  bool needsCommand() const { return hasParent() && !commands_.empty(); }
 
   // In the order of their definition, -h,--help first.
   const std::vector<std::unique_ptr<OptionDefinition>>& options() const { return options_; }

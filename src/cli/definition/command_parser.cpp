@@ -40,17 +40,23 @@ bool isMistypedCommand(const std::string& word) {
   return word.find_first_of("./") == std::string::npos && !std::filesystem::exists(word, failure);
 }
 
+// It may stand before the command.
+bool offersJson(const CommandDefinition& command) {
+  return command.hasParent() && command.optionNamed("--json") != nullptr;
+}
+
 }  // namespace
 
 CommandParser::CommandParser()
     : root_(std::make_unique<CommandDefinition>(
           "quorlo", "Quorlo expands abbreviations as you type, in any application.")) {
   root_->setFooter(helpFooter());
-  root_->addFlag("--version", asksForVersion_, "Display program version information and exit");
+  root_->addFlag("-V,--version", asksForVersion_, "Display program version information and exit");
   root_->addFiles("files", files_, "Files to open: libraries to take snippets from");
   root_->addFile("--library", library_, "Take the snippets of this JSON file into the library");
   root_->addChoice("--abbreviations", abbreviations_, {"on", "off"},
                    "Switch the expansion of abbreviations on or off; alone, changes the setting and ends");
+  root_->addFlag("--json", json_, "For a command, which may also have it behind its name");
 
   section_ = "Snippets";
   addListCommand(*this);
@@ -72,6 +78,7 @@ CommandParser::CommandParser()
   addProgramCommands(*this);
   section_ = "Shell";
   addCompletionCommands(*this);
+  addHelpCommand(*this);
   addManCommand(*this);
 }
 
@@ -104,6 +111,7 @@ CommandLine CommandParser::parse(int argc, const char* const* argv) {
   if (parsed.asksForHelp) return print(helpText(*parsed.command));
   if (!parsed.fault.empty()) return complain(*parsed.command, parsed.fault);
   if (asksForVersion_) return print("quorlo " QUORLO_VERSION "\n");
+  if (json_ && !offersJson(*parsed.command)) return complain(*parsed.command, "not expected: --json");
   return request(*parsed.command);
 }
 

@@ -1,6 +1,7 @@
 #include "cli/definition/completion.h"
 
 #include "cli/definition/command_definition.h"
+#include "cli/definition/help_topics.h"
 
 #include <algorithm>
 #include <cctype>
@@ -63,6 +64,11 @@ void offerCommands(const CommandDefinition& command, Completion& completion) {
   }
 }
 
+void offerHelp(const CommandDefinition& program, Completion& completion) {
+  offerCommands(program, completion);
+  for (const auto& each : helpTopics()) completion.candidates.push_back({std::string(each.name), ""});
+}
+
 void keepBeginning(Completion& completion, std::string_view beginning) {
   std::erase_if(completion.candidates, [&](const auto& each) { return !each.text.starts_with(beginning); });
 }
@@ -98,6 +104,7 @@ Completion complete(const CommandDefinition& program, const std::vector<std::str
   } else {
     if (place.arguments == 0) offerCommands(*place.command, completion);
     if (const auto* option = place.command->argument(place.arguments)) {
+      if (option->type == "COMMAND") offerHelp(program, completion);
       offerValues(*option, stored, completion);
     }
   }

@@ -36,15 +36,6 @@ std::string wrapped(const std::string& paragraph, std::size_t columns) {
   return text;
 }
 
-std::string wrappedParagraphs(const std::string& text) {
-  std::istringstream lines(text);
-  std::string result;
-  for (std::string line; std::getline(lines, line);) {
-    result += (line.starts_with("  ") ? line : wrapped(line, kColumns)) + "\n";
-  }
-  return result;
-}
-
 // A name and what it means, side by side.
 std::string entry(const std::string& name, const std::string& description) {
   const auto start = "  " + name;
@@ -108,6 +99,15 @@ class Sections {
 };
 
 }  // namespace
+
+std::string wrappedParagraphs(const std::string& text) {
+  std::istringstream lines(text);
+  std::string result;
+  for (std::string line; std::getline(lines, line);) {
+    result += (line.starts_with("  ") ? line : wrapped(line, kColumns)) + "\n";
+  }
+  return result;
+}
 
 std::string helpText(const CommandDefinition& command) {
   Sections sections;

@@ -2,9 +2,12 @@
 
 #include "cli/command_texts.h"
 #include "cli/definition/command_definition.h"
+#include "cli/definition/help_topics.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -78,6 +81,12 @@ std::string synopsis(const CommandDefinition& command) {
   return line;
 }
 
+std::string upperCase(std::string_view name) {
+  std::string heading(name);
+  std::ranges::transform(heading, heading.begin(), [](unsigned char c) { return std::toupper(c); });
+  return heading;
+}
+
 void describe(const CommandDefinition& command, std::string& roff) {
   if (command.isHidden()) return;
   if (command.commands().empty()) {
@@ -100,6 +109,9 @@ std::string manPage(const CommandDefinition& program, const std::string& version
   roff += ".SH OPTIONS\n" + options(program);
   roff += ".SH COMMANDS\n";
   for (const auto& each : program.commands()) describe(*each, roff);
+  for (const auto& [name, text] : helpTopics()) {
+    roff += ".SH " + upperCase(name) + "\n" + paragraphs(text);
+  }
   roff += ".SH EXIT STATUS\n";
   for (const auto& [status, meaning] : kExitStatusTexts) {
     roff += fmt::format(".TP\n.B {}\n{}.\n", status, escaped(meaning));

@@ -27,8 +27,13 @@ bool Expansion::wantsClipboard() const {
 }
 
 Result<Expansion> expandText(const QLSnippetMacroInterpreter& interpreter, const ExpansionRequest& request) {
-  const auto resolved = withLineFeeds(interpreter.resolveSnippetMacros(request.text, request.abbreviation));
-  Expansion expansion{.prepared = {}, .fields = fillInMacros(resolved.string()).fields, .answers = {}};
+  LeftOutSnippets leftOut;
+  const auto resolved =
+      withLineFeeds(interpreter.resolveSnippetMacros(request.text, request.abbreviation, &leftOut));
+  Expansion expansion{.prepared = {},
+                      .fields = fillInMacros(resolved.string()).fields,
+                      .answers = {},
+                      .leftOut = std::move(leftOut)};
   auto answers =
       readAnswers(expansion.fields, request.answers, interpreter.dateAndTimeFormatter().userContext());
   if (!answers) return answers.error();

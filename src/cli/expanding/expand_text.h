@@ -3,6 +3,7 @@
 #include "base/result.h"
 #include "macros/fill_in_macros.h"
 #include "macros/prepared_snippet.h"
+#include "macros/resolve_snippet_macros.h"
 #include "text/attributed_string.h"
 
 #include <cstddef>
@@ -26,6 +27,7 @@ struct Expansion {
   PreparedSnippet prepared;
   std::vector<FillInField> fields;
   FillInAnswers answers;  // answer n belongs to field n; absent where the default was taken
+  LeftOutSnippets leftOut = {};
 
   std::vector<std::size_t> unanswered() const;
   bool wantsClipboard() const;  // and was not given one

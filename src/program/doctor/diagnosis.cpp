@@ -1,5 +1,6 @@
 #include "program/doctor/diagnosis.h"
 
+#include "base/counted.h"
 #include "engine/accessibility_help.h"
 #include "text/utf.h"
 
@@ -100,7 +101,8 @@ Finding folders(const SessionFacts& facts) {
 Finding library(const SessionFacts& facts) {
   if (facts.libraryProblem) return {Level::problem, *facts.libraryProblem};
   if (!facts.snippets) return {Level::note, "There is no library yet. Quorlo makes one when it starts."};
-  return {Level::fine, fmt::format("The library is in order and holds {} snippets.", *facts.snippets)};
+  return {Level::fine, fmt::format("The library is in order and holds {}.",
+                                   counted(*facts.snippets, "snippet", "snippets"))};
 }
 
 std::vector<Finding> duplicates(const SessionFacts& facts) {

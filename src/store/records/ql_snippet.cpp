@@ -171,7 +171,8 @@ void QLSnippet::setUseCount(std::int64_t count) {
 }
 
 std::u16string QLSnippet::useCountText() const {
-  return localizedFormat(u"This snippet has been used %d times.", useCount_);
+  return localizedCount(useCount_, u"This snippet has been used once.",
+                        u"This snippet has been used %d times.");
 }
 
 std::shared_ptr<QLCategory> QLSnippet::category() const {

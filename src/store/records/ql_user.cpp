@@ -15,19 +15,15 @@ const QLUser& user(const ManagedObject& record) {
   return static_cast<const QLUser&>(record);
 }
 
-std::u16string counted(std::int64_t count, std::u16string_view one, std::u16string_view many) {
-  return count == 1 ? localized(one) : localizedFormat(many, count);
-}
-
 // In the two largest units that say something.
 std::u16string durationText(double minutes) {
   const auto seconds = static_cast<std::int64_t>(std::llround(minutes * 60));
-  if (seconds < 60) return counted(seconds, u"1 second", u"%d seconds");
+  if (seconds < 60) return localizedCount(seconds, u"1 second", u"%d seconds");
   const auto wholeMinutes = seconds / 60;
-  if (wholeMinutes < 60) return counted(wholeMinutes, u"1 minute", u"%d minutes");
-  const auto hours = counted(wholeMinutes / 60, u"1 hour", u"%d hours");
+  if (wholeMinutes < 60) return localizedCount(wholeMinutes, u"1 minute", u"%d minutes");
+  const auto hours = localizedCount(wholeMinutes / 60, u"1 hour", u"%d hours");
   if (wholeMinutes % 60 == 0) return hours;
-  return hours + u' ' + counted(wholeMinutes % 60, u"1 minute", u"%d minutes");
+  return hours + u' ' + localizedCount(wholeMinutes % 60, u"1 minute", u"%d minutes");
 }
 
 std::u16string savedText(const QLUser& user, std::u16string_view sentence) {

@@ -42,8 +42,7 @@ std::string_view symbolName(SnippetType type) {
 }
 
 std::u16string imageCountLabel(std::size_t count) {
-  if (count == 1) return localized(u"1 image");
-  return localizedFormat(u"%d images", static_cast<std::int64_t>(count));
+  return localizedCount(static_cast<std::int64_t>(count), u"1 image", u"%d images");
 }
 
 }  // namespace quorlo

@@ -17,25 +17,10 @@
 
 #include <fmt/format.h>
 
-#include <cstdint>
 #include <utility>
 
 namespace quorlo {
 namespace {
-
-std::u16string describe(const UndoneImport& undone) {
-  auto text =
-      undone.removedSnippets == 1
-          ? localized(u"1 snippet was removed.")
-          : localizedFormat(u"%d snippets were removed.", static_cast<std::int64_t>(undone.removedSnippets));
-  if (undone.keptSnippets == 1) {
-    text += u' ' + localized(u"1 snippet has been changed or used since and stays.");
-  } else if (undone.keptSnippets > 1) {
-    text += u' ' + localizedFormat(u"%d snippets have been changed or used since and stay.",
-                                   static_cast<std::int64_t>(undone.keptSnippets));
-  }
-  return text;
-}
 
 std::u16string reasons(const std::vector<Error>& errors) {
   std::u16string text;
@@ -133,7 +118,7 @@ void ImportController::undoImport() {
 void ImportController::didUndo(const Result<UndoneImport>& undone) {
   if (undone) {
     lastImport_.reset();
-    return showMessage(localized(u"The import was undone."), describe(undone.value()));
+    return showMessage(localized(u"The import was undone."), summary(undone.value()));
   }
   if (its_.libraryImport.progress().isCancelled()) return close();
   showMessage(localized(u"The import could not be undone."), toUtf16(undone.error().message));
