@@ -140,9 +140,10 @@ void addImportCommand(CommandParser& parser) {
   auto& command =
       parser.add("import", "Take the snippets of files into the library",
                  [arguments](CommandSession& session) { return importAndReport(session, *arguments); });
-  command.addFiles("files", arguments->files,
-                   "Tables (.csv, .tsv, .txt), Quorlo's own exports (.quorlo, .json), and files of the types "
-                   "textexpander, textexpanderbackup, typeit4me and textclipping; - for standard input");
+  const auto& files = command.addFiles(
+      "files", arguments->files,
+      "Tables (.csv, .tsv, .txt), Quorlo's own exports (.quorlo, .json), and files of the types "
+      "textexpander, textexpanderbackup, typeit4me and textclipping; - for standard input");
   command.addChoice("--format", arguments->inputFormat, {"csv", "json"},
                     "What standard input is; by its content without this option");
   command.addText("-f,--folder", arguments->folder, "Into this folder, made if there is none of the name",
@@ -150,8 +151,10 @@ void addImportCommand(CommandParser& parser) {
   command.addFlag("--keep-duplicates", arguments->keepsDuplicates,
                   "Import also what is in the library with the same title and text");
   command.addFlag("-n,--dry-run", arguments->isDryRun, "Only report what would be imported");
-  command.addFlag("--undo", arguments->undoes,
-                  "Take the last import back, also one by the window; what was changed or used since stays");
+  command
+      .addFlag("--undo", arguments->undoes,
+               "Take the last import back, also one by the window; what was changed or used since stays")
+      .excludes(files);
   addCsvArguments(command, arguments->csv);
   command.setFooter(
       "All of it is imported or nothing: an error and Ctrl-C leave the library as it was. The result goes to "
