@@ -38,6 +38,7 @@ std::vector<std::string> texts(const Json& document, const char* key) {
 Status rememberImport(const ImportReport& report, const std::filesystem::path& dataDirectory) {
   if (report.isDryRun || report.addedNothing()) return {};
   Json document{{"imported", Json::array()},
+                {"restored", report.restored},
                 {"folders", report.addedFolders},
                 {"excludedApplications", report.excludedApplications}};
   for (const auto& [folder, snippets] : report.imported) {
@@ -54,6 +55,7 @@ Result<ImportReport> lastImport(const std::filesystem::path& dataDirectory) {
     return Error{toUtf8(localized(u"There is no import that could be undone."))};
   }
   ImportReport report;
+  report.restored = texts(document, "restored");
   report.addedFolders = texts(document, "folders");
   report.excludedApplications = texts(document, "excludedApplications");
   for (const auto& each : document["imported"]) {

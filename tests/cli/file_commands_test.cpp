@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace quorlo {
 namespace {
 
@@ -25,6 +27,7 @@ TEST_F(FileCommandsTest, ATableIsImportedAsItsColumnsAreNamed) {
       {"Kürzel;Inhalt\nsig;Regards\n", "--folder Old", "sig\tRegards\tOld\n"},
       {"a;b;c\nRegards;-;sig\n", "--header --text 1 --abbreviation 3", "sig\tRegards\t\n"},
       {"Body|Key\nRegards|sig\n", "--separator bar --text body --abbreviation Key", "sig\tRegards\t\n"},
+      {"2023,3,2\nsig,-,Regards\n", "--text 2 --abbreviation 2023", "sig\tRegards\t\n"},
       {"sig#Regards\nbye#Goodbye\n", "--no-header --separator '#' --abbreviation 1 --text 2",
        "bye\tGoodbye\t\nsig\tRegards\t\n"},
   };
@@ -59,7 +62,8 @@ TEST_F(FileCommandsTest, ATableLosesNothingInSilence) {
                            "line 4 has an abbreviation but no text"}) {
     EXPECT_THAT(tried.err, HasSubstr(said));
   }
-  EXPECT_EQ(json::parse(out("quorlo import table.csv --dry-run --json"))["examples"][0]["abbreviation"], "sig");
+  EXPECT_EQ(json::parse(out("quorlo import table.csv --dry-run --json"))["examples"][0]["abbreviation"],
+            "sig");
 
   file("names.csv", "name,Ada Lovelace\naddr,12 High Street\n");
   EXPECT_THAT(complaint("quorlo import names.csv"), HasSubstr("--no-header"));
@@ -72,6 +76,15 @@ TEST_F(FileCommandsTest, ATableLosesNothingInSilence) {
   EXPECT_EQ(snippets(), "addr\t12 High Street\t\nname\tAda Lovelace\t\n");
   out("rm -rf .local; quorlo import library.json; quorlo edit addr -t Elsewhere");
   EXPECT_EQ(snippets(), "addr\tElsewhere\t\nname\tAda Lovelace\t\n") << "titles follow their texts";
+}
+
+TEST_F(FileCommandsTest, ThousandsOfNoticesAreCounted) {
+  out("{ echo abbreviation,text; for i in {1..1000}; do echo same,text $i; done; } > table.csv");
+  const auto imported = run("quorlo import table.csv");
+  EXPECT_LT(std::ranges::count(imported.err, '\n'), 60);
+  EXPECT_THAT(imported.err, HasSubstr("more notices; --json lists them all."));
+  EXPECT_EQ(json::parse(out("quorlo import table.csv --keep-duplicates --json"))["withoutAbbreviation"],
+            1000);
 }
 
 TEST_F(FileCommandsTest, AnImportIsTakenBackByAnotherProcessButForWhatWasTouched) {

@@ -52,9 +52,16 @@ class Header {
   Header(const CsvArguments& arguments, const std::filesystem::path& table, WorkProgress& progress)
       : arguments_(arguments), table_(table), progress_(progress) {}
 
-  Result<std::size_t> column(const std::string& given) {
-    if (const auto number = columnNumber(given)) return *number - 1;
+  struct Column {
+    std::size_t index;
+    bool isNamed;
+  };
+
+  // A name comes before a number: "2024" may be one.
+  Result<Column> column(const std::string& given) {
+    const auto number = columnNumber(given);
     if (arguments_.hasNoHeader) {
+      if (number) return Column{*number - 1, false};
       return Error{"Without a header the columns have no names: give the number of \"" + given + "\"."};
     }
     if (names_.empty()) {
@@ -63,11 +70,12 @@ class Header {
     const auto name = toUtf16(given);
     auto found = std::ranges::find(names_, name);
     if (found == names_.end()) {
+      if (number) return Column{*number - 1, false};
       found =
           std::ranges::find_if(names_, [&](const auto& each) { return foldCase(each) == foldCase(name); });
     }
     if (found == names_.end()) return missing(given);
-    return static_cast<std::size_t>(found - names_.begin());
+    return Column{static_cast<std::size_t>(found - names_.begin()), true};
   }
 
  private:
@@ -134,8 +142,8 @@ Result<CsvMapping> csvMapping(const CsvArguments& arguments, const std::filesyst
     if (!*given) continue;
     const auto found = header.column(**given);
     if (!found) return found.error();
-    if (!columnNumber(**given)) mapping.hasHeader = true;
-    *column = found.value();
+    if (found.value().isNamed) mapping.hasHeader = true;
+    *column = found.value().index;
   }
   return mapping;
 }

@@ -1,5 +1,6 @@
 #include "cli/importing/import_output.h"
 
+#include "base/counted.h"
 #include "cli/command_session.h"
 #include "cli/terminal_text.h"
 #include "import/import_report.h"
@@ -13,6 +14,7 @@
 namespace quorlo {
 namespace {
 
+constexpr std::size_t kMostDetails = 50;
 constexpr std::size_t kColumns = 3;
 constexpr std::array<std::size_t, kColumns> kWidest{24, 16, 40};
 constexpr std::string_view kGap = "  ";
@@ -56,11 +58,21 @@ void printExamples(CommandOutput& out, const std::vector<ImportedExample>& examp
   for (const auto& row : rows) out.write(aligned(row, widths));
 }
 
+// A file may have thousands of abbreviations that are in use.
+void noteDetails(CommandSession& session, const ImportReport& report) {
+  const auto lines = details(report);
+  const auto shown = std::min(lines.size(), kMostDetails);
+  for (std::size_t i = 0; i < shown; ++i) session.note(toUtf8(lines[i]));
+  if (shown == lines.size()) return;
+  session.note("And " + counted(lines.size() - shown, "more notice", "more notices") +
+               "; --json lists them all.");
+}
+
 }  // namespace
 
 void printImport(CommandSession& session, const ImportReport& report) {
   if (session.json()) return session.out().write(json(report));
-  for (const auto& each : details(report)) session.note(toUtf8(each));
+  noteDetails(session, report);
   session.out().write(toUtf8(summary(report)) + "\n");
   printExamples(session.out(), report.examples);
 }
