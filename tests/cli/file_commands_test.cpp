@@ -105,8 +105,8 @@ TEST_F(FileCommandsTest, APipeIsImportedByItsContentOrItsFormat) {
   out("cat library.json | quorlo import -");
   EXPECT_EQ(snippets(), "sig\tRegards\t\n");
   out("printf 'abbreviation;text\\nbye;[Goodbye]\\n' | quorlo import -");
-  out("printf 'text\\n[1, 2]\\n' | quorlo import - --format csv");
-  EXPECT_EQ(snippets(), "bye\t[Goodbye]\t\nsig\tRegards\t\n\t[1, 2]\t\n");
+  out("printf 'text\\n[1]\\n' | quorlo import - --format csv");
+  EXPECT_EQ(snippets(), "bye\t[Goodbye]\t\nsig\tRegards\t\n\t[1]\t\n");
   EXPECT_EQ(run("printf 'a;b' | quorlo import - --format json").status, 1);
 }
 
