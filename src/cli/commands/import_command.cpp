@@ -86,7 +86,7 @@ Result<ExitStatus> undoLast(CommandSession& session) {
   const auto folder = session.environment().dataDirectory();
   const auto report = lastImport(folder);
   if (!report) return report.error();
-  const auto library = session.openLibrary();
+  const auto library = session.openLibrary(LibraryUse::changing);
   if (!library) return library.error();
   WorkProgress progress;
   const CancelledByInterrupt interruptible(progress);
