@@ -4,6 +4,7 @@
 
 #include "benchmark_library.h"
 #include "figures.h"
+#include "key_relay.h"
 #include "run_benchmark.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
@@ -37,17 +38,32 @@ constexpr int kStops = 10;
 constexpr milliseconds kGap{37};
 constexpr int kKeysWhileStopped = 40;
 
-// Time on a processor in microseconds, by the name of the thread; of the program and of its children.
-void addProcessorTime(pid_t process, std::map<std::string, double>& times) {
+struct Work {
+  double microseconds = 0;  // on a processor
+  double wakeUps = 0;
+};
+
+double wakeUps(const std::filesystem::path& task) {
+  std::ifstream status(task / "status");
+  std::string word;
+  double count = 0;
+  while (status >> word && word != "voluntary_ctxt_switches:") continue;
+  status >> count;
+  return count;
+}
+
+// By the name of the thread; of the program and of its children.
+void addWork(pid_t process, std::map<std::string, Work>& work) {
   for (const auto& task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process))) {
     std::string name;
     std::getline(std::ifstream(task.path() / "comm"), name);
     double nanoseconds = 0;
     std::ifstream(task.path() / "schedstat") >> nanoseconds;
-    times[name] += nanoseconds / 1000;
+    work[name].microseconds += nanoseconds / 1000;
+    work[name].wakeUps += wakeUps(task.path());
     std::ifstream children(task.path() / "children");
     pid_t child = 0;
-    while (children >> child) addProcessorTime(child, times);
+    while (children >> child) addWork(child, work);
   }
 }
 
@@ -62,19 +78,33 @@ void typeWord(VirtualKeyboard& keyboard, TargetWindow& target) {
   target.serve(kBreath);
 }
 
-double processorTimePerKey(QuorloProgram& quorlo, VirtualKeyboard& keyboard, TargetWindow& target) {
+constexpr double kKeys = kWords * static_cast<double>(kWord.size());
+
+Work workPerKey(QuorloProgram& quorlo, VirtualKeyboard& keyboard, TargetWindow& target) {
   for (int i = 0; i < 10; ++i) typeWord(keyboard, target);
-  std::map<std::string, double> before, after;
-  addProcessorTime(quorlo.process().pid(), before);
+  std::map<std::string, Work> before, after;
+  addWork(quorlo.process().pid(), before);
   for (int i = 0; i < kWords; ++i) typeWord(keyboard, target);
-  addProcessorTime(quorlo.process().pid(), after);
-  double sum = 0;
-  for (const auto& [thread, time] : after) {
-    const auto perKey = (time - before[thread]) / (kWords * static_cast<double>(kWord.size()));
-    if (perKey >= 0.05) fmt::print("  {:<24} {:9.2f} us per key\n", thread, perKey);
-    sum += perKey;
+  addWork(quorlo.process().pid(), after);
+  Work sum;
+  for (const auto& [thread, work] : after) {
+    const auto microseconds = (work.microseconds - before[thread].microseconds) / kKeys;
+    const auto wakeUps = (work.wakeUps - before[thread].wakeUps) / kKeys;
+    if (microseconds >= 0.05) {
+      fmt::print("  {:<24} {:9.2f} us and {:5.2f} wake-ups per key\n", thread, microseconds, wakeUps);
+    }
+    sum.microseconds += microseconds;
+    sum.wakeUps += wakeUps;
   }
   return sum;
+}
+
+double floorPerKey(VirtualDesktop& desktop, TargetWindow& target) {
+  KeyRelay relay(desktop.display());
+  for (int i = 0; i < 10; ++i) typeWord(desktop.keyboard(), target);
+  const auto before = relay.processorTime();
+  for (int i = 0; i < kWords; ++i) typeWord(desktop.keyboard(), target);
+  return (relay.processorTime() - before) / kKeys;
 }
 
 // Quorlo is stopped at another point between two keys each time.
@@ -108,9 +138,12 @@ void run(Figures& figures) {
   auto& keyboard = desktop.keyboard();
   TargetWindow target(desktop.display(), keyboard.keycodeOf("v"));
   desktop.windows().activate(target.window());
-  figures.add("cpu_us_per_key", processorTimePerKey(*quorlo, keyboard, target));
+  const auto work = workPerKey(*quorlo, keyboard, target);
+  figures.add("cpu_us_per_key", work.microseconds);
+  figures.add("wakeups_per_key", work.wakeUps);
   quorlo->process().stop();
   quorlo.reset();
+  figures.add("cpu_floor_us_per_key", floorPerKey(desktop, target));
   figures.add("dead_keyboard_longest_ms", longestDeadKeyboard(desktop, target));
 }
 

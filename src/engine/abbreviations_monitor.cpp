@@ -8,7 +8,6 @@
 #include "engine/typed_key.h"
 #include "platform/main_queue.h"
 #include "platform/mouse_monitor.h"
-#include "platform/typing_context.h"
 #include "platform/workspace.h"
 #include "store/lookup/expansion_lookup.h"
 #include "store/persistence_controller.h"
@@ -27,6 +26,10 @@ constexpr Seconds kFirstUpdateDelay{0.1};
 constexpr int kLongestTailWithinWord = 29;
 constexpr auto kExcluded = static_cast<std::int64_t>(AppType::Excluded);
 
+bool addsText(const KeyDownEvent& event) {
+  return typedKey(event) == TypedKey::text && !event.characters.empty();
+}
+
 bool isSameApplication(const RunningApplication* a, const RunningApplication* b) {
   if (a == nullptr || b == nullptr) return a == b;
   // One process may be several applications.
@@ -42,6 +45,7 @@ AbbreviationsMonitor::AbbreviationsMonitor(const Dependencies& dependencies)
   use_.persistence.observeObjectsDidChange(managedObjectContext);
   settingsObservation_ = use_.settings.observe([this](Setting setting) {
     if (setting == Setting::abbreviationsEnabled) updateEventTap();
+    setPassedKeysStamp(0);
   });
   insertions_ = use_.paste.observeInsertions([this] { use_.undo.withdraw(); });
   use_.queue.runAfter(kFirstUpdateDelay, life_.guard([this] { updateEventTap(); }));
@@ -52,6 +56,7 @@ void AbbreviationsMonitor::updateEventTap() {
   if (!use_.settings.abbreviationsEnabled()) {
     if (_eventTap) {
       logInfo("Removing eventTap");
+      setPassedKeysStamp(0);
       _eventTap.reset();
     }
     return;
@@ -59,6 +64,7 @@ void AbbreviationsMonitor::updateEventTap() {
   abbreviationMouseEventMonitor = use_.mouse.observeMouseDown([this](MouseButton button) {
     if (button != MouseButton::left) return use_.undo.withdraw();
     logDebug("leftMouseDown");
+    takePassedKeys();
     forgetTyping();
   });
   logInfo("Adding eventTap");
@@ -88,21 +94,68 @@ TapVerdict AbbreviationsMonitor::eventTapCallback(TapEventType type, const KeyDo
   auto& monitor = *static_cast<AbbreviationsMonitor*>(userInfo);
   if (type == TapEventType::kCGEventTapDisabledByTimeout) {
     logError("ERROR: #4ughugir - kCGEventTapDisabledByTimeout");
+    monitor.takePassedKeys();
     monitor.forgetTyping();
     if (monitor._eventTap) monitor._eventTap->enable();
     return TapVerdict::pass;
   }
-  if (type == TapEventType::keysPassedUnseen) monitor.forgetTyping();
+  if (type == TapEventType::keysPassedUnseen) {
+    monitor.takePassedKeys();
+    monitor.forgetTyping();
+  }
   if (event == nullptr) return TapVerdict::pass;
   return monitor.handleKeyDown(*event) ? TapVerdict::swallow : TapVerdict::pass;
 }
 
+std::u16string_view AbbreviationsMonitor::typedText() {
+  takePassedKeys();
+  return potentialAbbreviation.text();
+}
+
 bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
-  const auto frontmost = use_.accessibility.frontmostApplication();
-  if (use_.context.obstacle()) {
+  // No key passes while a verdict is awaited. Otherwise one may pass that belongs to the place before.
+  const bool isAwaited = event.origin == KeyDownEvent::Origin::keyboard;
+  if (!isAwaited) setPassedKeysStamp(0);
+  takePassedKeys();
+  place_ = currentPlace();
+  const bool swallow = handle(event);
+  if (isAwaited) choosePassedKeys();
+  return swallow;
+}
+
+AbbreviationsMonitor::Place AbbreviationsMonitor::currentPlace() const {
+  const auto stamp = use_.context.stamp();
+  return {stamp, use_.accessibility.frontmostApplication(), use_.context.obstacle()};
+}
+
+void AbbreviationsMonitor::takePassedKeys() {
+  if (!_eventTap) return;
+  for (const auto& key : _eventTap->takePassedKeys()) handle(key);
+}
+
+void AbbreviationsMonitor::choosePassedKeys() {
+  const bool everyKeyCounts = place_.obstacle || use_.undo.isOffered();
+  setPassedKeysStamp(everyKeyCounts ? 0 : place_.stamp);
+}
+
+void AbbreviationsMonitor::setPassedKeysStamp(std::uint64_t stamp) {
+  if (!_eventTap || stamp == std::exchange(passedKeysStamp_, stamp)) return;
+  if (stamp == 0) return _eventTap->passUnasked(nullptr);
+  const bool isLastSymbol = use_.settings.abbreviationsTriggerType() == AbbreviationTriggerType::lastSymbol;
+  _eventTap->passUnasked(
+      [stamp, isLastSymbol, &context = use_.context,
+       delimiters = use_.settings.activeAbbreviationKeyStrings()](const KeyDownEvent& event) {
+        const bool mayComplete = isLastSymbol ? addsText(event) : isDelimiter(event, delimiters);
+        return !mayComplete && context.stamp() == stamp;
+      });
+}
+
+bool AbbreviationsMonitor::handle(const KeyDownEvent& event) {
+  if (place_.obstacle) {
     forgetTyping();
     return false;
   }
+  const auto& frontmost = place_.application;
   if (use_.undo.takes(event)) {
     // What is given back must not expand again at the next delimiter.
     potentialAbbreviation.clear();
@@ -129,8 +182,7 @@ bool AbbreviationsMonitor::handleKeyDown(const KeyDownEvent& event) {
   editBuffer(event);
   lastActiveApplication = frontmost;
 
-  const bool addsText = typedKey(event) == TypedKey::text && !event.characters.empty();
-  if (mayExpand && addsText && trigger == AbbreviationTriggerType::lastSymbol) {
+  if (mayExpand && addsText(event) && trigger == AbbreviationTriggerType::lastSymbol) {
     if (const auto match = findTypedAbbreviation();
         match.snippet && isAllowed(*match.snippet, frontmost.get())) {
       expand(match, {});
@@ -207,6 +259,7 @@ void AbbreviationsMonitor::expand(const Match& match, std::u16string_view delimi
                     given = std::u16string(match.matchedText).append(delimiterToGiveBack(delimiter))](
                        const std::u16string& text) {
     if (!use_.settings.undoExpansionWithBackspace()) return;
+    setPassedKeysStamp(0);
     use_.undo.offer({text, given, window, [&persistence = use_.persistence, snippet, use] {
                        if (*use) takeBackUse(persistence, *snippet, **use);
                      }});

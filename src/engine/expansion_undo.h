@@ -61,6 +61,7 @@ class ExpansionUndo {
 
   // Ignored where the text cannot be erased or typed by keys.
   void offer(UndoableExpansion expansion);
+  bool isOffered() const { return offer_.has_value(); }
   // The caret may be somewhere else now.
   void withdraw() { offer_.reset(); }
 

@@ -3,15 +3,21 @@
 #include "platform/key_codes.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quorlo {
 
 struct KeyDownEvent {
-  // A key that this program posted to the session itself, or the auto-repeat of a held key. It counts as
-  // typed, but must not complete an abbreviation: it cannot be swallowed any more.
-  enum class Origin { keyboard, posted };
+  // Keys of the last two origins count as typed, but must not complete an abbreviation: they cannot be
+  // swallowed any more.
+  enum class Origin {
+    keyboard,
+    posted,  // to the session by this program itself, or the auto-repeat of a held key
+    passed,  // a key or its auto-repeat that was passed unasked
+  };
 
   KeyCode keyCode = 0;
   ModifierFlags flags = 0;
@@ -41,6 +47,9 @@ enum class TapVerdict { pass, swallow };
 // keysPassedUnseen: an enabled tap could not see some keys (the screen was locked, the keyboards were let go
 // for a moment). As after kCGEventTapDisabledByTimeout, the keys seen before need not stand in front of the
 // caret any more. The notice comes before the next key.
+//
+// Most keys of a text complete nothing. Those that the port is told of are passed without the callback, so
+// that the main thread need not wake up for them, and are kept until the main thread takes them.
 class EventTap {
  public:
   // `event` is null unless the type is keyDown, and null for a key-down that could not be read.
@@ -52,6 +61,15 @@ class EventTap {
     virtual ~Port() = default;
     virtual void enable() = 0;
     virtual bool isEnabled() const = 0;
+
+    // Keys for which this is true are passed and kept. Empty, as in the beginning, for none. Called on any
+    // thread, never once the call that replaces it has returned; it must not wait. The callback is asked all
+    // the same when many keys are kept already, or while a key or notice that came before is still on its way
+    // to it.
+    virtual void passUnasked(std::function<bool(const KeyDownEvent&)> needsNoVerdict) = 0;
+    // The keys kept since the last call, in their order. Within the callback: all of them were pressed before
+    // the key or notice that it is called for, and after the one before.
+    virtual std::vector<KeyDownEvent> takePassedKeys() = 0;
   };
 
   virtual ~EventTap() = default;

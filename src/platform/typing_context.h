@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 namespace quorlo {
@@ -11,7 +12,7 @@ enum class TypingObstacle {
   inputMethod,  // keys go into an input method, which makes other text of them
 };
 
-// Where the keys go that the user types now. Main thread.
+// Where the keys go that the user types now. Main thread, but for `stamp`.
 class TypingContext {
  public:
   virtual ~TypingContext() = default;
@@ -19,6 +20,10 @@ class TypingContext {
   // Absent while abbreviations may expand. Asked for each key, after the active application: the adapters
   // keep the answer current, so that it costs no round trip.
   virtual std::optional<TypingObstacle> obstacle() const = 0;
+
+  // A number that is another one once the active application or the obstacle may be others than they were; 0
+  // while that cannot be told. Read before those it shows whether they still hold. Any thread; no round trip.
+  virtual std::uint64_t stamp() const = 0;
 };
 
 }  // namespace quorlo

@@ -49,6 +49,10 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
   ground->pieceWasIgnored = [this](const auto& identifier, const auto& name) {
     ignoredPieces.tell(identifier, name);
   };
+  const auto noteChange = [this] { context.noteChange(); };
+  QObject::connect(&fcitx, &FcitxInputMethod::changed, noteChange);
+  QObject::connect(&ibus, &IbusEngine::changed, noteChange);
+  QObject::connect(&passwordField, &PasswordField::changed, noteChange);
   setWindowMakers();
 }
 

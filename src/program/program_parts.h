@@ -126,14 +126,15 @@ struct Program::Parts {
   AccessibilityHelpWindow accessibilityHelp{desktop->accessibilityTrust(), desktop->targetFocus()};
   Subscription accessibilityAddress = desktop->serveAddress(
       std::string(AccessibilityManager::kAccessibilityURL), [this] { accessibilityHelp.open(); });
-  FcitxInputMethod fcitx;
-  IbusEngine ibus{queue, background};
-  PasswordField passwordField{queue, background, desktop->workspace()};
   SessionTypingContext context{
       {.keyboardIsTaken = [this] { return desktop->keyboardIsTaken(); },
        .passwordFieldHasFocus = [this] { return passwordField.hasFocus(); },
        .inputMethodIsActive =
-           [this] { return !inputMethod().empty() && !settings.expandWhileInputMethodIsActive(); }}};
+           [this] { return !inputMethod().empty() && !settings.expandWhileInputMethodIsActive(); },
+       .stamp = [this] { return desktop->typingStamp(); }}};
+  FcitxInputMethod fcitx;
+  IbusEngine ibus{queue, background};
+  PasswordField passwordField{queue, background, desktop->workspace()};
   ScreenLock screenLock{[this](bool isLocked) { desktop->setScreenIsLocked(isLocked); }};
   QtOwnApplication application;
   DBusUserNotifications notifications{queue};

@@ -2,6 +2,8 @@
 
 #include "platform/typing_context.h"
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -16,6 +18,9 @@ class SessionTypingContext : public TypingContext {
     std::function<bool()> keyboardIsTaken = {};
     std::function<bool()> passwordFieldHasFocus = {};
     std::function<bool()> inputMethodIsActive = {};
+    // Of the active application and `keyboardIsTaken`; see TypingContext::stamp. Without one it cannot be
+    // told.
+    std::function<std::uint64_t()> stamp = {};
   };
 
   explicit SessionTypingContext(Sources sources) : sources_(std::move(sources)) {}
@@ -28,8 +33,16 @@ class SessionTypingContext : public TypingContext {
     return std::nullopt;
   }
 
+  std::uint64_t stamp() const override {
+    const auto stamp = sources_.stamp ? sources_.stamp() : 0;
+    return stamp == 0 ? 0 : stamp + changes_;
+  }
+  // A password field has or loses the focus, or the input method is another one. Main thread.
+  void noteChange() { ++changes_; }
+
  private:
   Sources sources_;
+  std::atomic<std::uint64_t> changes_ = 0;
 };
 
 }  // namespace quorlo

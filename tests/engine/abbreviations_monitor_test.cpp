@@ -3,6 +3,7 @@
 #include "base/log.h"
 #include "engine/expansion_world.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -254,6 +255,54 @@ TEST_F(MonitorTest, NothingExpandsAndNothingIsRememberedWhereSomethingStandsAgai
   desktop.setObstacle({});
   desktop.typeAndWait(u"b brb");
   EXPECT_EQ(desktop.text(), u"brb brbb be right back");
+}
+
+TEST_F(MonitorTest, KeysThatCompleteNothingPassUnaskedAndCountForTheNextOneThatMay) {
+  add(u"sig", u"S");
+  desktop.type(u"a");
+  desktop.typeAndWait(u"bxsx\big ");
+  EXPECT_EQ(desktop.text(), u"abxS ");
+  EXPECT_EQ(desktop.keysAskedAbout(), 2) << "the first and the delimiter";
+  // The offer to take that back is for the very next key.
+  desktop.typeAndWait(u"\b\bsi");
+  EXPECT_EQ(desktop.text(), u"abxsigsi");
+  const auto asked = desktop.keysAskedAbout();
+  settings.setAbbreviationDelimiterKey(DelimiterKeys(0x10000));
+  desktop.typeAndWait(u"g.");
+  EXPECT_EQ(desktop.text(), u"abxsigS.");
+  EXPECT_EQ(desktop.keysAskedAbout(), asked + 2) << "the setting took effect at once";
+}
+
+TEST_F(MonitorTest, KeysThatPassedUnaskedCountForThePlaceTheyWereTypedIn) {
+  add(u"sig", u"S");
+  auto& editor = desktop.front();
+  auto& other = desktop.launch("other");
+  const auto typeWithBreak = [&](const std::function<void()>& interrupt) {
+    desktop.activate(&editor);
+    desktop.clickMouse();
+    editor.clear();
+    desktop.type(u"s");
+    desktop.type(u"i");  // unasked
+    interrupt();
+    desktop.activate(&editor);
+    desktop.typeAndWait(u"g ");
+    return editor.text;
+  };
+  EXPECT_EQ(typeWithBreak([] {}), u"S ");
+  EXPECT_EQ(typeWithBreak([&] { desktop.clickMouse(); }), u"sig ");
+  EXPECT_EQ(typeWithBreak([&] { desktop.typeUnseen(u"x\b"); }), u"sig ");
+  EXPECT_EQ(typeWithBreak([&] {
+              desktop.activate(&other);
+              desktop.type(u"x");
+            }),
+            u"sig ");
+  EXPECT_EQ(typeWithBreak([&] {
+              desktop.setObstacle(TypingObstacle::passwordField);
+              desktop.type(u"x\b");
+              desktop.setObstacle({});
+            }),
+            u"sig ");
+  EXPECT_EQ(typeWithBreak([&] { desktop.activate(&other); }), u"S ") << "nothing was typed there";
 }
 
 TEST_F(MonitorTest, AFailingLookupIsLoggedAndTheKeyPasses) {

@@ -64,6 +64,7 @@ FakeApplication& FakeDesktop::launch(std::optional<std::string> bundleIdentifier
 
 void FakeDesktop::activate(FakeApplication* application) {
   active_ = application;
+  ++stamp_;
   for (const auto& each : applications_) each->record->isActive = each.get() == application;
   if (application != nullptr && application->record->bundleIdentifier == own_) {
     breakHold();
@@ -113,12 +114,21 @@ void FakeDesktop::press(KeyCode code, ModifierFlags flags, std::u16string charac
 
 void FakeDesktop::deliver(const KeyDownEvent& event) {
   judging_ = event;
-  const bool swallowed = isTapEnabled() && port_->callback(TapEventType::keyDown, &event, port_->userInfo) ==
-                                               TapVerdict::swallow;
+  const bool swallowed = isTapEnabled() && port_->judge(event) == TapVerdict::swallow;
   judging_.reset();
   if (swallowed) return;
   trigger_.reset();
   receive(event);
+}
+
+TapVerdict FakeDesktop::TapPort::judge(const KeyDownEvent& event) {
+  if (needsNoVerdict && needsNoVerdict(event)) {
+    passed.push_back(event);
+    passed.back().origin = KeyDownEvent::Origin::passed;
+    return TapVerdict::pass;
+  }
+  ++desktop.keysAskedAbout_;
+  return callback(TapEventType::keyDown, &event, userInfo);
 }
 
 void FakeDesktop::receive(const KeyDownEvent& event) {

@@ -87,7 +87,12 @@ class FakeDesktop : public EventTap,
 
   void grantTrust(bool trusted) { trusted_ = trusted; }
   void refuseTaps(bool refuse) { refusesTaps_ = refuse; }
-  void setObstacle(std::optional<TypingObstacle> obstacle) { obstacle_ = obstacle; }
+  void setObstacle(std::optional<TypingObstacle> obstacle) {
+    obstacle_ = obstacle;
+    ++stamp_;
+  }
+  // How many keys the tap's callback was asked about.
+  int keysAskedAbout() const { return keysAskedAbout_; }
   void timeOutTap();
   // Types past the tap, which is told.
   void typeUnseen(std::u16string_view characters);
@@ -145,6 +150,7 @@ class FakeDesktop : public EventTap,
   FrontWindow::Id current() const override { return reinterpret_cast<FrontWindow::Id>(active_); }
   bool isStill(FrontWindow::Id window) const override;
   std::optional<TypingObstacle> obstacle() const override { return obstacle_; }
+  std::uint64_t stamp() const override { return stamp_; }
   Subscription observeObstacles(std::function<void()> changed) override {
     return obstacleObservers_.add(std::move(changed));
   }
@@ -164,11 +170,18 @@ class FakeDesktop : public EventTap,
     ~TapPort() override { desktop.port_ = nullptr; }
     void enable() override { enabled = true; }
     bool isEnabled() const override { return enabled; }
+    void passUnasked(std::function<bool(const KeyDownEvent&)> quiet) override {
+      needsNoVerdict = std::move(quiet);
+    }
+    std::vector<KeyDownEvent> takePassedKeys() override { return std::exchange(passed, {}); }
+    TapVerdict judge(const KeyDownEvent& event);
 
     FakeDesktop& desktop;
     Callback callback;
     void* userInfo;
     bool enabled = true;
+    std::function<bool(const KeyDownEvent&)> needsNoVerdict;
+    std::vector<KeyDownEvent> passed;
   };
 
   struct HeldKeys;
@@ -202,6 +215,8 @@ class FakeDesktop : public EventTap,
   std::u16string keysRemoved_;
   Observers<> obstacleObservers_;
   std::optional<TypingObstacle> obstacle_;
+  std::uint64_t stamp_ = 1;
+  int keysAskedAbout_ = 0;
   bool refusesTaps_ = false;
   std::string own_ = "org.quorlo.Quorlo";
 };

@@ -1,10 +1,12 @@
 // The tap on a real X server: a virtual keyboard types, a window writes down what arrives.
 #include "platform/insertion/insertion_table.h"
+#include "text/utf.h"
 #include "x11/desktop/x11_insertion_target.h"
 #include "x11/keyboard/x11_event_poster.h"
 #include "x11/keyboard_desktop.h"
 
 #include <gtest/gtest.h>
+#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <chrono>
@@ -35,6 +37,21 @@ TEST_F(EventTapTest, KeysPassWithNothingLost) {
   EXPECT_EQ(typedOnceItIs("<Shift_L>Hellosecret"), "<Shift_L>Hellosecret");
   EXPECT_EQ(keyboard.seenText, "Hello") << "a password is nobody's typing";
   EXPECT_EQ(keyboard.unseen, 1);
+}
+
+TEST_F(EventTapTest, KeysThatNeedNoVerdictPassWhileTheMainThreadIsBusy) {
+  ASSERT_TRUE(keyboard.startTap());
+  keyboard.port().passUnasked([](const KeyDownEvent& event) { return event.characters != u" "; });
+  keyboard.judge = [&](const KeyDownEvent&) {
+    for (const auto& key : keyboard.port().takePassedKeys()) keyboard.seenText += toUtf8(key.characters);
+    return TapVerdict::swallow;
+  };
+  keys().type("Abc");
+  EXPECT_TRUE(waitUntil([&] { return window.typed() == "<Shift_L>Abc"; })) << window.typed();
+  keys().type(" d");
+  EXPECT_EQ(typedOnceItIs("<Shift_L>Abcd"), "<Shift_L>Abcd");
+  EXPECT_EQ(keyboard.seenText, " Abc") << "those before the space";
+  EXPECT_TRUE(keyboard.port().isEnabled());
 }
 
 TEST_F(EventTapTest, ASwallowedKeyNeverArrivesNorRepeats) {
@@ -229,6 +246,32 @@ TEST(KeyboardPlugTest, AKeyboardThatIsUnpluggedLetsItsKeysGoAndIsWatchedAgainWhe
     })) << keyboard.seenText;
   }
   EXPECT_TRUE(keyboard.service->obstacles().empty());
+}
+
+TEST(KeyboardPlugTest, AKeyboardThatAnotherProgramLetsGoIsWatchedOnceItIsTypedOn) {
+  VirtualDesktop desktop;
+  KeyWindow window(desktop);
+  KeyboardDesktop keyboard(desktop);
+  const auto other = std::move(XConnection::open(desktop.display())).value();
+  const auto device = deviceNamed(desktop, XorgServer::kSecondKeyboardSocket);
+  const std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+  other->reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(other->get(), 2, 2));
+  ASSERT_TRUE(
+      other->reply(xcb_input_xi_grab_device_reply,
+                   xcb_input_xi_grab_device(other->get(), other->root(), XCB_CURRENT_TIME, XCB_NONE, device,
+                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 1, &keyEvents)));
+  ASSERT_TRUE(keyboard.startTap());
+  desktop.keyboard().type("a");
+  EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed() == "a"; }));
+  xcb_input_xi_ungrab_device(other->get(), XCB_CURRENT_TIME, device);
+  other->sync();
+  std::string typed = "a";
+  EXPECT_TRUE(keyboard.pumpUntil([&] {
+    desktop.secondKeyboard().type("b");
+    typed += "b";
+    EXPECT_TRUE(keyboard.pumpUntil([&] { return window.typed() == typed; })) << window.typed();
+    return keyboard.seenText.ends_with("b");
+  }));
 }
 
 TEST(KeyboardPlugTest, AServerThatGoesAwayIsReportedOnceAndEverythingGoesOnQuietly) {

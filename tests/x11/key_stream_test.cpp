@@ -204,6 +204,43 @@ TEST_F(TapConversationTest, AnAnswerThatComesTooLateIsIgnoredAndTheTimeoutIsTold
   EXPECT_EQ(calls, "key ");
 }
 
+TEST_F(TapConversationTest, KeysThatNeedNoVerdictAreKeptUnlessOneBeforeThemIsOnItsWay) {
+  const auto isPlus = [](const KeyDownEvent& event) { return event.characters == u"+"; };
+  const auto taken = [this] {
+    std::u16string characters;
+    for (const auto& key : conversation->takePassedKeys()) {
+      EXPECT_EQ(key.origin, KeyDownEvent::Origin::passed);
+      characters += key.characters;
+    }
+    return characters;
+  };
+  conversation->passUnasked(isPlus);
+  EXPECT_EQ(conversation->ask({.characters = u"+"}), TapVerdict::pass);
+  conversation->tell({.characters = u"+"});
+  EXPECT_EQ(taken(), u"++");
+  EXPECT_EQ(taken(), u"");
+  for (const bool isNotice : {false, true}) {
+    if (isNotice) {
+      conversation->tellOfUnseenKeys();
+    } else {
+      conversation->tell({.characters = u"a"});
+    }
+    conversation->tell({.characters = u"+"});  // must not overtake
+    EXPECT_EQ(taken(), u"");
+    queue.pump();
+  }
+  EXPECT_EQ(calls, "key key timeout key ");
+  int kept = 0;
+  for (; kept < 10'000 && queue.isEmpty(); ++kept) conversation->tell({.characters = u"+"});
+  EXPECT_LT(kept, 1000) << "for ever more keys without a word to the main thread";
+  conversation->passUnasked(nullptr);
+  queue.pump();
+  calls.clear();
+  conversation->tell({.characters = u"+"});
+  queue.pump();
+  EXPECT_EQ(calls, "key ");
+}
+
 TEST_F(TapConversationTest, AClosedOneCallsNobodyAndKeepsNobodyWaiting) {
   during = [this] { conversation->close(); };
   auto verdict = ask();

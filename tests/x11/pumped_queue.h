@@ -34,6 +34,11 @@ class PumpedQueue : public MainQueue {
     }
   }
 
+  bool isEmpty() {
+    const std::lock_guard lock(mutex_);
+    return tasks_.empty();
+  }
+
   // Runs tasks until the condition holds; false when it does not hold before the deadline.
   template <class Condition>
   bool pumpUntil(Condition condition, std::chrono::milliseconds patience = kPatience) {

@@ -96,7 +96,10 @@ TEST(X11DesktopTest, TheActiveApplicationIsKnownAsSoonAsTheWindowManagerKnowsIt)
   std::atomic<int> changes = 0;
   const auto observation = workspace->observeActiveWindow([&] { ++changes; });
   for (int i = 0; i < 20; ++i) {
+    std::uint64_t stamp = 0;
+    EXPECT_TRUE(waitUntil([&] { return (stamp = workspace->stamp()) != 0 && workspace->stamp() == stamp; }));
     terminal.activate();
+    EXPECT_NE(workspace->stamp(), stamp) << "before anything was asked";
     EXPECT_EQ(frontmostOnceAnswered(*workspace), "debian-xterm");
     EXPECT_EQ(workspace->activeWindow().window, terminal.window());
     EXPECT_EQ(workspace->activeWindow().windowClass, "XTerm");
@@ -138,6 +141,7 @@ TEST(X11DesktopTest, WithoutAWindowManagerTheFocusTellsWhoIsActive) {
   OwnWindow window(server.display());
   window.focus();
   EXPECT_EQ(frontmost(*workspace), "org.quorlo.Quorlo");
+  EXPECT_EQ(workspace->stamp(), 0U) << "the next window may have the focus unheard";
 }
 
 TEST(X11DesktopTest, ClicksAreReportedWhileAnybodyListensEvenUnderAGrab) {

@@ -1,5 +1,6 @@
 // Maps, rates, locks and the keyboards themselves.
 #include "chaos/disturbance.h"
+#include "chaos/sticky_keys.h"
 
 #include "virtual_desktop/wait.h"
 
@@ -100,6 +101,15 @@ void unlockCaps(ChaosScene& scene) {
   scene.typist().waitForArrival();
 }
 
+void useStickyKeys(ChaosScene& scene) {
+  setStickyKeys(scene.desktop().display(), true);
+  scene.typist().typeWordAfterTappedShift();
+}
+
+void dropStickyKeys(ChaosScene& scene) {
+  setStickyKeys(scene.desktop().display(), false);
+}
+
 }  // namespace
 
 std::vector<Disturbance> keyboardDisturbances(SecondKeyboard second) {
@@ -112,6 +122,7 @@ std::vector<Disturbance> keyboardDisturbances(SecondKeyboard second) {
       {"repeat rate", kStrict, false, changeRate, join},
       {"held BackSpace", kStrict, true, eraseByHeldKey},
       {"Num Lock", kStrict, false, toggleNumLock, join},
+      {"Sticky Keys", kStrict, true, useStickyKeys, dropStickyKeys},
       {"Caps Lock", kStrict, true, lockCaps, unlockCaps},
   };
   const auto xinput = [](std::string verb) {

@@ -76,12 +76,17 @@ void FcitxInputMethod::askForCurrent() {
 }
 
 void FcitxInputMethod::currentChanged(const QString&, const QString& name, const QString&) {
-  inputMethod_ = name.startsWith(QLatin1String("keyboard-")) ? QString() : name;
+  setInputMethod(name.startsWith(QLatin1String("keyboard-")) ? QString() : name);
 }
 
 void FcitxInputMethod::end() {
   QDBusConnection::disconnectFromBus(kConnection);
-  inputMethod_.clear();
+  setInputMethod({});
+}
+
+void FcitxInputMethod::setInputMethod(const QString& name) {
+  inputMethod_ = name;
+  Q_EMIT changed();
 }
 
 }  // namespace quorlo

@@ -18,8 +18,10 @@ class FcitxInputMethod final : public QObject {
 
   // Its name, "pinyin" for instance; empty while fcitx5 does not run or types the keys of a keyboard layout.
   const QString& inputMethod() const { return inputMethod_; }
+  Q_SIGNAL void changed();
 
  private:
+  void setInputMethod(const QString& name);
   void begin();
   void end();
   void askForCurrent();

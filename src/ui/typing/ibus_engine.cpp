@@ -128,7 +128,7 @@ void IbusEngine::askForEngine() {
 }
 
 void IbusEngine::engineChanged(const QString& engine) {
-  inputMethod_ = engine.startsWith(QLatin1String("xkb:")) ? QString() : engine;
+  setInputMethod(engine.startsWith(QLatin1String("xkb:")) ? QString() : engine);
 }
 
 void IbusEngine::busEnded() {
@@ -139,7 +139,12 @@ void IbusEngine::disconnect() {
   if (!connection_.isEmpty()) QDBusConnection::disconnectFromBus(connection_);
   connection_.clear();
   address_.clear();
-  inputMethod_.clear();
+  setInputMethod({});
+}
+
+void IbusEngine::setInputMethod(const QString& name) {
+  inputMethod_ = name;
+  Q_EMIT changed();
 }
 
 }  // namespace quorlo

@@ -24,8 +24,10 @@ class IbusEngine final : public QObject {
   // The engine's name, "libpinyin" for instance; empty while IBus does not run or types the keys of a
   // keyboard layout.
   const QString& inputMethod() const { return inputMethod_; }
+  Q_SIGNAL void changed();
 
  private:
+  void setInputMethod(const QString& name);
   void look();
   void watchForTheFile();
   void connected(const QString& connection, const QString& address);

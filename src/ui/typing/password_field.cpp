@@ -97,7 +97,7 @@ void PasswordField::connected(const QString& connection) {
     if (name == kRegistry) announceInterest();
   });
   connect(names_.get(), &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString& name) {
-    if (name == focused_.program) isPassword_ = false;
+    if (name == focused_.program) setPassword(false);
   });
   announceInterest();
 }
@@ -114,7 +114,7 @@ void PasswordField::end() {
   if (!connection_.isEmpty()) QDBusConnection::disconnectFromBus(connection_);
   connection_.clear();
   focused_ = {};
-  isPassword_ = false;
+  setPassword(false);
 }
 
 void PasswordField::focusChanged(const QDBusMessage& event) {
@@ -125,8 +125,8 @@ void PasswordField::focusChanged(const QDBusMessage& event) {
   if (hasFocus && field == focused_) return;
   names_->removeWatchedService(focused_.program);
   focused_ = hasFocus ? field : Field{};
-  isPassword_ = false;
   process_ = 0;
+  setPassword(false);
   if (hasFocus) askForRole();
 }
 
@@ -164,8 +164,8 @@ void PasswordField::lookFor(const AccessibleReference& program) {
 void PasswordField::focusIsOnPassword(const Field& field) {
   names_->removeWatchedService(focused_.program);
   focused_ = field;
-  isPassword_ = true;
   process_ = 0;
+  setPassword(true);
   names_->addWatchedService(field.program);
   askForProcess();
 }
@@ -174,8 +174,15 @@ void PasswordField::askForProcess() {
   ask<uint>(QDBusConnection(connection_),
             callTo(kBus, kBusPath, kBus, "GetConnectionUnixProcessID") << focused_.program, this,
             [this, field = focused_](uint process) {
-              if (field == focused_) process_ = process;
+              if (field != focused_) return;
+              process_ = process;
+              Q_EMIT changed();
             });
+}
+
+void PasswordField::setPassword(bool isPassword) {
+  isPassword_ = isPassword;
+  Q_EMIT changed();
 }
 
 // Some programs do not tell when another one gets the focus. A process that has no window on the desktop

@@ -32,6 +32,8 @@ class PasswordField final : public QObject {
 
   // Costs no round trip.
   bool hasFocus() const;
+  // That may be another answer now; what the workspace tells of may make it another one too.
+  Q_SIGNAL void changed();
 
  private:
   struct Field {
@@ -51,6 +53,7 @@ class PasswordField final : public QObject {
   void lookFor(const AccessibleReference& program);
   void focusIsOnPassword(const Field& field);
   void askForProcess();
+  void setPassword(bool isPassword);
 
   MainQueue& queue_;
   BackgroundQueue& background_;

@@ -66,11 +66,15 @@ bool XEventLoop::postAndWait(Task task, std::chrono::milliseconds atMost) {
   return done->changed.wait_until(lock, Clock::now() + atMost, [&] { return done->yes; });
 }
 
-bool XEventLoop::catchUp(std::chrono::milliseconds atMost) {
+bool XEventLoop::hasCaughtUp() const {
   // In this order: what the thread has taken from the connection in between it has taken while busy.
   pollfd connection{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
   const bool hasArrivals = poll(&connection, 1, 0) > 0;
-  if (!hasArrivals && !busy_) return true;
+  return !hasArrivals && !busy_;
+}
+
+bool XEventLoop::catchUp(std::chrono::milliseconds atMost) {
+  if (hasCaughtUp()) return true;
   return postAndWait([this] { readEvents(); }, atMost);
 }
 

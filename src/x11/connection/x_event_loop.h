@@ -45,6 +45,8 @@ class XEventLoop {
   // must own what it uses) or the loop is stopped. Not from the loop's thread.
   bool postAndWait(Task task, std::chrono::milliseconds atMost);
 
+  // Whether all that the server had sent before the call has been handled. A system call; any thread.
+  bool hasCaughtUp() const;
   // Waits until all that the server had sent before the call has been handled. Costs a system call when
   // there is nothing to wait for. False as above.
   bool catchUp(std::chrono::milliseconds atMost);

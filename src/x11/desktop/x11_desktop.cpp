@@ -199,6 +199,9 @@ void X11Desktop::setScreenIsLocked(bool isLocked) {
 bool X11Desktop::keyboardIsTaken() const {
   return parts_->workspace->keyboardIsTaken();
 }
+std::uint64_t X11Desktop::typingStamp() const {
+  return parts_->workspace->stamp();
+}
 AccessibilityTrust& X11Desktop::accessibilityTrust() {
   return *parts_->trust;
 }

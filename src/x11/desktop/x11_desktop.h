@@ -62,6 +62,9 @@ class X11Desktop {
   // Whether a lock screen, a prompt or another program has the keyboard for itself; asked after the active
   // application.
   bool keyboardIsTaken() const;
+  // Another number once the active application or `keyboardIsTaken` may be others; 0 while that cannot be
+  // told. Any thread.
+  std::uint64_t typingStamp() const;
   AccessibilityTrust& accessibilityTrust();
   Workspace& workspace();
   // The workspace calls `open` for the address, one of the home platform that means nothing to this desktop.

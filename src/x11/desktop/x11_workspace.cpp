@@ -46,7 +46,10 @@ X11Workspace::X11Workspace(std::unique_ptr<XConnection> x, Options options)
               [lost = options_.connectionLost] {
                 if (lost) lost();
               },
-              [this] { grabs_.settle(active_); });
+              [this] {
+                grabs_.settle(active_);
+                ++changes_;
+              });
   loop_.postAndWait(
       [this] {
         findWindowManager();

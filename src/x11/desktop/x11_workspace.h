@@ -55,6 +55,9 @@ class X11Workspace : public Workspace {
   // Whether another program than the active one, or a prompt, has the keyboard for itself, as of the last
   // question for the active window or the applications. Main thread.
   bool keyboardIsTaken() const { return grabs_.keyboardIsTaken(); }
+  // Another number after each change of the active window or of `keyboardIsTaken`; 0 while one may be on its
+  // way, and without a window manager that tells of them. Any thread.
+  std::uint64_t stamp() const { return windowManagerTells_ && loop_.hasCaughtUp() ? changes_.load() : 0; }
   // Of the windows that are not this program's the one that was active last; it may be gone.
   xcb_window_t lastForeignWindow() const;
   // Called on the workspace's thread after another window has become active; ask which on another thread.
@@ -103,6 +106,7 @@ class X11Workspace : public Workspace {
   xcb_window_t lastForeign_ = XCB_WINDOW_NONE;
 
   std::atomic<bool> windowManagerTells_ = false;
+  std::atomic<std::uint64_t> changes_ = 1;  // what the server has told of counts as one
   mutable std::mutex mutex_;
   std::shared_ptr<const Snapshot> snapshot_ = std::make_shared<Snapshot>();
 

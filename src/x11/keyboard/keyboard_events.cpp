@@ -22,6 +22,12 @@ void KeyboardEvents::select(const XConnection& connection) const {
     std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_HIERARCHY;
   } hierarchy;
   xcb_input_xi_select_events(connection.get(), connection.root(), 1, &hierarchy.header);
+  // The server does not tell that another program lets a keyboard go, only that it is typed on again.
+  const struct {
+    xcb_input_event_mask_t header;
+    std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_DEVICE_CHANGED;
+  } source{{numbers_.masterKeyboard, 1}};
+  xcb_input_xi_select_events(connection.get(), connection.root(), 1, &source.header);
   // The server sends notices of maps for all keyboards, whichever is named here.
   xcb_xkb_select_events_details_t details{};
   details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
@@ -62,6 +68,13 @@ KeyboardChange KeyboardEvents::readInput(const xcb_ge_generic_event_t& event) co
           XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
       const auto flags = reinterpret_cast<const xcb_input_hierarchy_event_t&>(event).flags;
       if ((flags & kInteresting) != 0) return KeyboardsChanged{};
+      return {};
+    }
+    case XCB_INPUT_DEVICE_CHANGED: {
+      const auto& changed = reinterpret_cast<const xcb_input_device_changed_event_t&>(event);
+      const bool isTypedOn = changed.reason == XCB_INPUT_CHANGE_REASON_SLAVE_SWITCH &&
+                             changed.sourceid != numbers_.xtestKeyboard;
+      if (isTypedOn) return KeyboardsChanged{};
       return {};
     }
     default:

@@ -13,7 +13,7 @@ struct KeyTyped {
   PhysicalKey key;
   std::uint32_t time;  // milliseconds of the server
 };
-// Keyboards were plugged in or out, enabled, disabled, or grabbed by another program.
+// Keyboards were plugged in or out, enabled, disabled, or one that is not grabbed is typed on.
 struct KeyboardsChanged {};
 // Any keyboard's, also one that has nothing to do with this session.
 struct MapChanged {
@@ -34,6 +34,7 @@ class KeyboardEvents {
     std::uint8_t inputOpcode = 0;    // of XInput 2
     std::uint8_t xkbFirstEvent = 0;  // 0 without XKB
     std::uint16_t masterKeyboard = 0;
+    std::uint16_t xtestKeyboard = 0;
   };
 
   KeyboardEvents() = default;

@@ -66,10 +66,10 @@ void KeyboardLink::findObstacles() {
   const auto core = xkb_x11_get_core_keyboard_device_id(connection_.get());
   masterKeyboard_ = core > 0 ? static_cast<Device>(core) : Device{3};
   numbers.masterKeyboard = masterKeyboard_;
-  events_ = KeyboardEvents(numbers);
   if (numbers.inputOpcode == 0) return;
   const auto keyboards = findKeyboards();
-  xtestKeyboard_ = keyboards.xtest;
+  numbers.xtestKeyboard = xtestKeyboard_ = keyboards.xtest;
+  events_ = KeyboardEvents(numbers);
   maps_ = MapSharing(connection_, xtestKeyboard_);
   if (keyboards.ofWayland) obstacles_.insert(obstacles_.begin(), AccessibilityObstacle::waylandSession);
   if (hasXtest && xtestKeyboard_ == 0) obstacles_.push_back(AccessibilityObstacle::noXtest);

@@ -13,6 +13,10 @@ class KeyboardService::Port : public EventTap::Port {
   ~Port() override { service_.closeTap(); }
   void enable() override { conversation_->enable(); }
   bool isEnabled() const override { return conversation_->isEnabled(); }
+  void passUnasked(std::function<bool(const KeyDownEvent&)> needsNoVerdict) override {
+    conversation_->passUnasked(std::move(needsNoVerdict));
+  }
+  std::vector<KeyDownEvent> takePassedKeys() override { return conversation_->takePassedKeys(); }
 
  private:
   KeyboardService& service_;
