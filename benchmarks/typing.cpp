@@ -28,7 +28,7 @@ namespace {
 using std::chrono::milliseconds;
 
 // A fast typist's burst: a word of eight letters and its space, then a breath.
-constexpr int kWords = 250;
+constexpr int kWords = 100;
 constexpr std::string_view kWord = "chestnut ";
 constexpr milliseconds kDown{30};
 constexpr milliseconds kUp{30};

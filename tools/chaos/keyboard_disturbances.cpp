@@ -103,6 +103,8 @@ void unlockCaps(ChaosScene& scene) {
 
 void useStickyKeys(ChaosScene& scene) {
   setStickyKeys(scene.desktop().display(), true);
+  scene.typist().typePlainWord();
+  scene.typist().waitForArrival();
   scene.typist().typeWordAfterTappedShift();
 }
 
