@@ -101,17 +101,6 @@ void unlockCaps(ChaosScene& scene) {
   scene.typist().waitForArrival();
 }
 
-void useStickyKeys(ChaosScene& scene) {
-  setStickyKeys(scene.desktop().display(), true);
-  scene.typist().typePlainWord();
-  scene.typist().waitForArrival();
-  scene.typist().typeWordAfterTappedShift();
-}
-
-void dropStickyKeys(ChaosScene& scene) {
-  setStickyKeys(scene.desktop().display(), false);
-}
-
 }  // namespace
 
 std::vector<Disturbance> keyboardDisturbances(SecondKeyboard second) {
@@ -124,7 +113,9 @@ std::vector<Disturbance> keyboardDisturbances(SecondKeyboard second) {
       {"repeat rate", kStrict, false, changeRate, join},
       {"held BackSpace", kStrict, true, eraseByHeldKey},
       {"Num Lock", kStrict, false, toggleNumLock, join},
-      {"Sticky Keys", kStrict, true, useStickyKeys, dropStickyKeys},
+      {"Sticky Keys", kStrict, false,
+       [](ChaosScene& scene) { setStickyKeys(scene.desktop().display(), true); },
+       [](ChaosScene& scene) { setStickyKeys(scene.desktop().display(), false); }},
       {"Caps Lock", kStrict, true, lockCaps, unlockCaps},
   };
   const auto xinput = [](std::string verb) {

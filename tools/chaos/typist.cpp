@@ -43,15 +43,6 @@ void Typist::typePlainWord() {
   type({word + " ", {}, Promise::staysAsTyped});
 }
 
-void Typist::typeWordAfterTappedShift() {
-  std::string word = "sticky ";
-  keyboard().tap("Shift");
-  press(word);
-  if (capsLocked_) word = withOtherCase(word);
-  word.front() = withOtherCase(word.substr(0, 1)).front();
-  typed_.push_back({std::move(word), {}, Promise::staysAsTyped});
-}
-
 void Typist::typeWords(int count, Promise promise) {
   for (; count > 0; --count) {
     if (below(3) == 0) {
@@ -110,14 +101,11 @@ void Typist::closeAccount() {
   target_.clear();
 }
 
-VirtualKeyboard& Typist::keyboard() {
-  return second_ ? desktop_.secondKeyboard() : desktop_.keyboard();
-}
-
 void Typist::press(const std::string& keys) {
+  auto& keyboard = second_ ? desktop_.secondKeyboard() : desktop_.keyboard();
   for (const char each : keys) {
     pressed_.push_back(Clock::now());
-    keyboard().type(std::string(1, each), gap_);
+    keyboard.type(std::string(1, each), gap_);
   }
 }
 

@@ -12,7 +12,6 @@
 namespace quorlo {
 
 class VirtualDesktop;
-class VirtualKeyboard;
 
 // Types words of known text and keeps account of them. The words of the seed are always the same.
 class Typist {
@@ -34,8 +33,6 @@ class Typist {
 
   // A word that is no abbreviation.
   void typePlainWord();
-  // One whose first letter is made a capital by a Shift that is tapped before: needs Sticky Keys.
-  void typeWordAfterTappedShift();
   // One of three is an abbreviation, of which this is promised.
   void typeWords(int count, Promise promise);
   void typeAbbreviation(Promise promise);
@@ -61,7 +58,6 @@ class Typist {
 
  private:
   int below(int limit) { return std::uniform_int_distribution(0, limit - 1)(random_); }
-  VirtualKeyboard& keyboard();
   std::chrono::milliseconds longestDeadTime() const;
 
   VirtualDesktop& desktop_;
