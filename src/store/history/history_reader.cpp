@@ -7,9 +7,9 @@
 
 namespace quorlo {
 
-HistoryReader::HistoryReader(const std::filesystem::path& storeFile, Writer own,
+HistoryReader::HistoryReader(const std::filesystem::path& storeFile, Writer own, Date loaded,
                              std::chrono::milliseconds busyTimeout)
-    : database_(storeFile), own_(std::move(own)), busyTimeout_(busyTimeout) {}
+    : database_(storeFile), own_(std::move(own)), loaded_(loaded), busyTimeout_(busyTimeout) {}
 
 Result<NewHistory> HistoryReader::read(Date after) {
   if (auto status = open(); !status) return status.error();
@@ -30,7 +30,8 @@ Result<NewHistory> HistoryReader::read(Date after) {
   if (!history.newest || *history.newest < after) after = Date::min();
 
   const auto fetched =
-      PersistentHistoryFetcher{database_, after, own_.author, own_.contextName, own_.session}.fetch();
+      PersistentHistoryFetcher{database_, after, own_.author, own_.contextName, own_.session, loaded_}
+          .fetch();
   if (!fetched) return fetched.error();
   if (fetched.value().empty()) return history;
   history.lastProcessed = fetched.value().back().timestamp;

@@ -24,8 +24,10 @@ struct NewHistory {
 // time.
 class HistoryReader {
  public:
-  // What `own` has saved is left out of what is read.
-  HistoryReader(const std::filesystem::path& storeFile, Writer own, std::chrono::milliseconds busyTimeout);
+  // Left out of what is read is what `own` has saved, and what others of its names had saved by `loaded`,
+  // when the library was read.
+  HistoryReader(const std::filesystem::path& storeFile, Writer own, Date loaded,
+                std::chrono::milliseconds busyTimeout);
 
   // Includes every commit of which a file watcher can have told before the call. A moment that lies after
   // the newest transaction is one of another store: then the whole history is read.
@@ -39,6 +41,7 @@ class HistoryReader {
 
   SqliteDatabase database_;
   const Writer own_;
+  const Date loaded_;
   const std::chrono::milliseconds busyTimeout_;
 };
 

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view kFetch =
     "SELECT t.number, t.timestamp, t.author, t.contextName, c.entity, c.row, c.kind, c.changedProperties "
     "FROM HistoryTransaction t LEFT JOIN HistoryChange c ON c.transactionNumber = t.number "
-    "WHERE t.timestamp > ?1 AND ((t.author <> ?2 AND t.contextName <> ?3) OR t.session NOT IN ('', ?4)) "
+    "WHERE t.timestamp > ?1 AND ((t.author <> ?2 AND t.contextName <> ?3) OR (t.session NOT IN ('', ?4) AND t.timestamp > ?5)) "
     "ORDER BY t.timestamp, c.number";
 
 enum Column { number, timestamp, author, contextName, entity, row, kind, changedProperties };
@@ -41,7 +41,8 @@ Result<std::vector<HistoryTransaction>> PersistentHistoryFetcher::fetch() const 
   statement.bind(1, fromDate)
       .bind(2, std::string_view(author))
       .bind(3, std::string_view(contextName))
-      .bind(4, std::string_view(session));
+      .bind(4, std::string_view(session))
+      .bind(5, loaded);
   std::vector<HistoryTransaction> transactions;
   std::int64_t lastNumber = 0;
   for (;;) {

@@ -16,10 +16,11 @@ struct PersistentHistoryFetcher {
   SqliteDatabase& context;
   Date fromDate;
   // Left out is every transaction of this author and every one of this context name, unless it is of another
-  // session: then it was saved by another process.
+  // session and after `loaded`: then another process saved it, and it was not read with the library.
   std::string author;
   std::string contextName;
   std::string session = {};
+  Date loaded = Date::min();
 
   // In the order in which they were saved. Changes of entities that this version does not know are left
   // out. Fails when the history cannot be read.

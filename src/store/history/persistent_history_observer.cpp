@@ -23,6 +23,7 @@ constexpr std::chrono::hours kPurgeInterval = std::chrono::days(1);
 constexpr std::size_t kRecordsAtOnce = 200;   // without a look at the clock
 constexpr std::size_t kToldAtOnce = 100'000;  // a multiple of the above
 constexpr Seconds kLongestTurn(0.03);
+constexpr std::chrono::minutes kClockTolerance(5);  // of steps back of the clock since the library was read
 constexpr Seconds kFirstRetry(0.5);
 constexpr Seconds kLastRetry(60);
 
@@ -35,7 +36,7 @@ std::string dateKey(AppTarget target) {
 PersistentHistoryObserver::PersistentHistoryObserver(AppTarget target, Dependencies dependencies)
     : target_(target),
       its_(std::move(dependencies)),
-      reader_(its_.storeFile, its_.viewContext.writer(), its_.busyTimeout),
+      reader_(its_.storeFile, its_.viewContext.writer(), its_.now() - kClockTolerance, its_.busyTimeout),
       retryDelay_(kFirstRetry) {}
 
 PersistentHistoryObserver::~PersistentHistoryObserver() = default;

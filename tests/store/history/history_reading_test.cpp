@@ -26,10 +26,11 @@ TEST(PersistentHistoryFetcher, ReadsInOrderWhatOthersSavedAfterTheDate) {
       "INSERT INTO HistoryTransaction(number, timestamp, author, contextName, session) VALUES"
       "(1, 1, 'main_app', 'view_context', ''), (2, 2, 'other', 'other_context', 'x'),"
       "(3, 3, 'main_app', 'other_context', ''), (4, 4, 'other', 'view_context', 'here'), (5, 5, '', '', 'here'),"
-      "(6, 6, 'main_app', 'view_context', 'here'), (7, 7, 'main_app', 'view_context', 'other display');"
+      "(6, 6, 'main_app', 'view_context', 'run before'), (7, 7, 'main_app', 'view_context', 'other display');"
       "INSERT INTO HistoryChange(transactionNumber, entity, row, uuid, kind, changedProperties) VALUES"
       "(2, 'Category', 7, '', 1, 'title,sort'), (2, 'Comment', 1, '', 0, ''), (2, 'User', 2, '', 2, '')"));
-  const PersistentHistoryFetcher fetcher{database, microsecond(1), "main_app", "view_context", "here"};
+  const PersistentHistoryFetcher fetcher{database,       microsecond(1), "main_app",
+                                         "view_context", "here",         microsecond(6)};
   const auto found = fetcher.fetch().value();
   ASSERT_EQ(found.size(), 3U);
   EXPECT_EQ(found[0].timestamp, microsecond(2));
