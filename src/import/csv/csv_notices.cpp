@@ -2,6 +2,7 @@
 
 #include "import/csv/csv_findings.h"
 #include "import/csv/cswiftv.h"
+#include "import/csv/quoted_names.h"
 #include "store/localized_format.h"
 #include "text/quotation.h"
 #include "text/utf.h"
@@ -12,8 +13,6 @@
 
 namespace quorlo {
 namespace {
-
-constexpr std::size_t kNamedColumns = 10;
 
 std::u16string numberText(std::size_t number) {
   return toUtf16(std::to_string(number));
@@ -30,11 +29,9 @@ std::u16string nameOf(std::size_t column, const CsvFindings& findings) {
 }
 
 std::u16string namesOf(const std::vector<std::size_t>& columns, const CsvFindings& findings) {
-  std::u16string names;
-  for (std::size_t i = 0; i < std::min(columns.size(), kNamedColumns); ++i) {
-    names += (i == 0 ? u"“" : u", “") + nameOf(columns[i], findings) + u"”";
-  }
-  return columns.size() > kNamedColumns ? names + u", …" : names;
+  std::vector<std::u16string> names;
+  for (const auto each : columns) names.push_back(nameOf(each, findings));
+  return quotedNames(names);
 }
 
 class Notices {

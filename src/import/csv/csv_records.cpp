@@ -3,11 +3,11 @@
 #include "import/csv/csv_mapping.h"
 #include "import/csv/csv_preview.h"
 #include "import/csv/csv_scanner.h"
+#include "import/csv/quoted_names.h"
 #include "import/csv/separators.h"
 #include "import/file_bytes.h"
 #include "import/work_progress.h"
 #include "store/localized_format.h"
-#include "text/quotation.h"
 #include "text/utf.h"
 
 #include <algorithm>
@@ -58,17 +58,6 @@ Status checkColumns(const CsvColumns& columns, std::size_t count) {
                                toUtf16(std::to_string(*column + 1)), toUtf16(std::to_string(count))))};
   }
   return {};
-}
-
-constexpr std::size_t kQuotedNames = 6;
-
-// The first names, each in quotation marks.
-std::u16string quotedNames(const std::vector<std::u16string>& names) {
-  std::u16string list;
-  for (std::size_t i = 0; i < std::min(names.size(), kQuotedNames); ++i) {
-    list += (i == 0 ? u"“" : u", “") + quotation(names[i]) + u"”";
-  }
-  return names.size() > kQuotedNames ? list + u", …" : list;
 }
 
 // Part of a sentence, with what to do on the command line.
