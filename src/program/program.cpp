@@ -91,6 +91,7 @@ Result<std::unique_ptr<Program>> Program::start(const Options& options) {
   parts->delegate.applicationDidFinishLaunching();
   parts->rollingBackups.start();
   parts->service.emplace(parts->requests());
+  if (parts->persistence.wasLeftUnclean()) parts->checkLibraryInBackground();
   if (!options.files.empty()) parts->delegate.open(options.files);
   if (options.abbreviations) parts->settings.setAbbreviationsEnabled(*options.abbreviations);
   if (!parts->settings.abbreviationsEnabled()) {

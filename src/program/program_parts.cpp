@@ -3,8 +3,11 @@
 #include "app/shell/quorlo_app.h"
 #include "base/counted.h"
 #include "base/log.h"
+#include "cli/error_text.h"
 #include "program/crash_report.h"
+#include "program/doctor/library_check.h"
 #include "program/doctor/typing_obstacle_text.h"
+#include "program/library_notices.h"
 #include "store/lookup/abbreviation_rules.h"
 #include "text/graphemes.h"
 #include "text/utf.h"
@@ -42,7 +45,8 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
       library(std::move(openLibrary)),
       quotationMarks(textQuotationMarks(environment)),
       history(AppTarget::app, {queue, defaults, persistence.managedObjectContext(), storeFile,
-                               [] { return std::chrono::system_clock::now(); }}) {
+                               [] { return std::chrono::system_clock::now(); },
+                               [this] { return persistence.storeIsInPlace(); }}) {
   settings.setAccessibilityCheck(
       [this] { return accessibility.checkAccessibility(AccessibilityManager::Prompt::showAlert); });
   persistence.setFileOpener([this](const auto& files) { imports.importFiles(files); });
@@ -53,6 +57,7 @@ Program::Parts::Parts(std::unique_ptr<Ground> existingGround, std::unique_ptr<Si
   QObject::connect(&fcitx, &FcitxInputMethod::changed, noteChange);
   QObject::connect(&ibus, &IbusEngine::changed, noteChange);
   QObject::connect(&passwordField, &PasswordField::changed, noteChange);
+  persistence.setNoticeHandler([this](const auto& notice) { post(notice, notifications); });
   setWindowMakers();
 }
 
@@ -66,34 +71,41 @@ Program::Parts::~Parts() {
 
 AppDelegate::Dependencies Program::Parts::delegateDependencies() {
   const auto system = QVersionNumber::fromString(QSysInfo::kernelVersion());
-  return {.queue = queue,
-          .defaults = defaults,
-          .settings = settings,
-          .persistence = persistence,
-          .accessibility = accessibility,
-          .launchAtLogin = launchAtLogin,
-          .hotKeys = desktop->hotKeyCenter(),
-          .alerts = alerts,
-          .windows = windows,
-          .navigation = navigation,
-          .setup = setup,
-          .debugMode = debugMode,
-          .systemMajorVersion = system.majorVersion(),
-          .systemMinorVersion = system.minorVersion(),
-          .createStatusItemAndMenu = [this]() -> QLSnippetStatusMenuViewController& {
-            return createStatusItemAndMenu();
+  return {
+      .queue = queue,
+      .defaults = defaults,
+      .settings = settings,
+      .persistence = persistence,
+      .accessibility = accessibility,
+      .launchAtLogin = launchAtLogin,
+      .hotKeys = desktop->hotKeyCenter(),
+      .alerts = alerts,
+      .windows = windows,
+      .navigation = navigation,
+      .setup = setup,
+      .debugMode = debugMode,
+      .systemMajorVersion = system.majorVersion(),
+      .systemMinorVersion = system.minorVersion(),
+      .createStatusItemAndMenu = [this]() -> QLSnippetStatusMenuViewController& {
+        return createStatusItemAndMenu();
+      },
+      .menuHotKeyRefused =
+          [this](const Error& error) {
+            notifications.post({.title = localized(u"The menu's hot key does not work"),
+                                .body = toUtf16(error.message),
+                                .categoryIdentifier = "hot-key",
+                                .actionTitle = {}});
           },
-          .menuHotKeyRefused =
-              [this](const Error& error) {
-                notifications.post({.title = localized(u"The menu's hot key does not work"),
-                                    .body = toUtf16(error.message),
-                                    .categoryIdentifier = "hot-key",
-                                    .actionTitle = {}});
-              },
-          .startCrashReporter = [this] { mentionCrashReport(); },
-          .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
-          .stopImport = [this] { libraryImport.stop(); },
-          .quit = [this] { quit(0); }};
+      .startCrashReporter = [this] { mentionCrashReport(); },
+      .createAbbreviationsMonitor = [this] { createAbbreviationsMonitor(); },
+      .stopImport = [this] { libraryImport.stop(); },
+      .quit = [this] { quit(0); },
+      .giveUp =
+          [this](const Error& error) {
+            alerts.runModal(
+                {localized(u"Quorlo cannot start."), toUtf16(inWords(error.message)), {localized(u"OK")}});
+            quit(1);
+          }};
 }
 
 QLSnippetStatusMenuViewController& Program::Parts::createStatusItemAndMenu() {
@@ -143,6 +155,18 @@ void Program::Parts::tellBackupFailure(const Error& error) {
                       .body = toUtf16(error.message),
                       .categoryIdentifier = "backup",
                       .actionTitle = {}});
+}
+
+// On a thread: the whole file is read.
+void Program::Parts::checkLibraryInBackground() {
+  background.run([this, directory = environment.dataDirectory()] {
+    const auto checked = checkLibrary(directory);
+    if (checked) return;
+    queue.run(life.guard([this, error = checked.error()] {
+      logError("ERROR: #lChk2bd - " + error.message);
+      post(LibraryNotice{LibraryNotice::Kind::isDamaged, error.message}, notifications);
+    }));
+  });
 }
 
 void Program::Parts::setWindowMakers() {
@@ -294,6 +318,10 @@ std::vector<AccessibilityHelp> Program::Parts::obstacles() const {
 
 std::vector<AccessibilityHelp> Program::Parts::obstaclesNow() const {
   auto list = obstacles();
+  if (const auto& failure = persistence.saveFailure()) {
+    list.push_back(
+        {localized(u"What you change is kept in memory only."), toUtf16(inWords(failure->message))});
+  }
   const auto obstacle = context.obstacle();
   if (obstacle && settings.abbreviationsEnabled()) {
     list.push_back(typingObstacleHelp(*obstacle, inputMethod()));

@@ -12,6 +12,7 @@
 #include "app/shell/menu/navigation_model.h"
 #include "app/shell/menu/ql_snippet_status_menu_view_controller.h"
 #include "base/core_dumps.h"
+#include "base/life_token.h"
 #include "base/localized.h"
 #include "engine/abbreviations_monitor.h"
 #include "engine/accessibility_help.h"
@@ -106,6 +107,7 @@ struct Program::Parts {
   QLSnippetStatusMenuViewController& createStatusItemAndMenu();
   void mentionCrashReport();
   void tellBackupFailure(const Error& error);
+  void checkLibraryInBackground();
   std::string inputMethod() const;  // the one that makes text of the keys; empty for none
   std::string status() const;
   std::vector<AccessibilityHelp> obstacles() const;
@@ -205,6 +207,7 @@ struct Program::Parts {
   AppSetup setup{{persistence, defaults, settings, navigation, [this] { return history.startObserving(); }}};
   AppDelegate delegate{delegateDependencies()};
   std::optional<ApplicationService> service;  // once there is something to ask of it
+  LifeToken life;
 };
 
 }  // namespace quorlo

@@ -9,6 +9,7 @@
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/records/ql_user.h"
+#include "store/sqlite/open_library_file.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/sqlite_record_store.h"
 #include "store/sqlite/store_opening.h"
@@ -27,9 +28,10 @@ namespace {
 constexpr Seconds kSaveDelay(3.5);
 constexpr Seconds kLongestSaveDelay(60);  // while saves fail
 constexpr Seconds kStartUpPhase(3.0);
-// Of a save, once the start is over, for a lock that another process holds: windows and menu stand still
-// meanwhile.
-constexpr std::chrono::seconds kSavePatience(2);
+// For a lock that another process holds: windows and menu stand still meanwhile.
+constexpr std::chrono::seconds kPatience(2);
+constexpr Seconds kRecoveryDelay(0.3);  // a file that is replaced may be deleted first
+constexpr Seconds kRecoveryRetry(2.0);
 
 constexpr std::u16string_view kExampleText =
     u"This is an example snippet. Type its abbreviation in any application, and this text takes its place.";
@@ -44,19 +46,31 @@ Predicate isOfType(CategoryType type) {
 Result<std::unique_ptr<PersistenceController>> PersistenceController::open(MainQueue& mainQueue,
                                                                            const Environment& environment,
                                                                            Options options) {
-  auto database = openStore(environment.dataDirectory(), {.now = environment.now()});
+  StoreOpeningNotes notes;
+  auto database = openStore(environment.dataDirectory(),
+                            {.now = environment.now(), .busyTimeout = kPatience, .notes = &notes});
   if (!database) return database.error();
+  database.value()->setBusyTimeout(kPatience);
   auto store = std::make_unique<SqliteRecordStore>(std::move(database).value());
-  auto& opened = store->database();
+  auto& opened = *store;
   options.store = std::move(store);
   auto controller = std::make_unique<PersistenceController>(mainQueue, environment, std::move(options));
   if (const auto status = controller->context_->load(); !status) {
-    return storeLoadFailure(opened, status.error(), environment.now());
+    return storeLoadFailure(opened.database(), status.error(), environment.now());
   }
-  mainQueue.runAfter(kStartUpPhase,
-                     controller->life_.guard([&opened] { opened.setBusyTimeout(kSavePatience); }));
+  controller->file_ =
+      std::make_unique<OpenLibraryFile>(opened, *controller->context_, environment.dataDirectory(),
+                                        [&environment] { return environment.now(); });
+  controller->wasLeftUnclean_ = notes.logWasLeft;
+  for (const auto& each : notes.setAside) {
+    if (each.string().ends_with("-wal")) {
+      controller->tell({LibraryNotice::Kind::logWasSetAside, each.string()});
+    }
+  }
   return controller;
 }
+
+PersistenceController::~PersistenceController() = default;
 
 PersistenceController::PersistenceController(MainQueue& mainQueue, const Environment& environment,
                                              Options options)
@@ -120,9 +134,60 @@ void PersistenceController::save() {
 
 bool PersistenceController::trySave() {
   if (!context_->hasChanges()) return true;
+  if (!storeIsInPlace() && !file_->writesElsewhere()) return false;
   const auto status = context_->save();
-  if (!status) logError("Unresolved error " + status.error().message);
+  if (status) {
+    failedSaves_ = 0;
+    saveFailure_.reset();
+  } else {
+    noteFailedSave(status.error());
+  }
   return status.ok();
+}
+
+// The first failure may be of a moment.
+void PersistenceController::noteFailedSave(const Error& error) {
+  logError("Unresolved error " + error.message);
+  if (++failedSaves_ < 2) return;
+  if (!std::exchange(saveFailure_, error)) tell({LibraryNotice::Kind::savesFail, error.message});
+}
+
+bool PersistenceController::storeIsInPlace() {
+  if (!file_) return true;
+  if (!recoveryIsDue_ && file_->look() == OpenLibraryFile::State::inPlace) return true;
+  if (!recoveryIsDue_) recoverLater(kRecoveryDelay);
+  return false;
+}
+
+void PersistenceController::recoverLater(Seconds delay) {
+  recoveryIsDue_ = true;
+  mainQueue_.runAfter(delay, life_.guard([this] {
+    recoveryIsDue_ = false;
+    recover();
+  }));
+}
+
+void PersistenceController::recover() {
+  const auto state = file_->look();
+  if (state == OpenLibraryFile::State::inPlace) return;
+  if (saveDeferrals_ > 0 || file_->isJustBeingWritten()) return recoverLater(kRecoveryDelay);
+  const bool wroteElsewhere = file_->writesElsewhere();
+  const auto notice = file_->recover(state);
+  if (!notice) {
+    noteFailedSave(notice.error());
+    return recoverLater(kRecoveryRetry);
+  }
+  if (!wroteElsewhere || !file_->writesElsewhere()) tell(notice.value());
+}
+
+void PersistenceController::setNoticeHandler(NoticeHandler handler) {
+  noticeHandler_ = std::move(handler);
+  for (const auto& each : std::exchange(untold_, {})) noticeHandler_(each);
+}
+
+void PersistenceController::tell(LibraryNotice notice) {
+  if (noticeHandler_) return noticeHandler_(notice);
+  untold_.push_back(std::move(notice));
 }
 
 std::shared_ptr<QLCategory> PersistenceController::folder(std::string_view uuid) const {
@@ -279,13 +344,13 @@ Status PersistenceController::migrateFolders() {
   return {};
 }
 
-void PersistenceController::mergeDuplicateUsers() {
+Status PersistenceController::mergeDuplicateUsers() {
   quorlo::mergeDuplicateUsers(*context_);
-  save();
+  return context_->save();
 }
-void PersistenceController::mergeDuplicateFolders() {
+Status PersistenceController::mergeDuplicateFolders() {
   quorlo::mergeDuplicateFolders(*context_);
-  save();
+  return context_->save();
 }
 void PersistenceController::purgeTrash() {
   quorlo::purgeTrash(*context_, environment_.now(), environment_.timeZone());

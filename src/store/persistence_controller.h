@@ -5,11 +5,13 @@
 #include "platform/main_queue.h"
 #include "store/context/managed_object_context.h"
 #include "store/context/record_store.h"
+#include "store/library_notice.h"
 #include "store/records/folder_types.h"
 
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,6 +20,7 @@
 namespace quorlo {
 
 class Environment;
+class OpenLibraryFile;
 class QLApp;
 class QLCategory;
 class QLSnippet;
@@ -44,6 +47,8 @@ class PersistenceController {
   PersistenceController(MainQueue& mainQueue, const Environment& environment)
       : PersistenceController(mainQueue, environment, Options{}) {}
 
+  ~PersistenceController();
+
   // The one that the program has bound; only for its user interface and its main file.
   static PersistenceController& shared();
 
@@ -61,6 +66,20 @@ class PersistenceController {
 
   // A failure is logged and leaves the changes in the context.
   void save();
+
+  // Why what has changed is not saved, after the second failure; nothing once it is.
+  const std::optional<Error>& saveFailure() const { return saveFailure_; }
+
+  // Whether the library's name still leads to the file that was opened, to be asked whenever something
+  // happens to it. Where it does not, nothing more is written there; what is in memory is kept in a file
+  // beside it, and the new file is opened a moment later, or the library written back.
+  bool storeIsInPlace();
+
+  // Hears of what befalls the library's file, that before this call included. Set once, at the start.
+  using NoticeHandler = std::function<void(const LibraryNotice&)>;
+  void setNoticeHandler(NoticeHandler handler);
+  // The program before this one did not end properly: the library should be checked.
+  bool wasLeftUnclean() const { return wasLeftUnclean_; }
 
   // Null or empty when there is none; a failed fetch is logged and counts as none.
   std::shared_ptr<QLCategory> folder(std::string_view uuid) const;
@@ -106,13 +125,17 @@ class PersistenceController {
   void markTitlesAsCustom();
   void fixEmptyAbbreviations();
   Status migrateFolders();  // counts the snippets, too; an error is logged as well
-  void mergeDuplicateUsers();
-  void mergeDuplicateFolders();
+  Status mergeDuplicateUsers();
+  Status mergeDuplicateFolders();
   void purgeTrash();
   void countSnippets();
 
  private:
   bool trySave();  // false when it failed, which is logged
+  void noteFailedSave(const Error& error);
+  void recoverLater(Seconds delay);
+  void recover();
+  void tell(LibraryNotice notice);
 
   MainQueue& mainQueue_;
   const Environment& environment_;
@@ -123,6 +146,13 @@ class PersistenceController {
   bool saveTimerIsRunning = false;
   int saveDeferrals_ = 0;
   FileOpener fileOpener_;
+  std::unique_ptr<OpenLibraryFile> file_;  // null over a store that is none of SQLite's
+  bool recoveryIsDue_ = false;
+  std::optional<Error> saveFailure_;
+  int failedSaves_ = 0;
+  bool wasLeftUnclean_ = false;
+  NoticeHandler noticeHandler_;
+  std::vector<LibraryNotice> untold_;
   const MainQueue::Instant lastSaveRequestDate;
   LifeToken life_;
 };

@@ -35,6 +35,7 @@ class FakeRecordStore final : public RecordStore {
     repaired.emplace(name);
     return {};
   }
+  Status reload(ManagedObjectContext&) override { return {}; }
   Result<std::optional<AttributedString>> richText(const QLSnippet&) override {
     return std::optional<AttributedString>();
   }

@@ -26,6 +26,23 @@ TEST(PersistenceController, SavesManyChangesOnceThreeAndAHalfSecondsAfterTheFirs
   EXPECT_EQ(library.commits.size(), 2U);
 }
 
+TEST(PersistenceController, TellsOnceThatSavesFailAfterTheSecondFailure) {
+  TestLibrary library;
+  std::vector<LibraryNotice::Kind> notices;
+  library.controller.setNoticeHandler([&](const auto& notice) { notices.push_back(notice.kind); });
+  library.snippet(u"a");
+  library.commitResult = Error{"the disk is full."};
+  library.controller.save();
+  EXPECT_TRUE(notices.empty());
+  for (int i = 0; i < 3; ++i) library.controller.save();
+  EXPECT_EQ(notices, std::vector{LibraryNotice::Kind::savesFail});
+  ASSERT_TRUE(library.controller.saveFailure());
+  EXPECT_EQ(library.controller.saveFailure()->message, "the disk is full.");
+  library.commitResult = {};
+  library.controller.save();
+  EXPECT_FALSE(library.controller.saveFailure());
+}
+
 TEST(PersistenceController, ObservesItsOwnContextOnlyFromTheFirstSnippetOrFolderOn) {
   TestLibrary library;
   ManagedObjectContext other(library.queue, {.now = [] { return Date{}; }});

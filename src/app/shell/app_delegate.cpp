@@ -7,7 +7,6 @@
 #include "app/shell/debug_mode.h"
 #include "app/shell/menu/navigation_model.h"
 #include "app/shell/menu/ql_snippet_status_menu_view_controller.h"
-#include "base/fatal.h"
 #include "base/localized.h"
 #include "base/log.h"
 #include "engine/accessibility_manager.h"
@@ -62,11 +61,12 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::repairAndMigrate() {
   takeOverLaunchAtLogin();
-  use_.setup.migrateStore();
-  if (!managedObjectContext.hasChanges()) return;
-  if (const auto status = managedObjectContext.save(); !status) {
-    fatal("ERROR: #rEp4sav - " + status.error().message);
-  }
+  auto status = use_.setup.migrateStore();
+  if (status && managedObjectContext.hasChanges()) status = managedObjectContext.save();
+  if (status) return;
+  logError("ERROR: #rEp4sav - " + status.error().message);
+  hasTerminated_ = true;  // nothing can be saved
+  use_.giveUp(status.error());
 }
 
 // Earlier versions kept the choice among the settings.

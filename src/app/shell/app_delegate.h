@@ -59,6 +59,7 @@ class AppDelegate {
 
     std::function<void()> stopImport;  // what is under way comes to nothing; the library's file is free then
     std::function<void()> quit;        // ends the event loop
+    std::function<void(const Error&)> giveUp;  // says why the program cannot go on, and ends it as a failure
   };
 
   enum class TerminateReply { terminateCancel, terminateNow };

@@ -63,14 +63,14 @@ Status AppSetup::prepareStore() {
   return observation;
 }
 
-void AppSetup::migrateStore() {
+Status AppSetup::migrateStore() {
   once(kEmptyAbbreviationsAreFixed, [this] {
     use_.persistence.fixEmptyAbbreviations();
     return true;
   });
   once(kFoldersAreMigrated, [this] { return use_.persistence.migrateFolders().ok(); });
-  use_.persistence.mergeDuplicateUsers();
-  use_.persistence.mergeDuplicateFolders();
+  if (auto saved = use_.persistence.mergeDuplicateUsers(); !saved) return saved;
+  return use_.persistence.mergeDuplicateFolders();
 }
 
 void AppSetup::restoreSelection() {

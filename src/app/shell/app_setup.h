@@ -30,8 +30,9 @@ class AppSetup {
   // An error when changes of other processes will not be noticed; everything else is done all the same.
   Status prepareStore();
 
-  // What belongs to versions before this one, each step once. Leaves saving to its caller.
-  void migrateStore();
+  // What belongs to versions before this one, each step once. Leaves saving to its caller; an error when what
+  // was merged could not be saved.
+  Status migrateStore();
 
   // What was selected when the program ended last, as far as it is there still.
   void restoreSelection();

@@ -314,6 +314,31 @@ void ManagedObjectContext::keep(ManagedObject& lost) {
   for (const auto& [record, relationship] : lost.referrers()) noteUnsaved(record, relationship);
 }
 
+void ManagedObjectContext::keepEverything() {
+  for (auto& each : tables_) {
+    for (const auto& row : each.rows) {
+      if (row.record && row.record->rowNumber_ != 0) keep(*row.record);
+    }
+  }
+}
+
+Status ManagedObjectContext::reload() {
+  if (!configuration_.store) return {};
+  processPendingChanges();
+  const auto dropped = unsaved_.changes();
+  unsaved_.clear();
+  for (const auto& each : dropped.updated) each->changedProperties_.clear();
+  for (const auto& each : dropped.deleted) {
+    byRow_[static_cast<std::size_t>(each->entity())].erase(each->rowNumber_);
+  }
+  origin_ = Origin::others;
+  for (const auto& each : dropped.inserted) {
+    if (each->rowNumber_ == 0) deleteObject(*each);
+  }
+  endTakingFromStore();
+  return configuration_.store->reload(*this);
+}
+
 void ManagedObjectContext::announceLater(const ManagedObject& record, std::string_view name) {
   if (origin_ == Origin::others) announcements_.emplace_back(record.shared_from_this(), name);
 }

@@ -156,6 +156,13 @@ class ManagedObjectContext final : public ExpansionLookup {
   };
   Status refresh(std::span<const HistoryChange> changes, Telling telling = Telling::inTurn);
 
+  // The store keeps nothing of this any more: the next save writes every record anew, in the row that it has.
+  // Rich texts that were not read are lost.
+  void keepEverything();
+  // The store is another one: the records become its own, and what is unsaved is dropped. After an error some
+  // records may not be up to date; the same may be tried again.
+  Status reload();
+
   // Lets go of the rich texts that can be read from the store again, those of unsaved records apart. What
   // attributedString() and its like have returned by reference is gone then.
   void releaseRichTexts();

@@ -62,6 +62,9 @@ class RecordStore {
   virtual Result<bool> hasRepaired(std::string_view name) = 0;
   virtual Status noteRepaired(std::string_view name) = 0;
 
+  // Brings every record up to what the store holds now, which may be another library. Nothing is unsaved.
+  virtual Status reload(ManagedObjectContext& context) = 0;
+
   // Nothing when the store has none for the snippet (any more); an error when it cannot be read.
   virtual Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) = 0;
 };

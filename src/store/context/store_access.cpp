@@ -79,6 +79,12 @@ bool StoreAccess::isNewToStore(const ManagedObject& record) const {
   return context_.unsaved_.holdsInsertionOf(record);
 }
 
+std::vector<std::int64_t> StoreAccess::rows(const ManagedObjectContext& context, Entity entity) {
+  std::vector<std::int64_t> rows;
+  for (const auto& [row, record] : context.byRow_[static_cast<std::size_t>(entity)]) rows.push_back(row);
+  return rows;
+}
+
 std::vector<ManagedObject*> StoreAccess::referrers(const ManagedObject& record) {
   std::vector<ManagedObject*> saved;
   for (const auto& each : record.referrers()) {

@@ -44,6 +44,9 @@ class StoreAccess {
   bool isUnsaved(const ManagedObject& record) const;
   bool isNewToStore(const ManagedObject& record) const;
 
+  // Of all records that are in the store.
+  static std::vector<std::int64_t> rows(const ManagedObjectContext& context, Entity entity);
+
   // The saved records whose stored relationships lead to this one.
   static std::vector<ManagedObject*> referrers(const ManagedObject& record);
 

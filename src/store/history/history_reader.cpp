@@ -2,6 +2,7 @@
 
 #include "store/history/history_purge.h"
 #include "store/history/persistent_history_fetcher.h"
+#include "store/sqlite/log_mark.h"
 
 #include <utility>
 
@@ -39,12 +40,24 @@ Result<NewHistory> HistoryReader::read(Date after) {
   return history;
 }
 
+// A long log would be read at each start, and a copy of the file without it lacks what it holds. Readers and
+// writers are not waited for: there is a next time.
+void HistoryReader::mergeLog() {
+  if (logIsEmpty(database_.file()) || !open()) return;
+  database_.setBusyTimeout(std::chrono::milliseconds(0));
+  static_cast<void>(database_.integer("PRAGMA wal_checkpoint(PASSIVE)"));
+  static_cast<void>(database_.integer("PRAGMA wal_checkpoint(TRUNCATE)"));
+  database_.setBusyTimeout(busyTimeout_);
+}
+
 Status HistoryReader::purge(Date through) {
   if (auto status = open(); !status) return status.error();
   return purgeHistory(database_, through);
 }
 
 Status HistoryReader::open() {
+  // The library's name may lead to another file by now.
+  if (database_.isOpen() && database_.hasMoved()) database_.closeUntouched();
   return database_.isOpen() ? Status() : database_.open(SqliteDatabase::Access::readWrite, busyTimeout_);
 }
 

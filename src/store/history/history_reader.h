@@ -36,6 +36,9 @@ class HistoryReader {
   // See purgeHistory.
   Status purge(Date through);
 
+  // Brings what was saved from the file's log into the file itself, if that is possible at once.
+  void mergeLog();
+
  private:
   Status open();
 

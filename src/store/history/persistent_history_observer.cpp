@@ -63,12 +63,18 @@ void PersistentHistoryObserver::perform(std::function<Outcome()> operation,
 }
 
 void PersistentHistoryObserver::processStoreRemoteChanges() {
+  if (its_.storeIsInPlace && !its_.storeIsInPlace()) return;
   mustProcessAgain_ = true;
   if (std::exchange(isProcessing_, true)) return;
   mustProcessAgain_ = false;
   const auto after = processedThrough_ ? processedThrough_ : storedDate(target_);
-  perform<Result<NewHistory>>([this, after] { return reader_.read(after.value_or(Date::min())); },
-                              [this](const auto& history) { didRead(history); });
+  perform<Result<NewHistory>>(
+      [this, after] {
+        auto history = reader_.read(after.value_or(Date::min()));
+        reader_.mergeLog();
+        return history;
+      },
+      [this](const auto& history) { didRead(history); });
 }
 
 void PersistentHistoryObserver::didRead(const Result<NewHistory>& read) {

@@ -39,6 +39,9 @@ class PersistentHistoryObserver {
     ManagedObjectContext& viewContext;  // its author's and its name's transactions are the own ones
     std::filesystem::path storeFile;    // exists
     std::function<Date()> now;          // any thread
+    // Whether the library's name still leads to the file that the context was read from; asked at each
+    // change. Until it does again, changes wait.
+    std::function<bool()> storeIsInPlace = nullptr;
     std::chrono::milliseconds busyTimeout = std::chrono::seconds(5);  // longer ones are left to a retry
   };
 

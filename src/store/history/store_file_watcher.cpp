@@ -23,8 +23,8 @@ namespace {
 // thousands. The user does not notice the delay.
 constexpr int kGatherMilliseconds = 40;
 
-constexpr std::uint32_t kEvents =
-    IN_MODIFY | IN_CREATE | IN_MOVED_TO | IN_MOVE_SELF | IN_DELETE_SELF | IN_ONLYDIR;
+constexpr std::uint32_t kEvents = IN_MODIFY | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
+                                  IN_MOVE_SELF | IN_DELETE_SELF | IN_ONLYDIR;
 
 Error watchError(const std::filesystem::path& storeFile, int code) {
   std::string advice = std::strerror(code);

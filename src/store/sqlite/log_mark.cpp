@@ -156,7 +156,7 @@ LogOrigin originByFile(SqliteDatabase& database, const FileAlone& alone, const L
   if (!store || !log) return LogOrigin::thisFile;
   if (!store->isSameFileAs(begun.store)) {
     // File and log were copied together, or the file alone was put in place.
-    const bool isReplaced = log->isSameFileAs(begun.log) && store->changed > log->modified;
+    const bool isReplaced = log->isSameFileAs(begun.log) && store->changed >= log->modified;
     return isReplaced ? LogOrigin::renamedFile : LogOrigin::thisFile;
   }
   const bool isOverwritten = isBase && store->modified != begun.store.modified &&

@@ -242,6 +242,35 @@ Status refreshRecords(SqliteDatabase& database, ManagedObjectContext& context,
   return Refresh(database, access).run(changes);
 }
 
+// The records of a row that both files have become those of the file.
+Status reloadRecords(SqliteDatabase& database, ManagedObjectContext& context) {
+  std::vector<HistoryChange> changes;
+  for (const auto entity : kReferencedFirst) {
+    std::set<std::int64_t> stored;
+    {
+      auto rows = database.prepare("SELECT row FROM " + std::string(entityName(entity)));
+      for (;;) {
+        const auto row = rows.step();
+        if (!row) return row.error();
+        if (!row.value()) break;
+        stored.insert(rows.integer(0));
+      }
+    }
+    for (const auto row : stored) {
+      changes.push_back({.entity = entity,
+                         .row = row,
+                         .kind = HistoryChange::Kind::updated,
+                         .changedProperties = {std::string(QLSnippet::kText.name)}});
+    }
+    for (const auto row : StoreAccess::rows(context, entity)) {
+      if (!stored.contains(row)) {
+        changes.push_back({.entity = entity, .row = row, .kind = HistoryChange::Kind::deleted});
+      }
+    }
+  }
+  return refreshRecords(database, context, changes);
+}
+
 Result<std::optional<AttributedString>> richTextOf(SqliteDatabase& database, std::int64_t snippetRow) {
   auto texts = database.prepare("SELECT text FROM SnippetText WHERE snippet = ?");
   const auto row = texts.bind(1, snippetRow).step();

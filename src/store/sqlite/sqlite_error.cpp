@@ -59,6 +59,10 @@ bool saysDamaged(int extendedCode) {
          extendedCode == SQLITE_IOERR_SHORT_READ;
 }
 
+bool saysHeld(int extendedCode) {
+  return primary(extendedCode) == SQLITE_BUSY || primary(extendedCode) == SQLITE_LOCKED;
+}
+
 bool saysUnwritable(int extendedCode) {
   const int code = primary(extendedCode);
   return code == SQLITE_READONLY || code == SQLITE_CANTOPEN || code == SQLITE_PERM || code == SQLITE_FULL ||

@@ -15,6 +15,9 @@ Error sqliteError(const std::filesystem::path& file, int extendedCode, int syste
 // The contents are not those of a sound database.
 bool saysDamaged(int extendedCode);
 
+// Another program has it, longer than was waited.
+bool saysHeld(int extendedCode);
+
 // Something could not be written, in the file or beside it.
 bool saysUnwritable(int extendedCode);
 

@@ -24,10 +24,19 @@ Status SqliteRecordStore::keepOthersWaiting() {
 }
 
 Result<SqliteTransaction> SqliteRecordStore::beginWriting() {
+  if (database_->hasMoved()) {
+    return Error{"The library \"" + database_->file().string() +
+                 "\": its file was deleted or replaced. Nothing is written into the old one any more."};
+  }
   if (!held_) return SqliteTransaction::begin(*database_, SqliteTransaction::Kind::write);
   Result<SqliteTransaction> transaction(std::move(*held_));
   held_.reset();
   return transaction;
+}
+
+std::unique_ptr<SqliteDatabase> SqliteRecordStore::exchangeDatabase(
+    std::unique_ptr<SqliteDatabase> database) {
+  return std::exchange(database_, std::move(database));
 }
 
 Status SqliteRecordStore::load(ManagedObjectContext& context) {
@@ -71,6 +80,10 @@ Result<bool> SqliteRecordStore::hasRepaired(std::string_view name) {
 
 Status SqliteRecordStore::noteRepaired(std::string_view name) {
   return setMetaValue(*database_, name, "1");
+}
+
+Status SqliteRecordStore::reload(ManagedObjectContext& context) {
+  return reloadRecords(*database_, context);
 }
 
 Result<std::optional<AttributedString>> SqliteRecordStore::richText(const QLSnippet& snippet) {

@@ -16,6 +16,8 @@ class SqliteRecordStore final : public RecordStore {
   ~SqliteRecordStore() override;
 
   SqliteDatabase& database() { return *database_; }
+  // Goes on with another file and returns the one before, still open.
+  std::unique_ptr<SqliteDatabase> exchangeDatabase(std::unique_ptr<SqliteDatabase> database);
 
   // Makes every other program that wants to write wait from now on until the next save or the end of this.
   Status keepOthersWaiting();
@@ -28,6 +30,7 @@ class SqliteRecordStore final : public RecordStore {
   Status refresh(ManagedObjectContext& context, std::span<const HistoryChange> changes) override;
   Result<bool> hasRepaired(std::string_view name) override;
   Status noteRepaired(std::string_view name) override;
+  Status reload(ManagedObjectContext& context) override;
   Result<std::optional<AttributedString>> richText(const QLSnippet& snippet) override;
 
  private:

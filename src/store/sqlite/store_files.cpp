@@ -1,6 +1,7 @@
 #include "store/sqlite/store_files.h"
 
 #include "base/log.h"
+#include "store/sqlite/log_mark.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -73,20 +74,6 @@ bool isSameVersion(const fs::path& file, const fs::path& copy) {
          fs::last_write_time(file, failure) == fs::last_write_time(copy, failure) && !failure;
 }
 
-// A name that neither a store nor a side file has.
-fs::path nameBeside(const fs::path& store, std::string_view what, Date now) {
-  const auto moment = fmt::gmtime(std::chrono::system_clock::to_time_t(now));
-  const auto name = fmt::format("{}.{}-{:%Y-%m-%d-%H%M%S}", store.string(), what, moment);
-  const auto isFree = [](const fs::path& candidate) {
-    return isMissing(candidate) && std::ranges::all_of(kStoreSideFileSuffixes, [&](const auto suffix) {
-             return isMissing(storeSideFile(candidate, suffix));
-           });
-  };
-  fs::path free = name;
-  for (int number = 2; !isFree(free); ++number) free = fmt::format("{}-{}", name, number);
-  return free;
-}
-
 }  // namespace
 
 fs::path storeSideFile(const fs::path& store, std::string_view suffix) {
@@ -126,6 +113,19 @@ void makeStorePrivate(const fs::path& store) {
 bool isMissing(const fs::path& file) {
   std::error_code failure;
   return fs::symlink_status(file, failure).type() == fs::file_type::not_found;
+}
+
+fs::path nameBeside(const fs::path& store, std::string_view what, Date now) {
+  const auto moment = fmt::gmtime(std::chrono::system_clock::to_time_t(now));
+  const auto name = fmt::format("{}.{}-{:%Y-%m-%d-%H%M%S}", store.string(), what, moment);
+  const auto isFree = [](const fs::path& candidate) {
+    return isMissing(candidate) && std::ranges::all_of(kStoreSideFileSuffixes, [&](const auto suffix) {
+             return isMissing(storeSideFile(candidate, suffix));
+           });
+  };
+  fs::path free = name;
+  for (int number = 2; !isFree(free); ++number) free = fmt::format("{}-{}", name, number);
+  return free;
 }
 
 Status copyStore(const fs::path& from, const fs::path& to) {
@@ -168,6 +168,11 @@ Result<fs::path> copyForRescue(const fs::path& store, Date now) {
 
 Result<std::vector<fs::path>> setSideFilesAside(const fs::path& store, Date now) {
   std::vector<fs::path> renamed;
+  std::error_code failure;
+  if (logIsEmpty(store)) {
+    for (const auto suffix : kStoreSideFileSuffixes) fs::remove(storeSideFile(store, suffix), failure);
+    return renamed;
+  }
   const auto aside = nameBeside(store, "set-aside", now);
   for (const auto suffix : kStoreSideFileSuffixes) {
     const auto side = storeSideFile(store, suffix);

@@ -31,12 +31,15 @@ bool isMissing(const std::filesystem::path& file);
 // also after a power cut.
 Status copyStore(const std::filesystem::path& from, const std::filesystem::path& to);
 
+// A name made of the store's own, `what` and the moment, which no store and no side file has.
+std::filesystem::path nameBeside(const std::filesystem::path& store, std::string_view what, Date now);
+
 // Copies a store that cannot be read to a name made of its own and the moment, and returns the copy's path.
 // A store copied before and unchanged since is not copied again.
 Result<std::filesystem::path> copyForRescue(const std::filesystem::path& store, Date now);
 
 // Side files of no store, or of another one than the file that has the name now: SQLite would merge them into
-// that file. Renames them to a name made of "set-aside" and the moment, never deletes them, and logs it.
+// that file. Renames them to a name made of "set-aside" and the moment, and logs it; an empty log is removed.
 // Returns the names that they have now.
 Result<std::vector<std::filesystem::path>> setSideFilesAside(const std::filesystem::path& store, Date now);
 

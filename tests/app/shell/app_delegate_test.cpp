@@ -74,7 +74,8 @@ struct AppDelegateTest : ShellWorld {
                         .startCrashReporter = [this] { events.emplace_back("crash reporter"); },
                         .createAbbreviationsMonitor = [this] { events.emplace_back("monitor"); },
                         .stopImport = [this] { ++importStops; },
-                        .quit = [this] { ++quits; }}};
+                        .quit = [this] { ++quits; },
+                        .giveUp = [this](const Error& error) { events.push_back(error.message); }}};
 };
 
 TEST_F(AppDelegateTest, StartsInOrderAndRepairsAndPurgesLater) {
@@ -139,6 +140,15 @@ TEST_F(AppDelegateTest, RepairsNothingInALibraryThatSaysThatItIsDone) {
   EXPECT_FALSE(snippet->titleIsCustom());
   EXPECT_EQ(snippet->category(), nullptr);
   EXPECT_TRUE(flag("HasMigratedTo308"));
+}
+
+TEST_F(AppDelegateTest, GivesUpWithTheReasonWhenTheRepairsOfTheStartCannotBeSaved) {
+  commitResult = Error{"another program holds it."};
+  delegate.applicationDidFinishLaunching();
+  desktop.queue.advance(Seconds(0.3));
+  EXPECT_THAT(events, testing::Contains("another program holds it."));
+  delegate.applicationWillTerminate();
+  EXPECT_TRUE(commits.empty());
 }
 
 TEST_F(AppDelegateTest, LogsToItsFileFromTheMomentDebugModeIsSwitchedOn) {
