@@ -18,7 +18,7 @@ struct RestoredLibrary {
 };
 
 // Puts a library's file, a backup as a rule, in the place of the library of a data directory, whole or not at
-// all, also after a power cut. The file is checked before, and stays as it is. Nobody writes to the library
+// all, also after a power cut. The file is checked before, and stays as it is. The library is locked
 // meanwhile; programs that have it open find another file under its name afterwards. Any thread, with no
 // connection of that thread in a transaction.
 Result<RestoredLibrary> restoreLibrary(const std::filesystem::path& dataDirectory,

@@ -10,7 +10,7 @@
 namespace quorlo {
 namespace {
 
-// Whoever comes back after a longer one finds the trash emptied at the start after the next use.
+// After a longer pause the trash is emptied at the start after the next use.
 constexpr std::chrono::days kLongestPause(60);
 
 // This session's own saves bear the same clock.

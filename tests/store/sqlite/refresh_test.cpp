@@ -145,7 +145,7 @@ TEST(Refresh, KeepsWhatIsChangedHereAndDeletedElsewhereWithItsRelationships) {
   }
 }
 
-// A use, a date, another place: nobody's work is lost with them.
+// A use, a date, another place: no work of the user is lost with them.
 TEST(Refresh, OfWhatIsDeletedElsewhereCountsAndDatesReviveNothing) {
   for (const bool isToldBeforeTheSave : {true, false}) {
     SCOPED_TRACE(isToldBeforeTheSave);

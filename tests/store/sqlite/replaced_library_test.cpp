@@ -1,5 +1,5 @@
 // The library's file is replaced, overwritten or deleted while a program has it open: nothing that was
-// acknowledged or stands in memory is lost, and nothing is written into a file that nobody sees any more.
+// acknowledged or stands in memory is lost, and nothing is written into a file that has no name any more.
 
 #include "store/persistence_controller.h"
 
