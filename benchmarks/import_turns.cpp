@@ -13,7 +13,7 @@
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
 #include "store/records/ql_snippet.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 #include "text/utf.h"
 
 #include <chrono>

@@ -7,7 +7,7 @@
 #include "figures.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/sqlite/log_settling.h"
+#include "store/sqlite/file/log_settling.h"
 #include "store/sqlite/open_library.h"
 #include "store/sqlite/sqlite_database.h"
 

@@ -7,7 +7,7 @@
 #include "cli/error_text.h"
 #include "cli/library/library_access.h"
 #include "cli/terminal_text.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "platform/main_queue.h"
 #include "store/context/managed_object_context.h"
 

@@ -1,7 +1,7 @@
 #include "macros/ql_snippet_macro_interpreter.h"
 
 #include "macros/dates/date_and_time_formatter.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 
 #include <utility>
 

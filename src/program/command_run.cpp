@@ -2,7 +2,7 @@
 
 #include "app/settings/stored_user_defaults.h"
 #include "cli/command_session.h"
-#include "platform/system_environment.h"
+#include "platform/environment/system_environment.h"
 
 #include <filesystem>
 #include <memory>

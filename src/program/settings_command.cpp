@@ -2,9 +2,9 @@
 
 #include "app/settings/settings_controller.h"
 #include "platform/accessibility_trust.h"
-#include "platform/system_environment.h"
-#include "ui/file_user_defaults.h"
-#include "ui/qt_main_queue.h"
+#include "platform/environment/system_environment.h"
+#include "ui/desktop/file_user_defaults.h"
+#include "ui/desktop/qt_main_queue.h"
 #include "x11/desktop/x11_desktop.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "store/calendar_days.h"
 
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 
 #include <chrono>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 
 namespace quorlo {
 

@@ -5,8 +5,8 @@
 #include "import/export/library_export.h"
 #include "random_library.h"
 #include "store/context/background_context.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/open_library.h"
-#include "store/sqlite/store_opening.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

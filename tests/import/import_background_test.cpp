@@ -11,7 +11,7 @@
 #include "store/persistence_controller.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 #include "text/utf.h"
 #include "x11/pumped_queue.h"
 

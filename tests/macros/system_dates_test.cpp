@@ -1,7 +1,7 @@
 #include "fakes/fake_environment.h"
 #include "macros/dates/date_and_time_formatter.h"
 #include "macros/dates/date_arithmetic.h"
-#include "platform/system_time_zone.h"
+#include "platform/environment/system_time_zone.h"
 #include "text/utf.h"
 
 #include <gtest/gtest.h>
@@ -67,7 +67,8 @@ TEST(SystemDates, AgreeWithTheClockOfTheSystemInEveryZone) {
           << zone;
       const auto later = dateByAdding(400, DateAndTimeMacroMathType::days, moment, context);
       if (!isUnambiguous(context.timeZone, moment) || !isUnambiguous(context.timeZone, later)) continue;
-      EXPECT_EQ(dateByAdding(-400, DateAndTimeMacroMathType::days, later, context), moment) << zone << " " << shownBySystem(moment);
+      EXPECT_EQ(dateByAdding(-400, DateAndTimeMacroMathType::days, later, context), moment)
+          << zone << " " << shownBySystem(moment);
     }
   }
   unsetenv("TZ");

@@ -1,4 +1,4 @@
-#include "platform/system_environment.h"
+#include "platform/environment/system_environment.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

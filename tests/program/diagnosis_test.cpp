@@ -2,7 +2,7 @@
 #include "program/doctor/library_check.h"
 
 #include "fakes/temporary_directory.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 #include "description.h"
 #include "fakes/temporary_directory.h"
 #include "store/context/record_set.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_record_store.h"
-#include "store/sqlite/store_opening.h"
 #include "test_library.h"
 
 #include <gtest/gtest.h>

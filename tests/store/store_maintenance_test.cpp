@@ -1,6 +1,6 @@
 #include "store/upkeep/store_maintenance.h"
 
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 #include "store/calendar_days.h"
 #include "store/context/store_access.h"
 #include "store/upkeep/built_in_folders.h"

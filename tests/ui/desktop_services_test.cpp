@@ -2,13 +2,13 @@
 #include "fakes/fake_main_queue.h"
 #include "fakes/fake_target_focus.h"
 #include "ui/accessibility_help_window.h"
-#include "ui/dbus_user_notifications.h"
+#include "ui/desktop/dbus_user_notifications.h"
+#include "ui/desktop/pulse_audio_player.h"
+#include "ui/desktop/qt_alerts.h"
+#include "ui/desktop/qt_own_application.h"
+#include "ui/desktop/screen_lock.h"
 #include "ui/event_loop.h"
 #include "ui/fake_notification_server.h"
-#include "ui/pulse_audio_player.h"
-#include "ui/qt_alerts.h"
-#include "ui/qt_own_application.h"
-#include "ui/screen_lock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "ui/file_user_defaults.h"
+#include "ui/desktop/file_user_defaults.h"
 #include "base/log.h"
 #include "platform/user_defaults_contract.h"
 #include "ui/event_loop.h"

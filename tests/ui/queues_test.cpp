@@ -1,6 +1,6 @@
 #include "platform/main_queue_contract.h"
+#include "ui/desktop/qt_main_queue.h"
 #include "ui/event_loop.h"
-#include "ui/qt_main_queue.h"
 
 #include <gtest/gtest.h>
 

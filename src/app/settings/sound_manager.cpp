@@ -5,7 +5,7 @@
 #include "base/log.h"
 #include "platform/audio_player.h"
 #include "platform/background_queue.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 
 #include <algorithm>
 #include <array>

@@ -7,10 +7,10 @@
 #include "cli/library/library_access.h"
 #include "cli/local_date.h"
 #include "import/work_progress.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "store/backup/backup_folder.h"
-#include "store/sqlite/store_files.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_files.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -12,7 +12,7 @@
 #include "import/last_import.h"
 #include "import/snippet_importer.h"
 #include "import/work_progress.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_category.h"
 #include "text/utf.h"

@@ -6,7 +6,7 @@
 #include "cli/library/backup_text.h"
 #include "cli/local_date.h"
 #include "import/work_progress.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "store/backup/backup_folder.h"
 #include "store/backup/restore_library.h"
 

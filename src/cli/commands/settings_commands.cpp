@@ -8,7 +8,7 @@
 #include "cli/definition/command_definition.h"
 #include "cli/definition/command_parser.h"
 #include "cli/terminal_text.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,12 +1,12 @@
 #include "cli/library/library_access.h"
 
 #include "macros/find_macros.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "store/context/library_use.h"
 #include "store/context/managed_object_context.h"
+#include "store/sqlite/file/store_files.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_record_store.h"
-#include "store/sqlite/store_files.h"
-#include "store/sqlite/store_opening.h"
 
 #include <utility>
 

@@ -5,7 +5,7 @@
 #include "cli/library/library_access.h"
 #include "cli/local_date.h"
 #include "cli/terminal_text.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "store/backup/backup_folder.h"
 #include "store/context/managed_object_context.h"
 #include "store/library_editing.h"

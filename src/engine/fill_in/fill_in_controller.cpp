@@ -5,7 +5,7 @@
 #include "engine/fill_in/fill_in_session.h"
 #include "engine/paste/piece_contents.h"
 #include "macros/ql_snippet_macro_interpreter.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "platform/main_queue.h"
 #include "platform/target_focus.h"
 #include "platform/typed_keys_hold.h"

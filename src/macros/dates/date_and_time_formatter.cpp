@@ -2,7 +2,7 @@
 
 #include "base/fatal.h"
 #include "base/log.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "text/utf.h"
 
 #include <fmt/format.h>

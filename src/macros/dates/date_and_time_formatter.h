@@ -1,7 +1,7 @@
 #pragma once
 
 #include "macros/dates/moment.h"
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
 #include "app/settings/launch_at_login.h"
 #include "app/settings/settings_controller.h"
-#include "platform/system_environment.h"
+#include "platform/environment/system_environment.h"
 #include "program/doctor/session_facts.h"
-#include "ui/file_user_defaults.h"
-#include "ui/qt_main_queue.h"
+#include "ui/desktop/file_user_defaults.h"
+#include "ui/desktop/qt_main_queue.h"
 
 #include <QCoreApplication>
 

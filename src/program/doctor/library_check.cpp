@@ -1,7 +1,7 @@
 #include "program/doctor/library_check.h"
 
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_database.h"
-#include "store/sqlite/store_opening.h"
 #include "store/sqlite/store_schema.h"
 
 #include <chrono>

@@ -3,7 +3,7 @@
 #include "app/settings/launch_at_login.h"
 #include "app/settings/settings_controller.h"
 #include "platform/accessibility_trust.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "program/doctor/library_check.h"
 #include "program/running_instance.h"
 #include "x11/connection/x_connection.h"

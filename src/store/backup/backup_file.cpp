@@ -1,10 +1,10 @@
 #include "store/backup/backup_file.h"
 
 #include "store/backup/online_copy.h"
-#include "store/sqlite/log_mark.h"
-#include "store/sqlite/log_settling.h"
+#include "store/sqlite/file/log_mark.h"
+#include "store/sqlite/file/log_settling.h"
+#include "store/sqlite/file/store_files.h"
 #include "store/sqlite/sqlite_database.h"
-#include "store/sqlite/store_files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 #include "store/backup/backup_folder.h"
 
 #include "base/log.h"
-#include "store/sqlite/store_files.h"
+#include "store/sqlite/file/store_files.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>

@@ -2,8 +2,8 @@
 
 #include "platform/background_queue.h"
 #include "platform/main_queue.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_database.h"
-#include "store/sqlite/store_opening.h"
 
 #include <utility>
 

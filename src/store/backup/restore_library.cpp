@@ -1,10 +1,10 @@
 #include "store/backup/restore_library.h"
 
+#include "store/sqlite/file/store_files.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/sqlite_error.h"
-#include "store/sqlite/store_files.h"
 #include "store/sqlite/store_meta.h"
-#include "store/sqlite/store_opening.h"
 #include "store/sqlite/store_schema.h"
 
 #include <unistd.h>

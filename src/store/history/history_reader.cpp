@@ -2,7 +2,7 @@
 
 #include "store/history/history_purge.h"
 #include "store/history/persistent_history_fetcher.h"
-#include "store/sqlite/log_mark.h"
+#include "store/sqlite/file/log_mark.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "store/sqlite/sqlite_database.h"
 
-#include "store/sqlite/log_mark.h"
+#include "store/sqlite/file/log_mark.h"
 #include "store/sqlite/sqlite_error.h"
 
 #include <sqlite3.h>

@@ -1,5 +1,5 @@
 #include "app/settings/settings_controller.h"
-#include "platform/environment.h"
+#include "platform/environment/environment.h"
 #include "platform/workspace.h"
 #include "ui/settings/settings_page.h"
 #include "ui/settings/settings_pages.h"

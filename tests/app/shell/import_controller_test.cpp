@@ -15,7 +15,7 @@
 #include "store/persistence_controller.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "fakes/temporary_directory.h"
 #include "store/history/persistent_history_fetcher.h"
 #include "store/history/remote_changes.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include "fakes/fake_user_defaults.h"
 #include "store/context/background_context.h"
 #include "store/history/persistent_history_observer.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_record_store.h"
-#include "store/sqlite/store_opening.h"
 #include "x11/pumped_queue.h"
 
 #include <chrono>

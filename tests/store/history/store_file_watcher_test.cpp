@@ -2,7 +2,7 @@
 
 #include "base/log.h"
 #include "fakes/temporary_directory.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 #include "virtual_desktop/wait.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // A write-ahead log that a killed program left, and a file that was put in its library's place meanwhile:
 // what was acknowledged is all there, or set aside, and never mixed.
 
-#include "store/sqlite/log_settling.h"
+#include "store/sqlite/file/log_settling.h"
 
 #include "test_store.h"
 

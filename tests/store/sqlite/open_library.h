@@ -3,8 +3,8 @@
 #include "fakes/fake_main_queue.h"
 #include "store/context/managed_object_context.h"
 #include "store/records/ql_snippet.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_record_store.h"
-#include "store/sqlite/store_opening.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include "child_process.h"
 #include "test_store.h"

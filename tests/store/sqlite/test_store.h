@@ -2,8 +2,8 @@
 
 #include "base/log.h"
 #include "fakes/temporary_directory.h"
-#include "store/sqlite/store_files.h"
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_files.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include <chrono>
 #include <fstream>

@@ -1,7 +1,7 @@
-#include "store/sqlite/store_files.h"
+#include "store/sqlite/file/store_files.h"
 
 #include "base/log.h"
-#include "store/sqlite/log_mark.h"
+#include "store/sqlite/file/log_mark.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-#include "ui/thread_background_queue.h"
+#include "ui/desktop/thread_background_queue.h"
 
 #include <QThreadPool>
 

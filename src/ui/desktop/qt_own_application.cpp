@@ -1,4 +1,4 @@
-#include "ui/qt_own_application.h"
+#include "ui/desktop/qt_own_application.h"
 
 #include <QApplication>
 #include <QPointer>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/date.h"
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 
 #include <filesystem>
 #include <string>

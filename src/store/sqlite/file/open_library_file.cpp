@@ -1,14 +1,14 @@
-#include "store/sqlite/open_library_file.h"
+#include "store/sqlite/file/open_library_file.h"
 
 #include "base/log.h"
 #include "store/backup/backup_file.h"
 #include "store/context/managed_object_context.h"
-#include "store/sqlite/log_mark.h"
+#include "store/sqlite/file/log_mark.h"
+#include "store/sqlite/file/store_files.h"
+#include "store/sqlite/file/store_opening.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/sqlite_error.h"
 #include "store/sqlite/sqlite_record_store.h"
-#include "store/sqlite/store_files.h"
-#include "store/sqlite/store_opening.h"
 #include "store/sqlite/store_schema.h"
 
 #include <fcntl.h>

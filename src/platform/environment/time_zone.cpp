@@ -1,4 +1,4 @@
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 
 #include "text/utf.h"
 

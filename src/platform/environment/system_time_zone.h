@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/time_zone.h"
+#include "platform/environment/time_zone.h"
 
 namespace quorlo {
 

@@ -1,4 +1,4 @@
-#include "platform/preferred_languages.h"
+#include "platform/environment/preferred_languages.h"
 
 #include <algorithm>
 #include <array>

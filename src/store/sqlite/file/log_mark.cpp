@@ -1,8 +1,8 @@
-#include "store/sqlite/log_mark.h"
+#include "store/sqlite/file/log_mark.h"
 
+#include "store/sqlite/file/store_files.h"
 #include "store/sqlite/sqlite_database.h"
 #include "store/sqlite/sqlite_error.h"
-#include "store/sqlite/store_files.h"
 #include "store/uuid.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "ui/screen_lock.h"
+#include "ui/desktop/screen_lock.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "ui/pulse_audio_player.h"
+#include "ui/desktop/pulse_audio_player.h"
 
 #include <pulse/error.h>
 #include <pulse/simple.h>

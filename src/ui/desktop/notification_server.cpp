@@ -1,4 +1,4 @@
-#include "ui/notification_server.h"
+#include "ui/desktop/notification_server.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

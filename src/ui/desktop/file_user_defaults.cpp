@@ -1,4 +1,4 @@
-#include "ui/file_user_defaults.h"
+#include "ui/desktop/file_user_defaults.h"
 
 #include "base/log.h"
 

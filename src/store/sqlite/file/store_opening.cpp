@@ -1,10 +1,10 @@
-#include "store/sqlite/store_opening.h"
+#include "store/sqlite/file/store_opening.h"
 
 #include "base/log.h"
-#include "store/sqlite/log_mark.h"
-#include "store/sqlite/log_settling.h"
+#include "store/sqlite/file/log_mark.h"
+#include "store/sqlite/file/log_settling.h"
+#include "store/sqlite/file/store_files.h"
 #include "store/sqlite/sqlite_error.h"
-#include "store/sqlite/store_files.h"
 #include "store/sqlite/store_schema.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "platform/system_time_zone.h"
+#include "platform/environment/system_time_zone.h"
 
 #include "text/utf.h"
 

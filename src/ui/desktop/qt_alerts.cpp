@@ -1,4 +1,4 @@
-#include "ui/qt_alerts.h"
+#include "ui/desktop/qt_alerts.h"
 
 #include "platform/target_focus.h"
 #include "ui/mnemonics.h"

@@ -1,7 +1,7 @@
-#include "platform/system_environment.h"
+#include "platform/environment/system_environment.h"
 
-#include "platform/preferred_languages.h"
-#include "platform/system_time_zone.h"
+#include "platform/environment/preferred_languages.h"
+#include "platform/environment/system_time_zone.h"
 
 #include <pwd.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
-#include "ui/dbus_user_notifications.h"
+#include "ui/desktop/dbus_user_notifications.h"
 
 #include "platform/main_queue.h"
-#include "ui/notification_server.h"
+#include "ui/desktop/notification_server.h"
 
 #include <utility>
 
