@@ -6,10 +6,10 @@
 #include "fakes/one_thread_queue.h"
 #include "fakes/temporary_directory.h"
 #include "figures.h"
-#include "metered_queue.h"
 #include "store/backup/library_backups.h"
 #include "store/persistence_controller.h"
 #include "store/records/ql_snippet.h"
+#include "support/metered_queue.h"
 #include "text/utf.h"
 
 #include <chrono>

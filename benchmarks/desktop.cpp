@@ -5,8 +5,8 @@
 
 #include "benchmark_library.h"
 #include "figures.h"
-#include "process_status.h"
 #include "run_benchmark.h"
+#include "support/process_status.h"
 #include "target_window.h"
 #include "virtual_desktop/applications.h"
 #include "virtual_desktop/quorlo_program.h"

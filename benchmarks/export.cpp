@@ -7,11 +7,11 @@
 #include "figures.h"
 #include "import/export/export_library.h"
 #include "import/work_progress.h"
-#include "process_status.h"
 #include "store/context/background_context.h"
 #include "store/records/ql_category.h"
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/open_library.h"
+#include "support/process_status.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

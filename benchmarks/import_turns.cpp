@@ -9,11 +9,11 @@
 #include "figures.h"
 #include "import/import_report.h"
 #include "import/library_import.h"
-#include "metered_queue.h"
 #include "store/history/persistent_history_observer.h"
 #include "store/persistence_controller.h"
 #include "store/records/ql_snippet.h"
 #include "store/sqlite/file/store_opening.h"
+#include "support/metered_queue.h"
 #include "text/utf.h"
 
 #include <chrono>

@@ -4,8 +4,8 @@
 // quorlo_menu_bench [--figures FILE]; the program is the one of the same build.
 
 #include "figures.h"
-#include "opening_meter.h"
 #include "run_benchmark.h"
+#include "support/opening_meter.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"

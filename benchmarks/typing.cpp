@@ -4,8 +4,8 @@
 
 #include "benchmark_library.h"
 #include "figures.h"
-#include "key_relay.h"
 #include "run_benchmark.h"
+#include "support/key_relay.h"
 #include "target_window.h"
 #include "virtual_desktop/quorlo_program.h"
 #include "virtual_desktop/virtual_desktop.h"

@@ -1,4 +1,4 @@
-#include "key_relay.h"
+#include "support/key_relay.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

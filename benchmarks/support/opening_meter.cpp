@@ -1,4 +1,4 @@
-#include "opening_meter.h"
+#include "support/opening_meter.h"
 
 #include "target_window.h"
 #include "virtual_desktop/virtual_desktop.h"
