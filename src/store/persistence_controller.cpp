@@ -159,6 +159,15 @@ bool PersistenceController::storeIsInPlace() {
   return false;
 }
 
+void PersistenceController::makeSureOfStore() {
+  if (!file_) return;
+  const auto state = file_->look();
+  if (state == OpenLibraryFile::State::inPlace) return;
+  const auto notice = file_->recover(state);
+  if (notice) return tell(notice.value());
+  noteFailedSave(notice.error());
+}
+
 void PersistenceController::recoverLater(Seconds delay) {
   recoveryIsDue_ = true;
   mainQueue_.runAfter(delay, life_.guard([this] {
@@ -177,6 +186,7 @@ void PersistenceController::recover() {
     noteFailedSave(notice.error());
     return recoverLater(kRecoveryRetry);
   }
+  if (notice.value().kind == LibraryNotice::Kind::fileWasReplaced) createBuiltInFolders();
   if (!wroteElsewhere || !file_->writesElsewhere()) tell(notice.value());
 }
 

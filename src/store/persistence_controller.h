@@ -74,6 +74,8 @@ class PersistenceController {
   // happens to it. Where it does not, nothing more is written there; what is in memory is kept in a file
   // beside it, and the new file is opened a moment later, or the library written back.
   bool storeIsInPlace();
+  // The same without the moment's wait, for a program that ends.
+  void makeSureOfStore();
 
   // Hears of what befalls the library's file, that before this call included. Set once, at the start.
   using NoticeHandler = std::function<void(const LibraryNotice&)>;

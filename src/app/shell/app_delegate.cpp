@@ -115,6 +115,7 @@ AppDelegate::TerminateReply AppDelegate::saveOrAsk() {
     return TerminateReply::terminateCancel;
   }
   use_.stopImport();
+  persistenceController.makeSureOfStore();
   if (!managedObjectContext.hasChanges()) return TerminateReply::terminateNow;
   const auto status = managedObjectContext.save();
   if (status) return TerminateReply::terminateNow;

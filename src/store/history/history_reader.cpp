@@ -43,7 +43,7 @@ Result<NewHistory> HistoryReader::read(Date after) {
 // A long log would be read at each start, and a copy of the file without it lacks what it holds. Readers and
 // writers are not waited for: there is a next time.
 void HistoryReader::mergeLog() {
-  if (logIsEmpty(database_.file()) || !open()) return;
+  if (!open() || logIsEmpty(database_.trueFile())) return;
   database_.setBusyTimeout(std::chrono::milliseconds(0));
   static_cast<void>(database_.integer("PRAGMA wal_checkpoint(PASSIVE)"));
   static_cast<void>(database_.integer("PRAGMA wal_checkpoint(TRUNCATE)"));

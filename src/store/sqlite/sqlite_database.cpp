@@ -151,6 +151,11 @@ std::string SqliteDatabase::bytesOfFile(std::int64_t offset, std::size_t count) 
   return bytes;
 }
 
+std::filesystem::path SqliteDatabase::trueFile() const {
+  const char* const name = sqlite3_db_filename(connection_, "main");
+  return name == nullptr ? file_ : std::filesystem::path(name);
+}
+
 bool SqliteDatabase::hasMoved() const {
   int moved = 0;
   return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
@@ -189,7 +194,7 @@ Result<SqliteTransaction> SqliteTransaction::begin(SqliteDatabase& database, Kin
   if (auto status = database.execute(kind == Kind::write ? "BEGIN IMMEDIATE" : "BEGIN"); !status) {
     return status.error();
   }
-  return SqliteTransaction(database, kind == Kind::write && logIsEmpty(database.file()));
+  return SqliteTransaction(database, kind == Kind::write && logIsEmpty(database.trueFile()));
 }
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase& database, bool beginsLog)

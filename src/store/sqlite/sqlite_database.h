@@ -46,12 +46,15 @@ class SqliteDatabase {
   // From now on.
   void setBusyTimeout(std::chrono::milliseconds busyTimeout);
   bool isOpen() const { return connection_ != nullptr; }
-  // The last connection to a file merges its write-ahead log and removes the side files.
+  // The last connection to a file merges its write-ahead log and removes the side files, unless the file has
+  // moved.
   void close();
   // Leaves the write-ahead log unmerged, for a file that is not to be written to any more.
   void closeUntouched();
 
   const std::filesystem::path& file() const { return file_; }
+  // Where its links lead to; the side files are beside it. While it is open.
+  std::filesystem::path trueFile() const;
 
   // A property of the file, kept once set: readers go on while one connection writes.
   Status useWriteAheadLog();

@@ -161,6 +161,22 @@ TEST_F(LogSettling, ALibraryCopiedWithItsLogKeepsWhatIsInTheLog) {
   }
 }
 
+// Background contexts know the library by the name in the data folder, which may be a link.
+TEST_F(LogSettling, SavesThroughALinkBelongToTheLogThatIsThere) {
+  const auto link = test_.temporary / "link";
+  fs::create_symlink(test_.file, link);
+  const auto store = test_.open();
+  save(*store.value(), "INSERT INTO App(bundleID) VALUES('one')");
+  SqliteDatabase linked(link);
+  ASSERT_TRUE(linked.open(SqliteDatabase::Access::readWrite));
+  for (int i = 0; i < 3; ++i) save(linked, "INSERT INTO App(bundleID) VALUES('two')");
+  linked.closeUntouched();
+  store.value()->closeUntouched();
+  waitForTheClockOfFiles();
+  EXPECT_EQ(found(), "2000|4\n");
+  EXPECT_THAT(notes_.setAside, IsEmpty());
+}
+
 TEST_F(LogSettling, ALogThatWasHalfMergedIsMergedToItsEnd) {
   saveAndDie();
   const auto log = contents(test_.file.string() + "-wal");

@@ -83,6 +83,8 @@ TEST_F(ReplacedLibrary, GoesOnWithTheNewFileAndKeepsWhatItHadInAnotherOne) {
   EXPECT_EQ(fs::status(detail_).permissions(), fs::perms(0600));
   EXPECT_THAT(titles(), ElementsAre("first", "second"));
 
+  EXPECT_TRUE(controller_->builtInFolder(CategoryType::AllSnippets));
+
   add(u"into the new file");
   controller_->save();
   EXPECT_EQ(titlesIn(test_.file), "first\nsecond\ninto the new file\n");
@@ -114,6 +116,13 @@ TEST_F(ReplacedLibrary, IsWrittenBackWhenItsFileIsDeleted) {
   controller_->save();
   EXPECT_EQ(titlesIn(test_.file), std::string(kEverything) + "later\n");
   EXPECT_EQ(fs::status(test_.file).permissions(), fs::perms(0600));
+}
+
+TEST_F(ReplacedLibrary, IsWrittenBackBeforeTheProgramEnds) {
+  fs::remove(test_.file);
+  controller_->makeSureOfStore();
+  controller_.reset();
+  EXPECT_EQ(titlesIn(test_.file), kEverything);
 }
 
 TEST_F(ReplacedLibrary, KeepsSavingBesideAFileThatIsNoLibraryUntilThereIsOneAgain) {

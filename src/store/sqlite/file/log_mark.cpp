@@ -136,7 +136,7 @@ std::optional<FileAlone> readAlone(SqliteDatabase& database, std::int64_t rootOf
 
 // Whether any page of the log stands in the file already.
 bool anyPageIsMerged(SqliteDatabase& database, std::uint32_t pageSize) {
-  std::ifstream log(storeSideFile(database.file(), "-wal"), std::ios::binary);
+  std::ifstream log(storeSideFile(database.trueFile(), "-wal"), std::ios::binary);
   std::string header(kLogHeaderSize, '\0');
   if (!log.read(header.data(), static_cast<std::streamsize>(header.size()))) return false;
   std::string frame(kFrameHeaderSize + pageSize, '\0');
@@ -151,8 +151,8 @@ bool anyPageIsMerged(SqliteDatabase& database, std::uint32_t pageSize) {
 
 // What the marks leave open: a backup of just the moment when the log was begun.
 LogOrigin originByFile(SqliteDatabase& database, const FileAlone& alone, const LogFile& begun, bool isBase) {
-  const auto store = identityOf(database.file());
-  const auto log = identityOf(storeSideFile(database.file(), "-wal"));
+  const auto store = identityOf(database.trueFile());
+  const auto log = identityOf(storeSideFile(database.trueFile(), "-wal"));
   if (!store || !log) return LogOrigin::thisFile;
   if (!store->isSameFileAs(begun.store)) {
     // File and log were copied together, or the file alone was put in place.
@@ -217,8 +217,8 @@ Status markLog(SqliteDatabase& database) {
   for (const auto& each : marks) text += each;
 
   LogFile begun;
-  if (const auto store = identityOf(database.file())) begun.store = *store;
-  if (const auto log = identityOf(storeSideFile(database.file(), "-wal"))) begun.log = *log;
+  if (const auto store = identityOf(database.trueFile())) begun.store = *store;
+  if (const auto log = identityOf(storeSideFile(database.trueFile(), "-wal"))) begun.log = *log;
   begun.schemaCookie = bigEndian(database.bytesOfFile(0, kHeaderSize), 40);
   auto write = database.prepare("INSERT OR REPLACE INTO Meta(key, value) VALUES(?, ?)");
   if (auto status = write.bind(1, kLogMarks).bind(2, std::string_view(text)).run(); !status) return status;
