@@ -20,6 +20,13 @@ function(quorlo_precompile_for_tests target)
   target_precompile_headers(${target} REUSE_FROM quorlo_test_headers)
 endfunction()
 
+# For a test program of windows, which is compiled in another way.
+function(quorlo_precompile_for_window_tests target)
+  if(QUORLO_PRECOMPILED_HEADERS)
+    target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <QtCore> <QtGui> <QtWidgets>)
+  endif()
+endfunction()
+
 # Qt's windows, for a target that links Qt6::Widgets.
 function(quorlo_precompile_qt target)
   if(QUORLO_PRECOMPILED_HEADERS)

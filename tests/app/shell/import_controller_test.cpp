@@ -54,7 +54,7 @@ struct ImportControllerTest : testing::Test {
   }
   // As the history observer does it.
   void takeIn() {
-    HistoryReader reader(directory / kStoreFileName, "main_app", "view_context", std::chrono::seconds(1));
+    HistoryReader reader(directory / kStoreFileName, context().writer(), Date::min(), std::chrono::seconds(1));
     ASSERT_TRUE(context().refresh(reader.read(Date::min()).value().changes.records));
     queue.settle();
   }
