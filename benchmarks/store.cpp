@@ -128,6 +128,7 @@ void measureAUseOfALongText(Figures& figures) {
   TemporaryDirectory directory;
   Library library(directory.path());
   const auto snippet = library.context().insert<QLSnippet>();
+  snippet->setTitle(u"Long");
   snippet->setPlainText(std::u16string(57'000'000, u'x'));
   snippet->setUseCount(1);
   library.save();

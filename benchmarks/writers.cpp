@@ -16,6 +16,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
@@ -54,6 +55,7 @@ class Shell {
 
   json list(const std::vector<std::string>& options) const {
     const auto output = desktop_.directory() / "listed";
+    std::filesystem::remove(output);  // programs append to it
     std::vector<std::string> words{"list", "--json"};
     words.insert(words.end(), options.begin(), options.end());
     if (start(words, output).waitForEnd(kLongestCommand) != 0)
