@@ -99,8 +99,8 @@ class Typist {
   SoundManager sound_{settings_, environment_, player_, background_};
   AccessibilityManager accessibility_{desktop_, settings_, desktop_, alerts_, desktop_.queue, {}};
   PasteController paste_{{desktop_.queue, desktop_.pasteboard, desktop_, desktop_, desktop_, desktop_,
-                          desktop_, application_, notifications_, settings_, sound_, preparation_}};
-  ExpansionUndo undo_{{desktop_.queue, desktop_, desktop_, desktop_, desktop_, key::kBackspace}};
+                          desktop_, desktop_, application_, notifications_, settings_, sound_, preparation_}};
+  ExpansionUndo undo_{{desktop_.queue, desktop_, desktop_, desktop_, desktop_, desktop_, key::kBackspace}};
   AbbreviationsMonitor monitor_{{desktop_.queue, desktop_, desktop_, desktop_, desktop_, settings_,
                                  accessibility_, persistence_, context_, desktop_, paste_, undo_}};
   KeyDownEvent letter_{0, 0, u"a", KeyDownEvent::Origin::keyboard};

@@ -138,7 +138,7 @@ TEST_F(ImportControllerTest, UndoesTheLastImportAndSavesItsReport) {
 }
 
 TEST_F(ImportControllerTest, SaysWhyNothingCameAndIsSilentWhenTheUserCancelled) {
-  controller->importFiles({directory / "none.quorlo", file("other.json", "{}")});
+  controller->importFiles({directory / "none.quorlo", file("other.json", "no document")});
   work();
   EXPECT_THAT(view.screen,
               AllOf(HasSubstr("Nothing was imported."), HasSubstr("none.quorlo"), HasSubstr("other.json")));
