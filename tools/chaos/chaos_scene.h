@@ -58,6 +58,7 @@ class ChaosScene {
   bool settle();
 
   std::string layout = "us";
+  bool stickyKeys = false;
 
  private:
   std::mt19937& random_;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace quorlo {
 
@@ -88,12 +89,26 @@ void toggleNumLock(ChaosScene& scene) {
   scene.runBeside({"xdotool", "key", "Num_Lock"});
 }
 
+// Where Sticky Keys end the server unlocks everything, so they and Caps Lock do not come together.
+void useStickyKeys(ChaosScene& scene) {
+  if (scene.typist().capsLocked()) return;
+  setStickyKeys(scene.desktop().display(), true);
+  scene.stickyKeys = true;
+}
+
+void dropStickyKeys(ChaosScene& scene) {
+  if (!std::exchange(scene.stickyKeys, false)) return;
+  setStickyKeys(scene.desktop().display(), false);
+}
+
 void lockCaps(ChaosScene& scene) {
+  if (scene.stickyKeys) return;
   scene.run({"xdotool", "key", "Caps_Lock"});
   scene.typist().setCapsLocked(true);
 }
 
 void unlockCaps(ChaosScene& scene) {
+  if (!scene.typist().capsLocked()) return;
   scene.typist().waitForArrival();
   scene.run({"xdotool", "key", "Caps_Lock"});
   scene.typist().setCapsLocked(false);
@@ -113,9 +128,7 @@ std::vector<Disturbance> keyboardDisturbances(SecondKeyboard second) {
       {"repeat rate", kStrict, false, changeRate, join},
       {"held BackSpace", kStrict, true, eraseByHeldKey},
       {"Num Lock", kStrict, false, toggleNumLock, join},
-      {"Sticky Keys", kStrict, false,
-       [](ChaosScene& scene) { setStickyKeys(scene.desktop().display(), true); },
-       [](ChaosScene& scene) { setStickyKeys(scene.desktop().display(), false); }},
+      {"Sticky Keys", kStrict, false, useStickyKeys, dropStickyKeys},
       {"Caps Lock", kStrict, true, lockCaps, unlockCaps},
   };
   const auto xinput = [](std::string verb) {

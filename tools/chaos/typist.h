@@ -30,6 +30,7 @@ class Typist {
   void useSecondKeyboard(bool second) { second_ = second; }
   // Letters arrive in the other case and nothing expands.
   void setCapsLocked(bool locked) { capsLocked_ = locked; }
+  bool capsLocked() const { return capsLocked_; }
 
   // A word that is no abbreviation.
   void typePlainWord();
