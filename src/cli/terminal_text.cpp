@@ -84,4 +84,14 @@ std::string cutToWidth(std::string_view text, std::size_t columns) {
   return std::string(text);
 }
 
+std::string alignedLine(std::span<const std::string> fields, std::span<const std::size_t> widths) {
+  std::string line;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const auto field = cutToWidth(fields[i], widths[i]);
+    line += field;
+    if (i + 1 < fields.size()) line.append(widths[i] - displayWidth(field), ' ').append(kGap);
+  }
+  return line + "\n";
+}
+
 }  // namespace quorlo

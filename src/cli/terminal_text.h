@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,5 +20,12 @@ std::size_t displayWidth(std::string_view text);
 
 // At most so many columns; what is cut ends in "…".
 std::string cutToWidth(std::string_view text, std::size_t columns);
+
+// Between two fields of a line.
+inline constexpr std::string_view kGap = "  ";
+
+// A line of a table, with its line feed: each printable field cut or filled up to its width, of which there
+// are as many; the last one is only cut.
+std::string alignedLine(std::span<const std::string> fields, std::span<const std::size_t> widths);
 
 }  // namespace quorlo

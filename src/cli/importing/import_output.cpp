@@ -17,7 +17,6 @@ namespace {
 constexpr std::size_t kMostDetails = 50;
 constexpr std::size_t kColumns = 3;
 constexpr std::array<std::size_t, kColumns> kWidest{24, 16, 40};
-constexpr std::string_view kGap = "  ";
 
 using Row = std::array<std::string, kColumns>;
 
@@ -27,16 +26,6 @@ Row rowOf(const ImportedExample& example) {
   Row row{toUtf8(example.title), toUtf8(example.abbreviation), toUtf8(example.text)};
   for (auto& field : row) field = printable(field, LineBreaks::shown);
   return row;
-}
-
-std::string aligned(const Row& row, const std::array<std::size_t, kColumns>& widths) {
-  std::string line;
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const auto field = cutToWidth(row[i], widths[i]);
-    line += field;
-    if (i + 1 < kColumns) line.append(widths[i] - displayWidth(field), ' ').append(kGap);
-  }
-  return line + "\n";
 }
 
 // In a terminal columns, for other programs a line each with tabs between.
@@ -55,7 +44,7 @@ void printExamples(CommandOutput& out, const std::vector<ImportedExample>& examp
       widths[i] = std::min(std::max(widths[i], displayWidth(row[i])), kWidest[i]);
     }
   }
-  for (const auto& row : rows) out.write(aligned(row, widths));
+  for (const auto& row : rows) out.write(alignedLine(row, widths));
 }
 
 // A file may have thousands of abbreviations that are in use.

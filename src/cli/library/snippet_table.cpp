@@ -22,7 +22,6 @@ constexpr std::size_t kTitle = 1;
 constexpr std::size_t kUuid = 3;
 constexpr std::size_t kShownUuid = 8;
 constexpr std::size_t kNarrowestTitle = 12;
-constexpr std::string_view kGap = "  ";
 
 using Row = std::array<std::string, kColumns>;
 using Widths = std::array<std::size_t, kColumns>;
@@ -52,21 +51,11 @@ Widths widthsOf(const std::vector<Row>& rows, std::size_t columns) {
   return widths;
 }
 
-std::string aligned(const Row& row, const Widths& widths) {
-  std::string line;
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const auto field = cutToWidth(row[i], widths[i]);
-    line += field;
-    if (i + 1 < kColumns) line.append(widths[i] - displayWidth(field), ' ').append(kGap);
-  }
-  return line + "\n";
-}
-
 void printColumns(CommandOutput& out, std::vector<Row> rows) {
   for (auto& row : rows) row[kUuid].resize(std::min(row[kUuid].size(), kShownUuid));
   rows.insert(rows.begin(), kHeadings);
   const auto widths = widthsOf(rows, out.columns());
-  for (const auto& row : rows) out.write(aligned(row, widths));
+  for (const auto& row : rows) out.write(alignedLine(row, widths));
 }
 
 void printLines(CommandOutput& out, const std::vector<Row>& rows) {
